@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs every Debian package that building, testing and running Tessary
+# needs. Idempotent: when everything is present it only checks and returns.
+set -euo pipefail
+
+packages=(
+  # build
+  build-essential cmake ninja-build pkg-config
+  # Qt 6 (Core, Gui, Widgets, OpenGLWidgets, PrintSupport, Network, Test) and SVG icons
+  qt6-base-dev qt6-base-dev-tools libqt6opengl6-dev qt6-svg-dev libqt6svg6
+  libgl-dev libglu1-mesa-dev libgl1-mesa-dri
+  # space groups, elements and cell arithmetic (header-only)
+  gemmi-dev
+  # tests, benchmarks and fuzzing
+  libgtest-dev libgmock-dev googletest libbenchmark-dev
+  clang libclang-rt-14-dev
+  # the peer reader the benchmarks compare against (gemmi's CIF reader needs it)
+  tao-pegtl-dev
+  # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
+  libavogadro-data libcifpp-data cod-tools
+  # running the editor headless and looking at it
+  xvfb xauth x11-utils imagemagick fonts-dejavu-core
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+echo "install-deps: installing ${missing[*]}"
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update
+$SUDO apt-get install -y --no-install-recommends "${missing[@]}"

@@ -1,0 +1,96 @@
+#include "application/QcbsApplication.hpp"
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QPainter>
+#include <QPointer>
+#include <QScreen>
+
+#include "application/ORMALogQString.hpp"
+#include "application/QcbsMainWindow.hpp"
+#include "application/QcbsUtilities.hpp"
+#include "resources/QcbsImages.hpp"
+#include "support/ORMALog.hpp"
+
+namespace {
+
+// The one splash screen; QPointer because it deletes itself when closed.
+QPointer<QLabel> splash;
+
+// The splash image without a status line, kept on the label itself.
+const char* const basePixmapProperty = "tessarySplashImage";
+
+void debugLine(const QString& text) {
+    if (!ORMALog::wants(1)) return;
+    ORMALog::start_debug_line(1) << text;
+    ORMALog::end_debug_line();
+}
+
+}  // namespace
+
+QcbsApplication::QcbsApplication(int& argc, char** argv) : QtServerApplication("Tessary", argc, argv) {}
+
+QcbsApplication::~QcbsApplication() { debugLine("QcbsApplication::~QcbsApplication finished"); }
+
+void QcbsApplication::open(const QString& filename) {
+    QcbsMainWindow* window = nullptr;
+    for (QWidget* widget : QApplication::allWidgets()) {
+        if (!widget->inherits("QMainWindow")) continue;
+        window = qobject_cast<QcbsMainWindow*>(widget);
+        if (window != nullptr) break;
+    }
+    if (window == nullptr) {
+        ORMALog::start_error_line() << "QcbsApplication - cannot open file because main window has not yet been created: "
+                                    << filename;
+        ORMALog::end_error_line();
+        return;
+    }
+    debugLine("QcbsApplication - open file " + filename);
+    window->fileOpen(filename, true);
+}
+
+QLabel* QcbsApplication::showSplash() {
+    debugLine("QcbsApplication::showSplash");
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    splash = new QLabel(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                                     Qt::X11BypassWindowManagerHint);
+    splash->setObjectName("splash");
+    splash->setAttribute(Qt::WA_DeleteOnClose);
+    splash->setFrameStyle(QFrame::WinPanel | QFrame::Raised);
+    const QPixmap image = splashScreen();
+    splash->setProperty(basePixmapProperty, image);
+    splash->setPixmap(image);
+    splash->setWindowTitle(programQName());
+    splash->adjustSize();
+    splash->move((screen.left() + screen.right()) / 2 - splash->width() / 2,
+                 (screen.top() + screen.bottom()) / 2 - splash->height() / 2);
+    splash->show();
+    splash->repaint();
+    QCoreApplication::processEvents();
+    set_splash_status(programQName() + ", Version " + QString::fromStdString(TessaryVersion()) +
+                      " : Initializing...");
+    return splash;
+}
+
+void set_splash_status(const QString& txt) {
+    debugLine("QcbsApplication::set_splash_status - txt:" + txt);
+    if (splash.isNull()) return;
+    // The status is drawn over a fresh copy of the image, so the last one goes.
+    QPixmap shown = splash->property(basePixmapProperty).value<QPixmap>();
+    QPainter painter(&shown);
+    painter.setFont(splash->font());
+    painter.setPen(Qt::white);
+    painter.drawText(5, QFontMetrics(splash->font()).height(),
+                     "Tessary - Version " + QString::fromStdString(TessaryVersion()) + " : " + txt);
+    painter.end();
+    splash->setPixmap(shown);
+    splash->repaint();
+    QCoreApplication::processEvents();
+}
+
+void QcbsApplication::closeSplash() {
+    debugLine("QcbsApplication::closeSplash");
+    if (!splash.isNull()) splash->close();  // hidden, then deleted (WA_DeleteOnClose)
+}
+
+QLabel* currentSplash() { return splash.data(); }

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QDate>
+#include <QPixmap>
+#include <QString>
+
+#include "application/QtServerApplication.hpp"
+
+class QLabel;
+
+// The editor's application object: shows the splash screen while start-up
+// runs and opens the files that reach it in the first main window.
+class QcbsApplication : public QtServerApplication {
+    Q_OBJECT
+public:
+    QcbsApplication(int& argc, char** argv);
+    ~QcbsApplication() override;
+
+    // Opens a file named on the command line or sent by a later launch in the
+    // first main window; before any main window exists the name is logged as
+    // an error and dropped.
+    void open(const QString& filename) override;
+
+    QLabel* showSplash();
+    void closeSplash();
+
+private:
+    // Kept for the suite's windows; this program does not use them.
+    void* reserved1_ = nullptr;
+    void* reserved2_ = nullptr;
+    void* reserved3_ = nullptr;
+    void* reserved4_ = nullptr;
+    QString reservedText_;
+};
+
+// The status line on the splash screen; nothing happens when none is shown.
+void set_splash_status(const QString& txt);
+
+// The splash screen currently shown, or null.
+QLabel* currentSplash();

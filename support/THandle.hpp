@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+#include "support/THandleCommon.hpp"
+
+// GCC 12 cannot see that a count another handle still holds is above zero
+// and reports use-after-free in inlined copies; the sanitized tests check it.
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuse-after-free"
+#endif
+
+// A reference-counted handle: two words, the object pointer (may be null)
+// and a separately allocated count. The object is destroyed through its
+// virtual destructor when the last handle lets go. Handles compare by the
+// identity of their object.
+template <class T>
+class THandle {
+public:
+    THandle() : THandle(nullptr) {}
+    explicit THandle(T* object) : object_(object), count_(new long(1)) {}
+    THandle(std::nullptr_t) : object_(nullptr), count_(new long(1)) {}
+
+    THandle(const THandle& other) noexcept : object_(other.object_), count_(other.count_) { ++*count_; }
+
+    // A handle to a derived class converts to one to its base, sharing the count.
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    THandle(const THandle<U>& other) noexcept : object_(other.object_), count_(other.count_) {
+        ++*count_;
+    }
+
+    THandle& operator=(const THandle& other) noexcept {
+        if (this != &other) {
+            ++*other.count_;  // taken first, so self-sharing assignment is safe
+            release();
+            object_ = other.object_;
+            count_ = other.count_;
+        }
+        return *this;
+    }
+
+    ~THandle() { release(); }
+
+    T* operator->() const {
+        if (object_ == nullptr) THandleCommon::null_handle_error(typeid(T));
+        return object_;
+    }
+    T& operator*() const {
+        if (object_ == nullptr) THandleCommon::null_handle_error(typeid(T));
+        return *object_;
+    }
+
+    T* get() const noexcept { return object_; }
+    bool is_null() const noexcept { return object_ == nullptr; }
+    explicit operator bool() const noexcept { return object_ != nullptr; }
+    long use_count() const noexcept { return *count_; }
+
+    // A handle of the same object seen as a U, or a null handle when the
+    // object is not a U.
+    template <class U>
+    THandle<U> cast() const {
+        U* target = dynamic_cast<U*>(object_);
+        if (target == nullptr) return THandle<U>();
+        return THandle<U>(target, count_);
+    }
+
+    template <class U>
+    bool operator==(const THandle<U>& other) const noexcept {
+        return static_cast<const void*>(object_) == static_cast<const void*>(other.get());
+    }
+    template <class U>
+    bool operator<(const THandle<U>& other) const noexcept {
+        return std::less<const void*>()(object_, other.get());
+    }
+
+private:
+    template <class U>
+    friend class THandle;
+
+    THandle(T* object, long* count) noexcept : object_(object), count_(count) { ++*count_; }
+
+    void release() noexcept {
+        if (--*count_ == 0) {
+            delete count_;
+            delete object_;
+        }
+    }
+
+    T* object_;
+    long* count_;
+};
+
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12
+#pragma GCC diagnostic pop
+#endif
+
+template <class T>
+struct std::hash<THandle<T>> {
+    std::size_t operator()(const THandle<T>& handle) const noexcept { return std::hash<T*>()(handle.get()); }
+};

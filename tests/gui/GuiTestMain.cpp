@@ -1,0 +1,15 @@
+// Runs the GUI tests inside one QcbsApplication on the offscreen platform,
+// with the settings in a fresh directory.
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "application/QcbsApplication.hpp"
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QTemporaryDir prefs;
+    qputenv("TESSARYPREFS", prefs.path().toUtf8());
+    ::testing::InitGoogleTest(&argc, argv);
+    QcbsApplication app(argc, argv);
+    return RUN_ALL_TESTS();
+}

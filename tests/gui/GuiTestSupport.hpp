@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <QTemporaryDir>
+#include <sstream>
+
+#include "support/ORMALog.hpp"
+
+// Gives a test its own, empty settings directory (TESSARYPREFS) and restores
+// the previous one afterwards.
+class ScopedPrefsDir {
+public:
+    ScopedPrefsDir() : previous_(qgetenv("TESSARYPREFS")) { qputenv("TESSARYPREFS", dir_.path().toUtf8()); }
+    ~ScopedPrefsDir() { qputenv("TESSARYPREFS", previous_); }
+    QString path() const { return dir_.path(); }
+    QString iniFile() const { return dir_.filePath("tessary.ini"); }
+
+private:
+    QTemporaryDir dir_;
+    QByteArray previous_;
+};
+
+// Collects the log lines written while it lives, at the given level.
+class ScopedLogCapture {
+public:
+    explicit ScopedLogCapture(int level = 0) : level_(ORMALog::level_), minimum_(ORMALog::minimum_level_) {
+        ORMALog::level_ = level;
+        ORMALog::minimum_level_ = 0;
+        ORMALog::set_sink(&out_);
+    }
+    ~ScopedLogCapture() {
+        ORMALog::set_sink(nullptr);
+        ORMALog::level_ = level_;
+        ORMALog::minimum_level_ = minimum_;
+    }
+    std::string text() const { return out_.str(); }
+
+private:
+    std::ostringstream out_;
+    int level_;
+    int minimum_;
+};

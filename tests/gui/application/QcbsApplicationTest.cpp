@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QLocalSocket>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "GuiTestSupport.hpp"
+#include "application/QcbsApplication.hpp"
+#include "application/QcbsMainWindow.hpp"
+#include "application/QcbsUtilities.hpp"
+
+namespace {
+
+class RecordingWindow : public QcbsMainWindow {
+public:
+    void fileOpen(const QString& filename, bool interactive) override {
+        opened << filename;
+        lastInteractive = interactive;
+    }
+    QStringList opened;
+    bool lastInteractive = false;
+};
+
+QcbsApplication* application() { return static_cast<QcbsApplication*>(QCoreApplication::instance()); }
+
+TEST(StartUp, FileBeforeAnyMainWindowIsLoggedAndDropped) {
+    ScopedLogCapture log;
+    QMainWindow plain;  // a main window of another class does not count
+    application()->open("/data/first.cif");
+    EXPECT_EQ(log.text(),
+              "Error: QcbsApplication - cannot open file because main window has not yet been created: "
+              "/data/first.cif\n");
+}
+
+TEST(StartUp, FileGoesToTheFirstEditorWindowInteractively) {
+    QMainWindow plain;
+    RecordingWindow window;
+    application()->open("/data/second.cif");
+    EXPECT_EQ(window.opened, QStringList{"/data/second.cif"});
+    EXPECT_TRUE(window.lastInteractive);
+}
+
+TEST(StartUp, FilesFromALaterLaunchReachOpen) {
+    RecordingWindow window;
+    QLocalSocket socket;
+    socket.connectToServer(QtServerApplication::serverName("Tessary"));
+    ASSERT_TRUE(socket.waitForConnected(2000));
+    socket.write("/data/a.cif\n/data/b c.cif\n");
+    ASSERT_TRUE(socket.waitForBytesWritten(2000));
+    socket.disconnectFromServer();
+    QTRY_COMPARE_WITH_TIMEOUT(window.opened.size(), 2, 5000);
+    EXPECT_EQ(window.opened, (QStringList{"/data/a.cif", "/data/b c.cif"}));
+}
+
+TEST(StartUp, SplashIsCentredCaptionedAndGoesAway) {
+    ScopedLogCapture log(1);
+    QLabel* splash = application()->showSplash();
+    ASSERT_NE(splash, nullptr);
+    EXPECT_TRUE(splash->isVisible());
+    EXPECT_EQ(splash->windowTitle(), "Tessary");
+    EXPECT_FALSE(splash->pixmap().isNull());
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    EXPECT_EQ(splash->x(), (screen.left() + screen.right()) / 2 - splash->width() / 2);
+    EXPECT_EQ(splash->y(), (screen.top() + screen.bottom()) / 2 - splash->height() / 2);
+    const QImage before = splash->pixmap().toImage();
+    set_splash_status("Loading dictionaries...");
+    EXPECT_NE(splash->pixmap().toImage(), before);  // the status line is drawn
+    application()->closeSplash();
+    QTest::qWait(0);
+    EXPECT_EQ(currentSplash() == nullptr || !currentSplash()->isVisible(), true);
+    const std::string text = log.text();
+    EXPECT_NE(text.find("QcbsApplication::showSplash\n"), std::string::npos);
+    EXPECT_NE(text.find("QcbsApplication::set_splash_status - txt:Tessary, Version 1.2 : Initializing...\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("QcbsApplication::set_splash_status - txt:Loading dictionaries...\n"), std::string::npos);
+    EXPECT_NE(text.find("QcbsApplication::closeSplash\n"), std::string::npos);
+    set_splash_status("after close");  // harmless without a splash
+}
+
+}  // namespace
