@@ -1,0 +1,210 @@
+#include "cif/CifErrorCatalogue.hpp"
+
+#include <string>
+
+namespace {
+
+// Messages use %1 for the error's text (a data name or token) and %2 for
+// its detail. docs/errors.md lists the same table for readers.
+constexpr CifErrorCatalogueEntry table[] = {
+    {300, 1, "warnings_omitted", "(warnings omitted)",
+     "Shown by the editor in place of the further warnings of a run on consecutive lines that is longer than "
+     "the limit; the library never produces it."},
+    {301, 2, "input_unreadable", "Cannot read the input: %2",
+     "The file or stream failed before its end; the text read up to that point is kept and checked."},
+    {302, 2, "invalid_character", "Character %2 is not allowed in CIF",
+     "CIF 1.1 allows only printable ASCII, tab and line ends; control characters, DEL and bytes above 126 "
+     "are errors (CIF 2.0 allows Unicode text except controls and non-characters)."},
+    {303, 0, "calculated_value_differs", "Value of %1 differs from the value calculated from related items%2",
+     "A consistency check found that the reported value of the named data item disagrees with the value "
+     "derived from other items (for example the cell volume from the cell lengths and angles); the line is "
+     "that of the item."},
+    {304, 0, "count_mismatch", "Value of %1 does not agree with the number of entries it counts%2",
+     "A consistency check found that a count (for example of reflections or atom sites) differs from the "
+     "number of rows of the loop it describes; the line is that of the item."},
+    {305, 2, "unterminated_quoted_string", "Quoted string not terminated: %1",
+     "A value opened with a quote has no closing quote (followed by white space) on the same line; the value "
+     "is taken to the end of the line. Triple-quoted strings of CIF 2.0 run to the end of the file."},
+    {306, 2, "unterminated_text_field", "Text field not terminated (taken to end at line: %2)",
+     "A text field opened with a semicolon at the start of a line has no closing line beginning with a "
+     "semicolon; it is closed before the next data_ heading or at the end of the file."},
+    {307, 2, "loop_values_incomplete",
+     "Number of values in the loop of %1 is not a multiple of its %2 data names",
+     "The values of a loop are read row by row, one per data name; the last row is short, so some values are "
+     "missing or misplaced. The missing values are read as ?."},
+    {308, 2, "loop_without_values", "Loop of %1 has no values",
+     "A loop_ header lists data names but no values follow before the next data name, loop_ or data_ "
+     "heading."},
+    {309, 2, "data_name_without_value", "Data name %1 has no value",
+     "A data name outside a loop must be followed by exactly one value; the next token is another data name, "
+     "a reserved word or the end of the file."},
+    {310, 2, "value_without_data_name", "Value %1 has no data name",
+     "A value appears where a data name, loop_ or data_ was expected, for example a second value after a "
+     "data name or a value with spaces left unquoted."},
+    {311, 2, "data_outside_block", "Data %1 is outside any data block",
+     "Data names, values and loops must follow a data_ heading; this text comes before the first one and is "
+     "not kept."},
+    {312, 2, "duplicate_data_name", "Duplicate data name %1 (first at line: %2)",
+     "A data name may occur only once in a data block, in or out of a loop, regardless of case; the later "
+     "occurrence is ignored."},
+    {313, 2, "duplicate_block_name", "Duplicate data block name %1 (first at line: %2)",
+     "Block names must be unique in a file, regardless of case; the later block is still read and kept."},
+    {314, 2, "reserved_word_global", "Reserved word global_ is not allowed",
+     "global_ is reserved in CIF and may not appear in a CIF file (not even as an unquoted value); quote it "
+     "if it is meant as a value."},
+    {315, 2, "reserved_word_stop", "Reserved word stop_ is not allowed",
+     "stop_ is reserved in CIF (nested loops are not part of CIF); quote it if it is meant as a value."},
+    {316, 2, "save_frame_not_allowed", "Save frame %1 is not allowed outside a dictionary",
+     "save_ headings belong to dictionaries; in a data file they are reserved words. Quote the text if it is "
+     "meant as a value."},
+    {317, 2, "loop_without_names", "Loop has no data names",
+     "loop_ must be followed by at least one data name before its values."},
+    {318, 1, "line_too_long", "Line is longer than %2 characters",
+     "The line exceeds the line length limit of the preferences (CIF 1.1 allows at most 2048 characters; "
+     "many programs and journals expect 80)."},
+    {319, 2, "data_name_too_long", "Data name %1 is longer than %2 characters",
+     "CIF 1.1 limits data names, including the leading underscore, to 75 characters."},
+    {320, 1, "undefined_data_name", "Created non-standard data item %1",
+     "The data name is not defined by any enabled dictionary; it may be misspelt, or it is local to a "
+     "program."},
+    {321, 2, "block_name_too_long", "Data block name %1 is longer than %2 characters",
+     "CIF 1.1 limits block names, including data_, to 75 characters."},
+    {322, 2, "block_without_name", "Data block heading data_ has no name",
+     "A data_ heading must be followed directly by the block's name; the block is read with an empty name."},
+    {323, 1, "no_data_blocks", "The file holds no data block",
+     "The text is empty or holds only comments and white space."},
+    {324, 2, "wrong_value_type", "Value of %1 is not of the type the dictionary gives (%2)",
+     "The dictionary defines the data item as numeric (or as another type) and the value cannot be read as "
+     "such."},
+    {325, 2, "value_out_of_range", "Value of %1 is outside the permitted range %2",
+     "The dictionary limits the data item's value to a range and the value lies outside it."},
+    {326, 2, "value_not_enumerated", "Value of %1 is not one of the permitted values",
+     "The dictionary lists the values the data item may take and the value is not among them."},
+    {327, 2, "item_must_be_looped", "Data item %1 must be in a loop",
+     "The dictionary says that the data item is always given as a loop column."},
+    {328, 2, "item_must_not_be_looped", "Data item %1 must not be in a loop",
+     "The dictionary says that the data item is given once per block and never in a loop."},
+    {329, 1, "loop_mixes_categories", "Loop mixes data names of different categories: %1",
+     "All data names of one loop should belong to the same category (or to categories the dictionary allows "
+     "together)."},
+    {330, 1, "reserved_first_character", "Unquoted value %1 begins with a reserved character",
+     "In CIF 1.1 an unquoted value may not begin with [ or ] (reserved for CIF 2.0 lists) or $ (reserved for "
+     "save-frame references); quote the value."},
+    {331, 2, "nesting_too_deep", "Lists and tables are nested more than %2 deep",
+     "CIF 2.0 lists and tables may nest, but not deeper than the reader allows; the deeper part is skipped."},
+    {332, 2, "token_too_long", "Value or name longer than %2 bytes",
+     "A single value, data name or text field is larger than the reader accepts; it is cut short."},
+    {333, 2, "invalid_utf8", "Invalid UTF-8 byte sequence %2",
+     "A CIF 2.0 file must be valid UTF-8; the bytes shown do not form a character."},
+    {334, 2, "unterminated_list", "List not terminated",
+     "A CIF 2.0 list opened with [ has no closing ] before the next data name, block heading or end of "
+     "file."},
+    {335, 2, "unterminated_table", "Table not terminated",
+     "A CIF 2.0 table opened with { has no closing } before the next data name, block heading or end of "
+     "file."},
+    {336, 2, "table_key_not_quoted", "Table key %1 is not a quoted string followed by a colon",
+     "Each entry of a CIF 2.0 table is a quoted key, a colon and a value, as in {'a':1 'b':2}."},
+    {337, 2, "unexpected_closing_bracket", "Unexpected %1 outside a list or table",
+     "A ] or } closes no open list or table; CIF 2.0 requires brackets to be quoted in values."},
+    {338, 2, "missing_white_space", "Missing white space after %1",
+     "In CIF 2.0 a quoted value, list or table must be followed by white space (or by a closing bracket)."},
+    {339, 1, "unknown_cif_version", "Unknown CIF version code %1; the text is read as CIF 1.1",
+     "The first line is a #\\#CIF_ version code other than 1.1 or 2.0."},
+    {340, 0, "no_final_line_end", "The last line has no line end",
+     "CIF expects every line, the last one included, to end with a line end; the text is read as if it had "
+     "one."},
+    {341, 0, "end_of_file_marker", "End-of-file character (Ctrl-Z) ignored",
+     "A Ctrl-Z character at the end of a file, left by old DOS programs, is ignored with everything after "
+     "it."},
+    {342, 0, "byte_order_mark", "Byte-order mark ignored",
+     "The file begins with a Unicode byte-order mark, which CIF 1.1 does not allow; it is skipped."},
+    {343, 2, "uncertainty_not_allowed", "Data item %1 may not carry a standard uncertainty",
+     "The dictionary does not allow a standard uncertainty in parentheses on this data item's values."},
+    {344, 2, "table_entry_without_value", "Table key %1 has no value",
+     "A key of a CIF 2.0 table and its colon must be followed by a value."},
+    {345, 2, "unterminated_save_frame", "Save frame %1 is not closed by save_",
+     "A save frame of a dictionary must end with a save_ line before the next save frame, data block or the "
+     "end of the file."},
+    {346, 2, "definition_without_name", "Dictionary definition has no data name",
+     "A definition block of a dictionary does not say which data name it defines (_name or _definition.id); "
+     "it is skipped."},
+    {347, 1, "mandatory_item_missing", "Mandatory data item %1 is missing",
+     "The data item is on the list of items that every block must carry (preferences, mandatory items), and "
+     "the document lacks it."},
+    {348, 2, "dictionary_unknown_type", "Dictionary definition of %1 has an unknown type %2",
+     "The dictionary gives a type code the library does not know; values of the data item are not "
+     "type-checked."},
+    {349, 2, "dictionary_bad_range", "Dictionary definition of %1 has an invalid range or enumeration %2",
+     "The dictionary's range (min:max) or list of permitted values for the data item cannot be read; it is "
+     "not used."},
+    {350, 2, "dictionary_duplicate_definition", "Dictionary defines %1 twice (first at line: %2)",
+     "A dictionary has two definitions for the same data name; the first is used."},
+    {351, 1, "dictionary_undefined_related_item",
+     "Dictionary definition of %1 refers to %2, which is not defined",
+     "A related, replaced or linked data name named in a definition is not defined in the dictionaries."},
+    {352, 1, "dictionary_undefined_category",
+     "Dictionary definition of %1 names category %2, which is not defined",
+     "The category a definition belongs to has no definition of its own in the dictionaries."},
+    {353, 2, "not_a_dictionary", "The file is not a CIF dictionary",
+     "The file reads as CIF but holds no definitions of data names; it is not used as a dictionary."},
+    {354, 2, "number_unreadable", "Value of %1 is not a number",
+     "The data item is numeric and its value cannot be read as a number (digits, point, exponent), nor is it "
+     "? or ."},
+    {355, 2, "uncertainty_unreadable", "Standard uncertainty of %1 cannot be read",
+     "A numeric value's standard uncertainty must be digits in parentheses directly after the number, as in "
+     "1.234(5)."},
+    {356, 1, "obsolete_data_name", "Data name %1 is obsolete; use %2",
+     "The dictionary marks the data name as replaced by a newer one; programs may ignore the old name."},
+    {357, 1, "required_item_missing", "Data item %1 requires %2, which is missing",
+     "The dictionary says that the data item is only meaningful together with another data item that the "
+     "block lacks."},
+    {358, 1, "loop_key_missing", "Loop of %1 lacks its key data item %2",
+     "The dictionary names a data item that identifies each row of this category's loop, and the loop does "
+     "not have it."},
+    {359, 1, "duplicate_key_value", "Value %2 of %1 occurs in more than one row",
+     "The key data item of a loop must have a different value in each row."},
+    {360, 1, "parent_value_missing", "Value %2 of %1 has no matching row in its parent item",
+     "The data item refers to rows of another loop (for example an atom site label) and no row there has "
+     "this value."},
+    {361, 0, "space_group_unknown", "Space-group symbol %1 not recognised",
+     "The space-group name cannot be found in the symmetry tables; symmetry checks are skipped."},
+    {362, 0, "symmetry_disagrees", "Symmetry operators do not agree with the space group %1",
+     "The listed symmetry operators do not generate the group named by the space-group symbol."},
+    {363, 2, "nested_save_frame", "Save frame %1 inside another save frame",
+     "Save frames may not be nested; the outer frame is closed before the new one."},
+    {364, 0, "defined_by_several_dictionaries",
+     "Data name %1 is defined by several dictionaries; the first is used",
+     "Two enabled dictionaries define the same data name; the definition of the dictionary listed first "
+     "takes precedence."},
+    {365, 2, "internal_error", "Internal error: %2",
+     "The library met a condition it did not expect; the document is read as far as possible. Please report "
+     "the file."},
+    {366, 0, "too_many_messages", "Too many messages; later ones are not recorded",
+     "The text produced more messages than are kept (the text may not be CIF at all); reading went on to the "
+     "end."},
+};
+
+}  // namespace
+
+const CifErrorCatalogueEntry* CifErrorCatalogue::find(int code) {
+    if (code < first_code || code > last_code) return nullptr;
+    const CifErrorCatalogueEntry& entry = table[code - first_code];
+    return entry.code == code ? &entry : nullptr;
+}
+
+std::span<const CifErrorCatalogueEntry> CifErrorCatalogue::entries() { return table; }
+
+std::string CifErrorCatalogue::format(int code, const std::string& text, const std::string& detail) {
+    const CifErrorCatalogueEntry* entry = find(code);
+    if (entry == nullptr) return "Message " + std::to_string(code) + ": " + text;
+    std::string result;
+    for (const char* p = entry->message; *p != '\0'; ++p) {
+        if (p[0] == '%' && (p[1] == '1' || p[1] == '2')) {
+            result += p[1] == '1' ? text : detail;
+            ++p;
+        } else {
+            result += *p;
+        }
+    }
+    return result;
+}
