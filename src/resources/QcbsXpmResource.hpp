@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QList>
+#include <QPixmap>
+#include <QString>
+
+// The program's numbered built-in pictures (icons of the error list, the tree
+// of blocks and categories, menus). Each number names one team-made SVG
+// picture in the program's resources; a picture is drawn at the asked size on
+// first use and kept in the pixmap cache.
+class QcbsXpmResource {
+public:
+    // Image numbers in use. The numbers are fixed: other parts of the program
+    // and stored layouts refer to them.
+    enum Image {
+        Copy = 1,
+        Paste = 7,
+        Warning = 10,
+        Error = 11,
+        Remark = 12,
+        Help = 18,
+        CategoryClosed = 48,
+        CategoryOpen = 49,
+        Item = 50,
+        LoopedItem = 51,
+        GreyedItem = 52,
+        BlockClosed = 56,
+        BlockOpen = 57,
+    };
+
+    static constexpr int kDefaultSize = 16;
+
+    // The picture of an image number as a square pixmap of `size` pixels
+    // (device-independent); a null pixmap for a number without a picture.
+    static QPixmap get_xpm(int number, int size = kDefaultSize);
+
+    // The same picture looked up by its short name ("copy", "warning", ...),
+    // the name menus use for their icons; a null pixmap for an unknown name.
+    static QPixmap get_xpm(const QString& name, int size = kDefaultSize);
+
+    // Every image number that has a picture, in ascending order.
+    static QList<int> numbers();
+
+    // The short name of an image number, or an empty string.
+    static QString name(int number);
+};

@@ -1,0 +1,134 @@
+#include "validation/QcbsErrorListView.hpp"
+
+#include <QHeaderView>
+#include <QRegularExpression>
+
+#include "resources/QcbsXpmResource.hpp"
+#include "validation/QcbsErrorResource.hpp"
+#include "validation/QcbsKeyListViewItem.hpp"
+
+namespace {
+
+const QString kNone = " - none";
+
+// Width of the right-justified line number: up to seven digits sort in
+// line order as plain text.
+constexpr int kLineNumberWidth = 7;
+
+QcbsKeyListViewItem* makeHeading(QTreeWidget* list, const QString& text, int image, const QString& key) {
+    auto* heading = new QcbsKeyListViewItem(list, text, kNone);
+    heading->setIcon(0, QcbsXpmResource::get_xpm(image));
+    heading->setKey(0, key);
+    return heading;
+}
+
+}  // namespace
+
+QcbsErrorListView::QcbsErrorListView(QWidget* parent, const char* name) : QTreeWidget(parent) {
+    if (name) setObjectName(QString::fromLatin1(name));
+    setColumnCount(2);
+    setHeaderLabels({QString(""), QString("")});
+    // Both columns follow their contents: a long message gets a scroll bar
+    // rather than being cut short on screen.
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    setup();
+    setRootIsDecorated(true);
+    header()->hide();
+    setToolTip("Double-click item to view");
+    setSortingEnabled(true);
+    sortByColumn(0, Qt::AscendingOrder);
+    connect(this, &QTreeWidget::itemDoubleClicked, this,
+            [this](QTreeWidgetItem* item, int) { doubleClickedItem(item); });
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(this, &QWidget::customContextMenuRequested, this, &QcbsErrorListView::contextMenuAt);
+    setFocusPolicy(Qt::NoFocus);
+}
+
+void QcbsErrorListView::setup() {
+    errors_ = makeHeading(this, "Errors", QcbsXpmResource::Error, "1");
+    warnings_ = makeHeading(this, "Warnings", QcbsXpmResource::Warning, "2");
+    remarks_ = makeHeading(this, "Remarks", QcbsXpmResource::Remark, "3");
+}
+
+bool QcbsErrorListView::addError(QString message, int line, CifError::ErrorID id) {
+    return addEntry(errors_, std::move(message), line, id);
+}
+
+bool QcbsErrorListView::addWarning(QString message, int line, CifError::ErrorID id) {
+    return addEntry(warnings_, std::move(message), line, id);
+}
+
+bool QcbsErrorListView::addRemark(QString message, int line, CifError::ErrorID id) {
+    return addEntry(remarks_, std::move(message), line, id);
+}
+
+bool QcbsErrorListView::addEntry(QcbsKeyListViewItem* heading, QString message, int line,
+                                 CifError::ErrorID id) {
+    const QString lineText = "Line " + QString::number(line).rightJustified(kLineNumberWidth, ' ');
+    tidyMessage(message);
+    auto* entry = new QcbsErrorListViewItem(heading, lineText, message);
+    entry->setIdentifier(1, id);
+    heading->setText(1, "  Total of " + QString::number(heading->childCount()));
+    return true;
+}
+
+int QcbsErrorListView::numberErrors() const { return errors_->childCount(); }
+
+int QcbsErrorListView::numberWarnings() const { return warnings_->childCount(); }
+
+int QcbsErrorListView::numberRemarks() const { return remarks_->childCount(); }
+
+int QcbsErrorListView::numberTotal() const { return numberErrors() + numberWarnings() + numberRemarks(); }
+
+void QcbsErrorListView::removeAll() {
+    const bool errorsOpen = errors_->isExpanded();
+    const bool warningsOpen = warnings_->isExpanded();
+    const bool remarksOpen = remarks_->isExpanded();
+    clear();
+    setup();
+    errors_->setExpanded(errorsOpen);
+    warnings_->setExpanded(warningsOpen);
+    remarks_->setExpanded(remarksOpen);
+}
+
+void QcbsErrorListView::tidyMessage(QString& message) {
+    static const QRegularExpression lineEnd("\\n");
+    message.replace(lineEnd, " ... ");
+    message.truncate(kMaxMessageLength);
+}
+
+void QcbsErrorListView::doubleClickedItem(QTreeWidgetItem* item) {
+    if (!item) return;
+    bool referenced = false;
+
+    // A message naming another line ("... line: 17") highlights that line too;
+    // a message that begins with "line:" names no other line.
+    QString message = item->text(1);
+    const int at = message.indexOf("line:");
+    if (at > 0) {
+        bool ok = false;
+        const int number = message.mid(at + 5).trimmed().toInt(&ok);
+        if (ok) {
+            emit requestHighlightLine(number, 1, true);
+            referenced = true;
+        }
+    }
+
+    bool ok = false;
+    const int own = item->text(0).mid(4).trimmed().toInt(&ok);
+    if (ok) emit requestHighlightLine(own, 2, !referenced);
+}
+
+void QcbsErrorListView::showHelp(QTreeWidgetItem* item, const QPoint& /*position*/, int column) {
+    if (column != 1) return;
+    const auto* entry = dynamic_cast<QcbsErrorListViewItem*>(item);
+    if (!entry) return;
+    const QString file = QcbsErrorResource::get_help_file(entry->identifier(1));
+    if (!file.isEmpty()) emit helpRequest(file);
+}
+
+void QcbsErrorListView::contextMenuAt(const QPoint& position) {
+    // The position is in viewport coordinates, as itemAt and columnAt expect.
+    showHelp(itemAt(position), viewport()->mapToGlobal(position), columnAt(position.x()));
+}
