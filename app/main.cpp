@@ -1,9 +1,10 @@
 // The launcher: application object, splash screen, the first window, then
 // the event loop. Everything else lives in libtessarylib.
 #include <QFileInfo>
-#include <QMainWindow>
 
 #include "application/QcbsApplication.hpp"
+#include "application/QcbsMainWindow.hpp"
+#include "application/QcbsMainWindowSharedData.hpp"
 #include "application/QcbsUtilities.hpp"
 
 int main(int argc, char** argv) {
@@ -12,10 +13,11 @@ int main(int argc, char** argv) {
 
     app.showSplash();
     set_splash_status("Creating main window...");
-    QMainWindow window;
-    window.setWindowTitle(programQName());
-    window.resize(800, 650);
-    window.show();
+    THandle<QcbsMainWindowSharedData> shared(
+        new QcbsMainWindowSharedData(QFileInfo(app.applicationFilePath())));
+    auto* window = new QcbsMainWindow(shared, QcbsMainWindow::StartWithNewFile);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
     app.closeSplash();
     app.processArgs();
     return app.exec();

@@ -14,6 +14,9 @@ namespace {
 
 class RecordingWindow : public QcbsMainWindow {
 public:
+    RecordingWindow()
+        : QcbsMainWindow(THandle<QcbsMainWindowSharedData>(
+              new QcbsMainWindowSharedData(QFileInfo(QCoreApplication::applicationFilePath())))) {}
     void fileOpen(const QString& filename, bool interactive) override {
         opened << filename;
         lastInteractive = interactive;
@@ -73,7 +76,8 @@ TEST(StartUp, SplashIsCentredCaptionedAndGoesAway) {
     EXPECT_NE(text.find("QcbsApplication::showSplash\n"), std::string::npos);
     EXPECT_NE(text.find("QcbsApplication::set_splash_status - txt:Tessary, Version 1.2 : Initializing...\n"),
               std::string::npos);
-    EXPECT_NE(text.find("QcbsApplication::set_splash_status - txt:Loading dictionaries...\n"), std::string::npos);
+    EXPECT_NE(text.find("QcbsApplication::set_splash_status - txt:Loading dictionaries...\n"),
+              std::string::npos);
     EXPECT_NE(text.find("QcbsApplication::closeSplash\n"), std::string::npos);
     set_splash_status("after close");  // harmless without a splash
 }

@@ -1,0 +1,59 @@
+#include "application/QcbsMainWindowSharedData.hpp"
+
+#include <QDir>
+
+#include "application/ORMALogQString.hpp"
+#include "application/QtServerApplication.hpp"
+#include "dictionaries/QcbsDictionaryLoader.hpp"
+#include "dictionaries/QcbsDictionarySettings.hpp"
+#include "editor/QcbsFontStyleSettings.hpp"
+#include "support/ORMALog.hpp"
+
+QcbsMainWindowSharedData::QcbsMainWindowSharedData(const QFileInfo& programFile)
+    : dictionaryLoader_(nullptr), dictionarySettings_(nullptr), fontStyles_(nullptr) {
+    dictionaryLoader_ = THandle<QcbsDictionaryLoader>(new QcbsDictionaryLoader());
+    dictionarySettings_ = THandle<QcbsDictionarySettings>(new QcbsDictionarySettings());
+    fontStyles_ =
+        THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings(QcbsFontStyleSettings::FixedWidth));
+    programDirectory_ = programFile.path();
+    findBrowserScript();
+    findDocumentation();
+}
+
+QcbsMainWindowSharedData::~QcbsMainWindowSharedData() = default;
+
+void QcbsMainWindowSharedData::findBrowserScript() {
+    QtServerApplication::findBrowserScriptPath(
+        {programDirectory_ + "/../../bin", programDirectory_ + "/../../velmora/distrib/bin"});
+}
+
+void QcbsMainWindowSharedData::findDocumentation() {
+    static const char* const suffixes[] = {"/docs",
+                                           "/../../docs",
+                                           "/Documentation/Tessary",
+                                           "/../../distrib/docs",
+                                           "/../distrib/docs",
+                                           "/../Resources/docs"};
+    for (const char* suffix : suffixes) {
+        const QString path = QDir::cleanPath(programDirectory_ + suffix);
+        documentationCandidates_ << path;
+        if (ORMALog::wants(1)) {
+            ORMALog::start_debug_line(1) << "main - Searching for documentation in: " << path;
+            ORMALog::end_debug_line();
+        }
+        if (QFileInfo::exists(path + "/tessary.html")) {
+            if (ORMALog::wants(1)) {
+                ORMALog::start_debug_line(1) << "main - Documentation found in: " << path;
+                ORMALog::end_debug_line();
+            }
+            helpSearchPaths_ << path + "/html";
+            documentationDirectory_ = path;
+            return;
+        }
+    }
+    for (const char* html : {"/html/", "/../html/", "/../../html/", "/../Resources/html/"}) {
+        helpSearchPaths_ << programDirectory_ + html;
+    }
+    missingDocumentationMessage_ = "Could not find the Tessary Help documentation in any of:\n\n";
+    for (const QString& path : documentationCandidates_) missingDocumentationMessage_ += path + "\n";
+}

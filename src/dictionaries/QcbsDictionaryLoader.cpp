@@ -1,0 +1,5 @@
+#include "dictionaries/QcbsDictionaryLoader.hpp"
+
+QcbsDictionaryLoader::QcbsDictionaryLoader() = default;
+
+QcbsDictionaryLoader::~QcbsDictionaryLoader() = default;
