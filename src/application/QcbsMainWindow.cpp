@@ -242,8 +242,25 @@ void QcbsMainWindow::fileOpen(const QString& filename, bool /*interactive*/) {
     statusBar()->showMessage("Opening files is not available yet: " + filename);
 }
 
+void QcbsMainWindow::setOutputPane(QcbsOutputPane* pane) {
+    outputPane_ = pane;
+    if (outputPane_ == nullptr) return;
+    const QStringList pending = std::exchange(pendingOutputPaneWrites_, {});
+    for (const QString& html : pending) writeHtmlToOutputPane(html);
+}
+
 void QcbsMainWindow::writeToOutputPane(const QString& text, bool lineBreak) {
-    // The output pane widget (QcbsOutputPane) takes this text once the window
-    // has one: cursor to the end, insert, "<br>" on request, cursor made visible.
-    outputPaneWrites_ << (lineBreak ? text + "<br>" : text);
+    const QString html = lineBreak ? text + "<br>" : text;
+    if (outputPane_ == nullptr) {
+        pendingOutputPaneWrites_ << html;
+        return;
+    }
+    writeHtmlToOutputPane(html);
+}
+
+void QcbsMainWindow::writeHtmlToOutputPane(const QString& html) {
+    outputPane_->moveCursor(QTextCursor::End);
+    outputPane_->insertHtml(html);
+    outputPane_->moveCursor(QTextCursor::End);
+    outputPane_->ensureCursorVisible();
 }

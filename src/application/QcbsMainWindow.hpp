@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 
 #include "application/QcbsContactAuthor.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
 #include "support/THandle.hpp"
+#include "validation/QcbsOutputPane.hpp"
 
 class RecentFilesMenu;
 
@@ -43,10 +45,12 @@ public:
     // check_mandatory_items is on).
     void loadMandatoryDataItemSettings();
 
-    // What was written to the output pane, one entry per call (with "<br>"
-    // when a line break was asked for), while the window has no output pane
-    // widget yet.
-    const QStringList& outputPaneWrites() const { return outputPaneWrites_; }
+    // The pane writeToOutputPane() writes to. Until the window has one, the
+    // writes are kept, one entry per call (with "<br>" when a line break was
+    // asked for), and the pane set later receives them first.
+    void setOutputPane(QcbsOutputPane* pane);
+    QcbsOutputPane* outputPane() const { return outputPane_; }
+    const QStringList& pendingOutputPaneWrites() const { return pendingOutputPaneWrites_; }
 
     // Options shared by every window.
     static bool text_buttons;
@@ -71,7 +75,9 @@ public slots:
 private:
     void makeRecentFilesList();
     void connectSharedData();
+    void writeHtmlToOutputPane(const QString& html);
 
     THandle<QcbsMainWindowSharedData> sharedData_;
-    QStringList outputPaneWrites_;
+    QPointer<QcbsOutputPane> outputPane_;
+    QStringList pendingOutputPaneWrites_;
 };

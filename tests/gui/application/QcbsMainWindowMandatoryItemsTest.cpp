@@ -56,7 +56,7 @@ TEST_F(MandatoryItems, SectionsDecideWhichListsAnItemJoins) {
         "_dropped_under_other\n");
     EXPECT_EQ(crystal(), (Names{"_cell_length_a", "_chemical_formula_sum"}));
     EXPECT_EQ(publication(), (Names{"_chemical_formula_sum", "_publ_author_name", "_publ_author_name"}));
-    EXPECT_EQ(window_->outputPaneWrites(),
+    EXPECT_EQ(window_->pendingOutputPaneWrites(),
               QStringList{"Loaded mandatory data items file: " + QcbsMainWindow::mandatory_items_file});
 }
 
@@ -90,7 +90,7 @@ TEST_F(MandatoryItems, SwitchingTheCheckOffEmptiesBothListsEvenWithAFileSet) {
     QcbsMainWindow::mandatory_items_file.clear();
     window_->loadMandatoryDataItemSettings();
     EXPECT_TRUE(crystal().empty());
-    EXPECT_EQ(window_->outputPaneWrites().size(), 1);  // only the first load reported
+    EXPECT_EQ(window_->pendingOutputPaneWrites().size(), 1);  // only the first load reported
 }
 
 TEST_F(MandatoryItems, AFileThatCannotBeOpenedIsReportedAndLeavesTheListsEmpty) {
@@ -100,7 +100,7 @@ TEST_F(MandatoryItems, AFileThatCannotBeOpenedIsReportedAndLeavesTheListsEmpty) 
         window_->loadMandatoryDataItemSettings();
         EXPECT_TRUE(crystal().empty());
         EXPECT_TRUE(publication().empty());
-        EXPECT_EQ(window_->outputPaneWrites().last(),
+        EXPECT_EQ(window_->pendingOutputPaneWrites().last(),
                   "Error loading mandatory data items, could not open file: " + unreadable);
     }
 }

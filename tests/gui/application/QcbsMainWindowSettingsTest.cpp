@@ -189,14 +189,30 @@ TEST(MainWindowSettings, ChangedOptionsReachEveryWindow) {
     QcbsMainWindow::text_buttons = false;
 }
 
-TEST(MainWindowSettings, DictionaryLoaderMessagesReachTheOutputPane) {
+TEST(MainWindowOutput, DictionaryLoaderMessagesReachTheOutputPaneOnceThereIsOne) {
     ScopedPrefsDir prefs;
     QcbsMainWindow window(newSharedData());
     emit window.sharedData()->dictionaryLoader()->outputMessageRequest("Loaded dictionary: /d/core.dic",
                                                                        false);
     window.writeToOutputPane("Checking CIF ...", true);
-    EXPECT_EQ(window.outputPaneWrites(),
+    EXPECT_EQ(window.pendingOutputPaneWrites(),
               (QStringList{"Loaded dictionary: /d/core.dic", "Checking CIF ...<br>"}));
+
+    auto* pane = new QcbsOutputPane(&window);
+    window.setOutputPane(pane);
+    EXPECT_TRUE(window.pendingOutputPaneWrites().isEmpty());
+    window.writeToOutputPane("Read 3 lines.", false);
+    window.writeToOutputPane("<b>done</b>", true);
+    window.writeToOutputPane("No errors, warnings or remarks.", true);
+    EXPECT_TRUE(
+        pane->toPlainText().endsWith("Loaded dictionary: /d/core.dicChecking CIF ...\nRead 3 lines.done\nNo "
+                                     "errors, warnings or remarks.\n"))
+        << pane->toPlainText().toStdString();
+    EXPECT_TRUE(pane->textCursor().atEnd());
+
+    delete pane;  // a pane that is gone is not written to
+    window.writeToOutputPane("later", true);
+    EXPECT_EQ(window.pendingOutputPaneWrites(), QStringList{"later<br>"});
 }
 
 }  // namespace
