@@ -1,0 +1,301 @@
+#include "editor/QcbsCifLineClassifier.hpp"
+
+#include <QChar>
+#include <algorithm>
+#include <string_view>
+
+#include "cif/CifCharacters.hpp"
+#include "cif/CifDictionary.hpp"
+
+namespace {
+
+using Style = QcbsFontStyleSettings::SyntaxStyle;
+
+enum ProcessingState : unsigned char {
+    Normal = 0,           // between tokens or inside a bare word
+    InComment = 1,        // after a # that starts a comment
+    QuoteOpened = 2,      // the opening quote
+    InQuotedString = 3,   // inside a quoted string
+    QuoteClosed = 4,      // the closing quote
+    TextFieldOpened = 5,  // the ; that opens a text field
+    InTextField = 6,      // inside a text field
+    TextFieldClosed = 7,  // the ; that closes a text field
+    InDataName = 8,       // inside a data name
+    DataNameEnded = 9,    // the first separator after a data name
+    NumberOfStates = 10
+};
+
+enum CharacterClass : unsigned char {
+    WordChar = 0,
+    CommentStart = 1,
+    Separator = 2,
+    NameStart = 3,
+    Quote = 4,
+    TextFieldMark = 5
+};
+
+constexpr unsigned char kTransition[NumberOfStates][6] = {
+    {0, 1, 0, 8, 2, 5},  // Normal
+    {1, 1, 1, 1, 1, 1},  // InComment
+    {3, 3, 3, 3, 4, 3},  // QuoteOpened
+    {3, 3, 3, 3, 4, 3},  // InQuotedString
+    {0, 1, 0, 8, 2, 5},  // QuoteClosed
+    {6, 6, 6, 6, 6, 7},  // TextFieldOpened
+    {6, 6, 6, 6, 6, 7},  // InTextField
+    {0, 1, 0, 8, 2, 5},  // TextFieldClosed
+    {8, 8, 9, 8, 8, 8},  // InDataName
+    {0, 1, 0, 8, 2, 5},  // DataNameEnded
+};
+
+// What the state machine needs to know of a character, as bits.
+enum CharacterBits : unsigned char {
+    Letter = 1,
+    Digit = 2,
+    WordPunctuation = 4,  // punctuation that belongs to bare words
+    Space = 8,
+    Rejected = 16  // a character the CIF library rejects
+};
+
+bool rejected(unsigned char byte) { return is_bad_nonprinting_char(byte) || is_bad_printing_char(byte); }
+
+// The bits of the 256 Latin-1 characters, computed once; characters beyond
+// Latin-1 are asked of QChar directly.
+class CharacterTable {
+public:
+    CharacterTable() {
+        for (int c = 0; c < 256; ++c) {
+            unsigned char b = 0;
+            if (QChar::isLetter(char32_t(c))) b |= Letter;
+            if (c >= '0' && c <= '9') b |= Digit;
+            if (QChar::isSpace(char32_t(c))) b |= Space;
+            if (rejected(static_cast<unsigned char>(c))) b |= Rejected;
+            bits_[c] = b;
+        }
+        for (const char c : std::string_view("!$%&()*+,-./:<>?@[]\\^`{}|~")) {
+            bits_[static_cast<unsigned char>(c)] |= WordPunctuation;
+        }
+    }
+    unsigned char operator()(char16_t c) const {
+        if (c < 256) return bits_[c];
+        unsigned char b = bits_[0] & Rejected;  // the library sees such a character as byte 0
+        if (QChar::isLetter(char32_t(c))) b |= Letter;
+        if (QChar::isDigit(char32_t(c))) b |= Digit;
+        if (QChar::isSpace(char32_t(c))) b |= Space;
+        return b;
+    }
+
+private:
+    unsigned char bits_[256];
+};
+
+const CharacterTable& characterBits() {
+    static const CharacterTable table;
+    return table;
+}
+
+constexpr unsigned char kLetterOrDigit = Letter | Digit;
+
+bool isEscapedLetterCode(char16_t c) {
+    switch (c) {
+        case '%':
+        case '?':
+        case '&':
+        case '/':
+        case '\'':
+        case '`':
+        case '^':
+        case ',':
+        case '"':
+        case '~':
+        case ';':
+        case '>':
+        case '=':
+        case '.':
+        case '<':
+        case '(':
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+void QcbsCifLineClassifier::setStyle(int start, int count, SyntaxStyle style) {
+    const int size = static_cast<int>(styles_.size());
+    const int begin = std::clamp(start, 0, size);
+    const int end = std::clamp(start + count, begin, size);
+    std::fill(styles_.begin() + begin, styles_.begin() + end, style);
+}
+
+int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
+    const CharacterTable& bitsOf = characterBits();
+    const int size = static_cast<int>(line.size());
+    const char16_t* text = line.utf16();
+    lineLength_ = size;
+    // The paragraph is the line and, when the line end counts as a separator,
+    // one blank after it.
+    const int paragraphLength = size + (lineEnd_ == LineEnd::Separator ? 1 : 0);
+    styles_.resize(paragraphLength, QcbsFontStyleSettings::Standard);
+
+    int state = Normal;
+    subscript_ = superscript_ = false;
+    if (incomingState != -1 && incomingState != -2) {
+        subscript_ = (incomingState & SubscriptFlag) != 0;
+        superscript_ = (incomingState & SuperscriptFlag) != 0;
+        state = incomingState & ~(SubscriptFlag | SuperscriptFlag);
+        if (state < 0 || state >= NumberOfStates) state = Normal;  // not a state this class hands out
+    }
+    bool blankSoFar = true;
+    bool hasMarkup = false;
+    word_.clear();
+    unsigned char previousBits = bitsOf(0);
+
+    for (int i = 0; i < paragraphLength; ++i) {
+        const char16_t c = i < size ? text[i] : u' ';
+        const unsigned char bits = bitsOf(c);
+        const bool afterBlank = blankSoFar || (previousBits & Space) != 0;
+
+        CharacterClass cls = Separator;
+        switch (c) {
+            case '#':
+                cls = afterBlank ? CommentStart : WordChar;
+                break;
+            case '_':
+                cls = afterBlank ? NameStart : WordChar;
+                break;
+            case ';':
+                if (blankSoFar) {
+                    cls = TextFieldMark;
+                    subscript_ = superscript_ = false;
+                }
+                break;
+            case '\'':
+            case '"': {
+                // A quote inside a word, as in it's, is part of the word.
+                const bool embeddedAfter =
+                    i > 0 && ((previousBits & kLetterOrDigit) != 0 || text[i - 1] == '(' ||
+                              text[i - 1] == ')' || text[i - 1] == '\\');
+                const bool embeddedBefore = i + 1 < size && ((bitsOf(text[i + 1]) & kLetterOrDigit) != 0 ||
+                                                             text[i + 1] == '(' || text[i + 1] == ')');
+                cls = embeddedAfter && embeddedBefore ? WordChar : Quote;
+                break;
+            }
+            case '^':
+            case '~':
+                hasMarkup = true;
+                cls = WordChar;
+                break;
+            default:
+                // Only ASCII digits are word characters; other digits separate.
+                if ((bits & (Letter | WordPunctuation)) || (c >= '0' && c <= '9')) cls = WordChar;
+                break;
+        }
+        blankSoFar = blankSoFar && (bits & Space) != 0;
+        if (cls == WordChar || cls == NameStart) word_.push_back(c);
+
+        state = kTransition[state][cls];
+        if (state == QuoteOpened && (previousBits & kLetterOrDigit)) state = Normal;
+
+        switch (state) {
+            case Normal:
+                styles_[i] = QcbsFontStyleSettings::Standard;
+                if (!word_.empty() && cls != WordChar) endWord(i);
+                break;
+            case InComment:
+                styles_[i] = QcbsFontStyleSettings::Comment;
+                word_.clear();
+                break;
+            case InTextField:
+                styles_[i] = QcbsFontStyleSettings::String;
+                word_.clear();
+                break;
+            case InDataName:
+                styles_[i] = QcbsFontStyleSettings::CoreDataItem;
+                break;
+            case DataNameEnded:
+                endDataName(i);  // leaves the separator's own style as it was
+                break;
+            default:
+                styles_[i] = QcbsFontStyleSettings::Standard;
+                word_.clear();
+                break;
+        }
+        if (state != InComment && i > 0 && (text[i - 1] == '\\' || (i > 1 && text[i - 2] == '\\'))) {
+            applyEscapeCodes(text, i, c, (bits & Letter) != 0);
+        }
+        if (bits & Rejected) styles_[i] = QcbsFontStyleSettings::InvalidCharacter;
+        previousBits = bits;
+    }
+
+    if (hasMarkup || subscript_ || superscript_) applyMarkup(text, size, paragraphLength);
+    if (state != InTextField) subscript_ = superscript_ = false;
+
+    int packed = (state == InQuotedString || state == InTextField) ? state : Normal;
+    if (subscript_) packed |= SubscriptFlag;
+    if (superscript_) packed |= SuperscriptFlag;
+    return packed;
+}
+
+void QcbsCifLineClassifier::endWord(int position) {
+    const int length = static_cast<int>(word_.size());
+    if (length > 4 && word_.compare(0, 5, u"data_") == 0) {
+        setStyle(position - length, length, QcbsFontStyleSettings::Type);
+    } else if (isKeyword(word_)) {
+        setStyle(position - length, length, QcbsFontStyleSettings::Keyword);
+    }
+    word_.clear();
+}
+
+void QcbsCifLineClassifier::endDataName(int position) {
+    const int length = static_cast<int>(word_.size());
+    bool defined = false;
+    if (dictionary_ != nullptr) {
+        name_.clear();
+        for (const char16_t c : word_) name_.push_back(c < 256 ? static_cast<char>(c) : '?');
+        if (!name_.empty() && (name_.back() == '.' || name_.back() == ',')) name_.pop_back();
+        defined = dictionary_->is_defined(name_);
+    }
+    if (!defined) setStyle(position - length, length, QcbsFontStyleSettings::CustomDataItem);
+    word_.clear();
+}
+
+// Backslash codes: \a shows the backslash as a special character and the
+// letter in the Symbol font; \%A, \'e and the like mark all three characters.
+// A doubled backslash escapes itself.
+void QcbsCifLineClassifier::applyEscapeCodes(const char16_t* text, int i, char16_t c, bool letter) {
+    const char16_t p = text[i - 1];
+    const char16_t pp = i > 1 ? text[i - 2] : 0;
+    if (p == '\\' && c != '\\') {
+        if (pp == '\\') return;
+        styles_[i - 1] = QcbsFontStyleSettings::SpecialCharNormal;
+        styles_[i] =
+            letter ? QcbsFontStyleSettings::SpecialCharSymbol : QcbsFontStyleSettings::SpecialCharNormal;
+    } else if (pp == '\\' && letter && isEscapedLetterCode(p)) {
+        styles_[i - 2] = styles_[i - 1] = styles_[i] = QcbsFontStyleSettings::SpecialCharNormal;
+    }
+}
+
+// ^ opens and closes superscript, ~ subscript; one opening ends the other.
+// The pass looks past comments, quotes and text-field boundaries; a marker
+// right after a backslash is an ordinary character.
+void QcbsCifLineClassifier::applyMarkup(const char16_t* text, int size, int paragraphLength) {
+    bool escaped = false;
+    for (int i = 0; i < paragraphLength; ++i) {
+        const char16_t c = i < size ? text[i] : u' ';
+        if (superscript_ && c != '^') styles_[i] = QcbsFontStyleSettings::Superscript;
+        if (subscript_ && c != '~') styles_[i] = QcbsFontStyleSettings::Superscript;
+        if (!escaped) {
+            if (c == '^') {
+                styles_[i] = QcbsFontStyleSettings::SMarker;
+                if (!superscript_) subscript_ = false;
+                superscript_ = !superscript_;
+            } else if (c == '~') {
+                styles_[i] = QcbsFontStyleSettings::SMarker;
+                if (!subscript_) superscript_ = false;
+                subscript_ = !subscript_;
+            }
+        }
+        escaped = c == '\\';
+    }
+}
