@@ -29,6 +29,15 @@ constexpr Picture kPictures[] = {
     {QcbsXpmResource::GreyedItem, "greyed item", ":/images/item-greyed.svg"},
     {QcbsXpmResource::BlockClosed, "block closed", ":/images/block-closed.svg"},
     {QcbsXpmResource::BlockOpen, "block open", ":/images/block-open.svg"},
+    {QcbsXpmResource::Undo, "undo", ":/images/undo.svg"},
+    {QcbsXpmResource::Redo, "redo", ":/images/redo.svg"},
+    {QcbsXpmResource::Cut, "cut", ":/images/cut.svg"},
+    {QcbsXpmResource::EditComment, "editComment", ":/images/comment.svg"},
+    {QcbsXpmResource::EditUncomment, "editUncomment", ":/images/uncomment.svg"},
+    {QcbsXpmResource::Insert, "insert", ":/images/insert.svg"},
+    {QcbsXpmResource::InsertTemplate, "insert template", ":/images/insert-template.svg"},
+    {QcbsXpmResource::ItemHelp, "item help", ":/images/item-help.svg"},
+    {QcbsXpmResource::SelectAll, "selectall", ":/images/select-all.svg"},
 };
 
 const Picture* find(int number) {

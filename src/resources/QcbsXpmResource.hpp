@@ -26,6 +26,16 @@ public:
         GreyedItem = 52,
         BlockClosed = 56,
         BlockOpen = 57,
+        // The editor's context menu.
+        Undo = 60,
+        Redo = 61,
+        Cut = 62,
+        EditComment = 63,
+        EditUncomment = 64,
+        Insert = 65,
+        InsertTemplate = 66,
+        ItemHelp = 67,
+        SelectAll = 68,
     };
 
     static constexpr int kDefaultSize = 16;

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QWidget>
+
+#include "cif/CifDictionary.hpp"
+#include "editor/QcbsFontStyleSettings.hpp"
+#include "support/THandle.hpp"
+
+class QcbsLineNumberView;
+class QcbsRichTextEdit;
+
+// The document area of a main window: a CIF editor with its line-number
+// margin on the left, kept in step with the editor's scrolling and line
+// count. Zooming the editor changes the shared base font of all editors.
+class QcbsLineNumberedTextEdit : public QWidget {
+    Q_OBJECT
+public:
+    QcbsLineNumberedTextEdit(THandle<CifDictionary> dictionary, const char* name,
+                             THandle<QcbsFontStyleSettings> styles, bool showLineNumbers,
+                             QWidget* parent = nullptr);
+
+    QcbsRichTextEdit* editor() const { return editor_; }
+    QcbsLineNumberView* lineNumberView() const { return margin_; }
+    bool showLineNumbers() const { return showLineNumbers_; }
+
+    void setShowLineNumbers(bool show);
+    // Makes the editor's font the shared base font, so that it holds for
+    // every editor and is saved with the text styles.
+    void updateStoredFont();
+
+public slots:
+    // One zoom step; the new size becomes the shared base font and this
+    // editor, its highlighting and its margin take it at once.
+    void zoomIn();
+    void zoomOut();
+    // The editor re-reads the text styles; the margin takes the editor font.
+    void styleUpdate();
+
+private:
+    bool showLineNumbers_ = true;
+    QcbsLineNumberView* margin_;
+    QcbsRichTextEdit* editor_;
+    THandle<QcbsFontStyleSettings> styles_;
+};

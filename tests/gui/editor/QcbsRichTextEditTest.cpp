@@ -1,0 +1,478 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QFile>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include "GuiTestSupport.hpp"
+#include "editor/QcbsFontStyleSettings.hpp"
+#include "editor/QcbsRichTextEdit.hpp"
+
+namespace {
+
+const char* const kCif =
+    "data_test\n"                  // 0
+    "_cell_length_a    5.4(2)\n"   // 1
+    "_publ_section_title\n"        // 2
+    ";\n"                          // 3
+    "  _not_a_name inside text\n"  // 4
+    ";\n"                          // 5
+    "# a comment\n"                // 6
+    "\n"                           // 7
+    "loop_\n"                      // 8
+    "  _atom_site_label\n"         // 9
+    "  _atom_site_fract_x\n"       // 10
+    "  C1 0.1\n"                   // 11
+    "data_second\n"                // 12
+    "  C2 0.2";                    // 13
+
+THandle<QcbsFontStyleSettings> newStyles() {
+    return THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings());
+}
+
+// A CIF editor holding `text`, with the error gate open as after a check.
+struct Editor {
+    explicit Editor(const QString& text = kCif)
+        : edit(THandle<CifDictionary>(), newStyles(), nullptr, "editor") {
+        edit.resize(500, 300);
+        edit.setPlainText(text);
+        edit.reopenErrorHighlighting();
+    }
+    void moveTo(int para, int index = 0) { edit.setCursorPosition(para, index); }
+    QcbsRichTextEdit edit;
+};
+
+// Answers the next message box with OK and records its caption and text.
+struct MessageBoxWatcher {
+    MessageBoxWatcher() {
+        timer.setInterval(10);
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                title = box->windowTitle();
+                text = box->text();
+                box->accept();
+            }
+        });
+        timer.start();
+    }
+    QTimer timer;
+    QString title;
+    QString text;
+};
+
+QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes) {
+    QFile file(dir.filePath(name));
+    file.open(QIODevice::WriteOnly);
+    file.write(bytes);
+    return file.fileName();
+}
+
+QStringList menuLabels(QMenu* menu) {
+    QStringList labels;
+    for (QAction* action : menu->actions()) labels << (action->isSeparator() ? QString("-") : action->text());
+    return labels;
+}
+
+TEST(QcbsRichTextEdit, CifEditorNeverWrapsAndUsesTheStyleFontAndColours) {
+    auto styles = newStyles();
+    QcbsRichTextEdit edit(THandle<CifDictionary>(), styles, nullptr, "editor");
+    EXPECT_EQ(edit.objectName(), "editor");
+    EXPECT_EQ(edit.lineWrapMode(), QPlainTextEdit::NoWrap);
+    EXPECT_EQ(edit.font(), styles->editorFont());
+    EXPECT_EQ(edit.palette().color(QPalette::Base), QColor(Qt::white));
+    EXPECT_EQ(edit.palette().color(QPalette::Text), QColor(Qt::black));
+    EXPECT_EQ(edit.palette().color(QPalette::HighlightedText), QColor(Qt::white));
+    EXPECT_TRUE(edit.errorHighlightingAllowed());
+    EXPECT_FALSE(edit.errorMatcherEnabled());
+}
+
+TEST(QcbsRichTextEdit, ContextMenuListsTheEditingCommandsInOrder) {
+    Editor full;
+    std::unique_ptr<QMenu> menu(full.edit.createPopupMenu());
+    EXPECT_EQ(menu->objectName(), "rightclick");
+    EXPECT_EQ(menuLabels(menu.get()),
+              (QStringList{"Undo", "Redo", "-", "Cut", "Copy", "Paste", "-", "Co&mment Selection",
+                           "U&ncomment Selection", "-", "Insert File", "Insert Template", "Item help", "-",
+                           "Select All"}));
+    for (QAction* action : menu->actions()) {
+        if (!action->isSeparator()) {
+            EXPECT_FALSE(action->icon().isNull()) << action->text().toStdString();
+        }
+    }
+
+    QcbsRichTextEdit plain(nullptr, "plain");
+    std::unique_ptr<QMenu> shortMenu(plain.createPopupMenu());
+    EXPECT_EQ(menuLabels(shortMenu.get()), (QStringList{"Select All", "Copy"}));
+}
+
+TEST(QcbsRichTextEdit, ContextMenuCommentEntryCommentsTheCursorLine) {
+    Editor editor;
+    editor.moveTo(1, 3);
+    std::unique_ptr<QMenu> menu(editor.edit.createPopupMenu());
+    menu->actions().at(7)->trigger();
+    EXPECT_EQ(editor.edit.text(1), "#_cell_length_a    5.4(2)");
+}
+
+TEST(QcbsRichTextEdit, GotoLineMovesToTheLineEndAndBeepsOutsideTheText) {
+    Editor editor;
+    QSignalSpy lineChanges(&editor.edit, &QcbsRichTextEdit::cursorLineChanged);
+    int para = -1, index = -1;
+
+    editor.edit.gotoLine(2, QString());
+    editor.edit.getCursorPosition(&para, &index);
+    EXPECT_EQ(para, 1);
+    EXPECT_EQ(index, editor.edit.paragraphLength(1));
+    EXPECT_FALSE(editor.edit.hasSelectedText());
+    ASSERT_EQ(lineChanges.count(), 1);
+    EXPECT_EQ(lineChanges.at(0).at(0).toInt(), 1);
+
+    editor.edit.gotoLine(14, QString(), true);  // the last line, selected
+    int from[4];
+    editor.edit.getSelection(&from[0], &from[1], &from[2], &from[3]);
+    EXPECT_EQ(std::vector<int>(from, from + 4), (std::vector<int>{13, 0, 13, 8}));
+
+    editor.edit.gotoLine(1, QString());
+    editor.edit.getCursorPosition(&para, &index);
+    EXPECT_EQ(para, 0);
+    EXPECT_FALSE(editor.edit.hasSelectedText());
+
+    for (int outside : {0, -3, 15}) {
+        editor.edit.gotoLine(outside, QString(), true);
+        editor.edit.getCursorPosition(&para, &index);
+        EXPECT_EQ(para, 0) << outside;
+    }
+}
+
+TEST(QcbsRichTextEdit, ErrorLinesAreMarkedUntilTheTextChanges) {
+    Editor editor;
+    editor.edit.setErrorHighlighting(2, 1, true);
+    editor.edit.setErrorHighlighting(7, 2, false);
+    EXPECT_TRUE(editor.edit.errorMatcherEnabled());
+    EXPECT_EQ(editor.edit.errorSelectionParagraph(1), 1);
+    EXPECT_EQ(editor.edit.errorSelectionParagraph(2), 6);
+    const auto marks = editor.edit.extraSelections();
+    ASSERT_EQ(marks.size(), 2);
+    EXPECT_EQ(marks[0].cursor.selectedText(), "_cell_length_a    5.4(2)");
+    EXPECT_EQ(marks[0].format.background().color(), QColor(204, 232, 195));
+    EXPECT_EQ(marks[1].cursor.selectedText(), "# a comment");
+    EXPECT_EQ(marks[1].format.background().color(), QColor(Qt::yellow));
+    int para = -1, index = -1;
+    editor.edit.getCursorPosition(&para, &index);
+    EXPECT_EQ(para, 6);
+    EXPECT_EQ(index, 11);
+
+    // Moving onto the other marked line keeps both marks; elsewhere they go.
+    editor.moveTo(1, 2);
+    EXPECT_EQ(editor.edit.extraSelections().size(), 2);
+    editor.moveTo(3);
+    EXPECT_FALSE(editor.edit.errorMatcherEnabled());
+    EXPECT_TRUE(editor.edit.extraSelections().isEmpty());
+
+    // Selecting text ends the marking as well.
+    editor.edit.setErrorHighlighting(1, 1);
+    editor.edit.setSelection(0, 0, 0, 4);
+    EXPECT_FALSE(editor.edit.errorMatcherEnabled());
+}
+
+TEST(QcbsRichTextEdit, AnEditRefusesErrorHighlightingUntilTheNextCheck) {
+    Editor editor;
+    editor.edit.setErrorHighlighting(2, 1, true);
+    QSignalSpy status(&editor.edit, &QcbsRichTextEdit::statusBarMessageRequest);
+    editor.moveTo(0, 4);
+    QTest::keyClicks(&editor.edit, "X");
+    EXPECT_FALSE(editor.edit.errorMatcherEnabled());  // typing cleared the marks
+    EXPECT_FALSE(editor.edit.errorHighlightingAllowed());
+
+    editor.edit.setErrorHighlighting(3, 1, true);
+    EXPECT_FALSE(editor.edit.errorMatcherEnabled());
+    EXPECT_TRUE(editor.edit.extraSelections().isEmpty());
+    ASSERT_EQ(status.count(), 1);
+    EXPECT_EQ(status.at(0).at(0).toString(), "(error highlighting disabled until after next check)");
+    editor.edit.setErrorHighlighting(4, 2, false);
+    EXPECT_EQ(status.count(), 2);
+
+    editor.edit.reopenErrorHighlighting();
+    editor.edit.setErrorHighlighting(3, 1, true);
+    EXPECT_EQ(editor.edit.errorSelectionParagraph(1), 2);
+    EXPECT_EQ(status.count(), 2);
+}
+
+TEST(QcbsRichTextEdit, ErrorLinesOutsideTheTextMarkTheNearestLine) {
+    Editor editor;
+    editor.edit.setErrorHighlighting(0, 1, true);
+    EXPECT_EQ(editor.edit.errorSelectionParagraph(1), 0);
+    editor.edit.setErrorHighlighting(500, 1, true);
+    EXPECT_EQ(editor.edit.errorSelectionParagraph(1), 13);
+    editor.edit.setErrorHighlighting(3, 7, true);  // no such selection
+    EXPECT_FALSE(editor.edit.errorMatcherEnabled());
+}
+
+TEST(QcbsRichTextEdit, DataItemAtTheCursorOrAboveIt) {
+    Editor editor;
+    EXPECT_EQ(editor.edit.currentDataItem(false, 1), "_cell_length_a");
+    EXPECT_EQ(editor.edit.currentDataItem(true, 10), "_atom_site_fract_x");
+    // A loop's value line belongs to the loop's names.
+    EXPECT_EQ(editor.edit.currentDataItem(false, 11), "");
+    EXPECT_EQ(editor.edit.currentDataItem(true, 11), "_atom_site_fract_x");
+    // Inside a text field the field's own name is found, not the text's.
+    EXPECT_EQ(editor.edit.currentDataItem(true, 5), "_publ_section_title");
+    EXPECT_EQ(editor.edit.currentDataItem(true, 3), "_publ_section_title");
+    EXPECT_EQ(editor.edit.currentDataItem(true, 6), "_publ_section_title");
+    // A block header ends the search.
+    EXPECT_EQ(editor.edit.currentDataItem(true, 13), "");
+    EXPECT_EQ(editor.edit.currentDataItem(true, 0), "");
+    // The cursor's line when no paragraph is given.
+    editor.moveTo(9, 5);
+    EXPECT_EQ(editor.edit.currentDataItem(false), "_atom_site_label");
+
+    QSignalSpy help(&editor.edit, &QcbsRichTextEdit::requestDataitemHelp);
+    editor.moveTo(11);
+    editor.edit.prepareDataitemHelp();
+    ASSERT_EQ(help.count(), 1);
+    EXPECT_EQ(help.at(0).at(0).toString(), "_atom_site_fract_x");
+}
+
+TEST(QcbsRichTextEdit, LineKindsOfTheCursorLine) {
+    Editor editor;
+    struct Expect {
+        int para;
+        bool loop, comment, blank, text;
+    };
+    for (const Expect& e : {Expect{8, true, false, false, false}, Expect{6, false, true, false, false},
+                            Expect{7, false, false, true, false}, Expect{3, false, false, false, true},
+                            Expect{4, false, false, false, true}, Expect{5, false, false, false, false},
+                            Expect{1, false, false, false, false}}) {
+        editor.moveTo(e.para);
+        EXPECT_EQ(editor.edit.isLoopLine(), e.loop) << e.para;
+        EXPECT_EQ(editor.edit.isCommentLine(), e.comment) << e.para;
+        EXPECT_EQ(editor.edit.isBlankLine(), e.blank) << e.para;
+        EXPECT_EQ(editor.edit.isMultiLineStringLine(), e.text) << e.para;
+    }
+}
+
+TEST(QcbsRichTextEdit, CommentingWithoutSelectionTakesTheCursorLineAndSelectsIt) {
+    Editor editor("a\nb value \nc");
+    editor.moveTo(1, 2);
+    editor.edit.commentSelection();
+    EXPECT_EQ(editor.edit.toPlainText(), "a\n#b value\nc");  // one trailing blank is cut
+    int sel[4];
+    editor.edit.getSelection(&sel[0], &sel[1], &sel[2], &sel[3]);
+    EXPECT_EQ(std::vector<int>(sel, sel + 4), (std::vector<int>{1, 0, 1, 8}));
+
+    editor.edit.uncommentSelection();
+    EXPECT_EQ(editor.edit.toPlainText(), "a\nb value\nc");
+}
+
+TEST(QcbsRichTextEdit, SelectionEndingAtALineStartLeavesThatLineAlone) {
+    Editor editor("one\ntwo\nthree\nfour");
+    editor.edit.setSelection(0, 2, 2, 0);
+    editor.edit.commentSelection();
+    EXPECT_EQ(editor.edit.toPlainText(), "#one\n#two\nthree\nfour");
+    int sel[4];
+    editor.edit.getSelection(&sel[0], &sel[1], &sel[2], &sel[3]);
+    EXPECT_EQ(std::vector<int>(sel, sel + 4), (std::vector<int>{0, 0, 1, 4}));
+
+    editor.edit.setSelection(0, 0, 3, 2);
+    editor.edit.commentSelection();
+    EXPECT_EQ(editor.edit.toPlainText(), "##one\n##two\n#three\n#four");
+    editor.edit.uncommentSelection();
+    editor.edit.uncommentSelection();
+    EXPECT_EQ(editor.edit.toPlainText(), "one\ntwo\nthree\nfour");
+    // Each command is one undo step.
+    editor.edit.undo();
+    EXPECT_EQ(editor.edit.toPlainText(), "#one\n#two\nthree\nfour");
+}
+
+TEST(QcbsRichTextEdit, VeryLongLinesAreCommentedWhole) {
+    const QString longLine(12000, u'x');
+    Editor editor(longLine);
+    editor.edit.commentSelection();
+    EXPECT_EQ(editor.edit.toPlainText(), "#" + longLine);
+}
+
+TEST(QcbsRichTextEdit, CopyWritesAngstromAsAAndDegreeAsPercent) {
+    Editor editor(QString::fromUtf8("a = 5 Å\nβ = 90°\nend"));
+    editor.edit.setSelection(0, 4, 1, 7);
+    editor.edit.copy();
+    EXPECT_EQ(QApplication::clipboard()->text(), QString::fromUtf8("5 A\nβ = 90%"));
+
+    QApplication::clipboard()->clear();
+    editor.edit.selectAll();
+    QTest::keyClick(&editor.edit, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QString::fromUtf8("a = 5 A\nβ = 90%\nend"));
+}
+
+TEST(QcbsRichTextEdit, PasteInsertsCifCodesAndLeavesThemOnTheClipboard) {
+    Editor editor("x\n");
+    editor.moveTo(1);
+    QApplication::clipboard()->setText(QString::fromUtf8("α = 90.0°"));
+    editor.edit.paste();
+    EXPECT_EQ(editor.edit.toPlainText(), "x\n\\a = 90.0\\%");
+    EXPECT_EQ(QApplication::clipboard()->text(), "\\a = 90.0\\%");
+
+    QApplication::clipboard()->setText(QString::fromUtf8(" Å"));
+    QTest::keyClick(&editor.edit, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(editor.edit.toPlainText(), "x\n\\a = 90.0\\% \\%A");
+}
+
+TEST(QcbsRichTextEdit, InsertedFileLinesGoInAtTheCursorWithAReport) {
+    QTemporaryDir dir;
+    const QString mixed = writeFile(dir, "mixed.cif", "one\r\ntwo\rthree\nlast");
+    const QString latin1 = writeFile(dir, "latin1.txt", "Caf\xe9 5\xb0\n");
+    const QString empty = writeFile(dir, "empty.cif", "");
+    Editor editor("start\nend");
+    QSignalSpy status(&editor.edit, &QcbsRichTextEdit::statusBarMessageRequest);
+    QSignalSpy lines(&editor.edit, &QcbsRichTextEdit::numberOfLinesChanged);
+
+    editor.moveTo(1);
+    editor.edit.insertFile(mixed);
+    EXPECT_EQ(editor.edit.toPlainText(), "start\none\ntwo\nthree\nlast\nend");
+    ASSERT_EQ(status.count(), 1);
+    EXPECT_EQ(status.at(0).at(0).toString(), "Inserted 4 lines.");
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_EQ(lines.last().at(0).toInt(), 6);
+
+    editor.edit.insertFile(latin1);  // not UTF-8: read as Latin-1, then coded
+    EXPECT_EQ(editor.edit.text(5), "Caf\\'e 5\\%");
+    EXPECT_EQ(status.at(1).at(0).toString(), "Inserted 1 lines.");
+
+    editor.edit.insertFile(empty);
+    EXPECT_EQ(status.at(2).at(0).toString(), "Inserted 0 lines.");
+}
+
+TEST(QcbsRichTextEdit, UnreadableFileOrMissingTemplateIsReportedAndChangesNothing) {
+    Editor editor("keep");
+    QTemporaryDir dir;
+    {
+        MessageBoxWatcher box;
+        editor.edit.insertFile(dir.filePath("missing.cif"));
+        EXPECT_EQ(box.title, "Error");
+        EXPECT_EQ(box.text, "Could not open file \"" + dir.filePath("missing.cif") + "\"");
+    }
+    {
+        MessageBoxWatcher box;
+        editor.edit.insertFile(dir.path());  // a directory
+        EXPECT_EQ(box.title, "Error");
+    }
+    {
+        const QString saved = QcbsRichTextEdit::template_;
+        QcbsRichTextEdit::template_.clear();
+        MessageBoxWatcher box;
+        editor.edit.insertTemplateFile();
+        EXPECT_EQ(box.title, "Information");
+        EXPECT_EQ(box.text, "You don't have a template file set. Choose one via the Edit->Preferences menu.");
+        QcbsRichTextEdit::template_ = saved;
+    }
+    EXPECT_EQ(editor.edit.toPlainText(), "keep");
+}
+
+TEST(QcbsRichTextEdit, TemplateFileIsInserted) {
+    QTemporaryDir dir;
+    const QString saved = QcbsRichTextEdit::template_;
+    QcbsRichTextEdit::template_ = writeFile(dir, "template.cif", "data_new\n_journal_name_full ?\n");
+    Editor editor("");
+    editor.edit.insertTemplateFile();
+    EXPECT_EQ(editor.edit.toPlainText(), "data_new\n_journal_name_full ?\n");
+    QcbsRichTextEdit::template_ = saved;
+}
+
+TEST(QcbsRichTextEdit, OwnerShortcutsPassThroughWhileOtherKeysEdit) {
+    QMainWindow window;
+    auto* edit = new QcbsRichTextEdit(THandle<CifDictionary>(), newStyles(), &window, "editor");
+    window.setCentralWidget(edit);
+    int check = 0, selectAll = 0, find = 0;
+    for (auto [keys, counter] :
+         {std::pair{Qt::CTRL | Qt::Key_K, &check}, std::pair{Qt::CTRL | Qt::Key_A, &selectAll},
+          std::pair{Qt::CTRL | Qt::Key_F, &find}}) {
+        auto* action = window.addAction("action");
+        action->setShortcut(QKeySequence(keys));
+        int* count = counter;
+        QObject::connect(action, &QAction::triggered, [count] { ++*count; });
+    }
+    window.show();
+    QApplication::setActiveWindow(&window);
+    edit->setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    edit->setPlainText("abc def");
+    edit->setCursorPosition(0, 3);
+
+    QTest::keyClick(edit, Qt::Key_K, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(check, 1);
+    EXPECT_EQ(selectAll, 1);
+    EXPECT_EQ(find, 1);
+    EXPECT_EQ(edit->toPlainText(), "abc def");  // Ctrl+K did not delete to the line end
+    EXPECT_FALSE(edit->hasSelectedText());      // Ctrl+A did not select
+
+    // With Shift as well the keys belong to the editor.
+    QTest::keyClick(edit, Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(edit->textCursor().selectedText(), " def");
+    QTest::keyClick(edit, 'F', Qt::ShiftModifier);
+    EXPECT_EQ(edit->toPlainText(), "abcF");
+    EXPECT_EQ(find, 1);
+}
+
+// Qt hands a drop only to the widget that took the drag; the test calls
+// the handler itself.
+struct DropTarget : QcbsRichTextEdit {
+    DropTarget() : QcbsRichTextEdit(THandle<CifDictionary>(), newStyles()) {}
+    using QcbsRichTextEdit::dragEnterEvent;
+    using QcbsRichTextEdit::dropEvent;
+};
+
+TEST(QcbsRichTextEdit, DroppedFilesGoToTheOwnerInsteadOfTheText) {
+    DropTarget edit;
+    edit.setPlainText("text");
+    QSignalSpy drops(&edit, &QcbsRichTextEdit::dropEventRequest);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile("/tmp/other.cif")});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    edit.dragEnterEvent(&enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    edit.dropEvent(&drop);
+    ASSERT_EQ(drops.count(), 1);
+    EXPECT_EQ(drops.at(0).at(0).value<QDropEvent*>(), &drop);
+    EXPECT_EQ(edit.toPlainText(), "text");
+}
+
+TEST(QcbsRichTextEdit, EveryChangeReportsTheLineCount) {
+    Editor editor("a");
+    QSignalSpy lines(&editor.edit, &QcbsRichTextEdit::numberOfLinesChanged);
+    editor.moveTo(0, 1);
+    QTest::keyClick(&editor.edit, Qt::Key_Return);
+    QTest::keyClick(&editor.edit, Qt::Key_Return);
+    QTest::keyClick(&editor.edit, Qt::Key_Backspace);
+    EXPECT_EQ(editor.edit.paragraphs(), 2);
+    QList<int> counts;
+    for (const auto& emitted : lines)
+        if (counts.isEmpty() || counts.last() != emitted.at(0).toInt()) counts << emitted.at(0).toInt();
+    EXPECT_EQ(counts, (QList<int>{2, 3, 2}));
+}
+
+TEST(QcbsRichTextEdit, StyleUpdateTakesTheNewFontAndKeepsTheModifiedFlag) {
+    auto styles = newStyles();
+    QcbsRichTextEdit edit(THandle<CifDictionary>(), styles, nullptr, "editor");
+    edit.setPlainText("a\nb");
+    edit.setModified(false);
+    QFont bigger = styles->baseFont();
+    bigger.setPointSize(bigger.pointSize() + 5);
+    styles->setBaseFont(bigger);
+    edit.styleUpdate();
+    EXPECT_EQ(edit.font().pointSize(), bigger.pointSize());
+    EXPECT_FALSE(edit.isModified());
+    EXPECT_EQ(edit.lineWrapMode(), QPlainTextEdit::NoWrap);
+}
+
+}  // namespace
