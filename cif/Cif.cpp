@@ -1,0 +1,100 @@
+#include "cif/Cif.hpp"
+
+#include <algorithm>
+
+#include "cif/CifNames.hpp"
+#include "cif/CifReader.hpp"
+
+Cif::Cif(THandle<CifDictionary> dictionary)
+    : dictionary_(dictionary), errors_(new CifErrorContainer()), store_(new CifTextStore()) {}
+
+void Cif::read(std::istream& stream, const CifParserSettings& settings) {
+    std::string text;
+    // Read at once when the size is known, then whatever follows.
+    std::istream::pos_type start = stream.tellg();
+    if (start != std::istream::pos_type(-1)) {
+        stream.seekg(0, std::ios::end);
+        std::istream::pos_type stop = stream.tellg();
+        stream.seekg(start);
+        if (stop != std::istream::pos_type(-1) && stop > start && stream) {
+            text.resize(static_cast<std::size_t>(stop - start));
+            stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+            text.resize(static_cast<std::size_t>(stream.gcount()));
+        }
+    }
+    stream.clear(stream.rdstate() & ~std::ios::failbit & ~std::ios::eofbit);
+    char buffer[1 << 16];
+    while (stream) {
+        stream.read(buffer, sizeof buffer);
+        text.append(buffer, static_cast<std::size_t>(stream.gcount()));
+    }
+    bool failed = stream.bad();
+    read_text(std::move(text), settings);
+    if (failed)
+        errors_->add(
+            CifError(CifError::input_unreadable, std::max(line_count_, 1), std::string(), "read error"));
+}
+
+void Cif::read_text(std::string text, const CifParserSettings& settings) {
+    blocks_.clear();
+    errors_->clear();
+    CifReader(*this, settings).read(std::move(text));
+}
+
+void Cif::check_mandatory(const std::vector<std::string>& document_names,
+                          const std::vector<std::string>& block_names) {
+    auto listed = [](const std::vector<std::string>& names, const std::string& name) {
+        return std::any_of(names.begin(), names.end(),
+                           [&](const std::string& n) { return cif_iequals(n, name); });
+    };
+    int first_line = blocks_.empty() || blocks_.front()->line() < 1 ? 1 : blocks_.front()->line();
+    for (const std::string& name : document_names) {
+        if (listed(block_names, name)) continue;  // checked per block below
+        bool present = std::any_of(blocks_.begin(), blocks_.end(), [&](const THandle<CifDataBlock>& block) {
+            return !block->find(name).is_null();
+        });
+        if (!present) errors_->add(CifError(CifError::mandatory_item_missing, first_line, name));
+    }
+    for (const THandle<CifDataBlock>& block : blocks_) {
+        for (const std::string& name : block_names) {
+            if (block->find(name).is_null()) {
+                errors_->add(CifError(CifError::mandatory_item_missing, std::max(block->line(), 1), name));
+            }
+        }
+    }
+    if (blocks_.empty()) {
+        for (const std::string& name : block_names) {
+            errors_->add(CifError(CifError::mandatory_item_missing, 1, name));
+        }
+    }
+}
+
+THandle<CifDataBlock> Cif::block(unsigned int n) const {
+    return n < blocks_.size() ? blocks_[n] : THandle<CifDataBlock>();
+}
+
+Cif::iterator Cif::block_with_name(const std::string& name) {
+    std::string code = cif_block_code(name);
+    return std::find_if(blocks_.begin(), blocks_.end(),
+                        [&](const THandle<CifDataBlock>& block) { return cif_iequals(block->name(), code); });
+}
+
+Cif::iterator Cif::block_at_line(int line) {
+    return std::find_if(blocks_.begin(), blocks_.end(), [&](const THandle<CifDataBlock>& block) {
+        return block->line() > 0 && line >= block->line() && line <= block->end_line();
+    });
+}
+
+Cif::iterator Cif::new_block(const std::string& name, iterator position) {
+    return blocks_.insert(position, THandle<CifDataBlock>(new CifDataBlock(dictionary_, name, -1, store_)));
+}
+
+void Cif::print(std::ostream& stream, const CifWriteSettings& settings) const {
+    if (settings.cif_version >= 2) stream << "#\\#CIF_2.0\n";
+    bool first = true;
+    for (const THandle<CifDataBlock>& block : blocks_) {
+        if (!first) stream << '\n';
+        block->print(stream, settings);
+        first = false;
+    }
+}

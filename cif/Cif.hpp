@@ -1,0 +1,82 @@
+#pragma once
+
+#include <deque>
+#include <istream>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "cif/CifDataBlock.hpp"
+#include "cif/CifDictionary.hpp"
+#include "cif/CifErrorContainer.hpp"
+#include "cif/CifParserSettings.hpp"
+#include "cif/CifTextStore.hpp"
+#include "cif/CifWriteSettings.hpp"
+#include "support/THandle.hpp"
+
+// One CIF document: its data blocks in text order, the dictionary it is
+// checked against and the messages of reading and checking it.
+class Cif {
+public:
+    using BlockList = std::deque<THandle<CifDataBlock>>;
+    using iterator = BlockList::iterator;
+    using const_iterator = BlockList::const_iterator;
+
+    explicit Cif(THandle<CifDictionary> dictionary = THandle<CifDictionary>());
+    virtual ~Cif() = default;
+
+    // Reads the whole stream into blocks (CIF 1.1, or CIF 2.0 when the text
+    // starts with #\#CIF_2.0). Never throws for bad text and never stops at
+    // the first problem: every problem becomes a message in errors(), in
+    // line order. Meant for a fresh document; earlier contents are dropped.
+    void read(std::istream& stream, const CifParserSettings& settings = CifParserSettings());
+    // The same for text already in memory.
+    void read_text(std::string text, const CifParserSettings& settings = CifParserSettings());
+
+    // Adds a message (code 347) for every listed data name the document
+    // lacks: names of the first list may be in any block (one message, at
+    // the first block); names of the second list must be in every block
+    // (one message per block lacking it, at its heading).
+    void check_mandatory(const std::vector<std::string>& document_names,
+                         const std::vector<std::string>& block_names);
+
+    BlockList& blocks() { return blocks_; }
+    const BlockList& blocks() const { return blocks_; }
+    std::size_t block_count() const { return blocks_.size(); }
+    iterator block_begin() { return blocks_.begin(); }
+    iterator block_end() { return blocks_.end(); }
+    const_iterator block_begin() const { return blocks_.begin(); }
+    const_iterator block_end() const { return blocks_.end(); }
+    // The n-th block (0-based); a null handle when there is none.
+    THandle<CifDataBlock> block(unsigned int n) const;
+    // The first block of that name (with or without "data_", case ignored), or block_end().
+    iterator block_with_name(const std::string& name);
+    // The block whose text holds the 1-based line: from its "data_" line to
+    // the line before the next block's, the last block to the end of the
+    // text. block_end() before the first "data_" line, past the end of the
+    // text, and for blocks not read from text.
+    iterator block_at_line(int line);
+    // Inserts an empty block before position and returns it.
+    iterator new_block(const std::string& name, iterator position);
+
+    THandle<CifDictionary> dictionary() const { return dictionary_; }
+    THandle<CifErrorContainer> errors() const { return errors_; }
+    // 1 for CIF 1.1 text, 2 for CIF 2.0.
+    int version() const { return version_; }
+    // The number of lines of the text read.
+    int line_count() const { return line_count_; }
+    const THandle<CifTextStore>& store() const { return store_; }
+
+    // Writes every block (with the CIF 2.0 code line when settings ask for 2.0).
+    void print(std::ostream& stream, const CifWriteSettings& settings = CifWriteSettings()) const;
+
+private:
+    friend class CifReader;
+
+    THandle<CifDictionary> dictionary_;
+    THandle<CifErrorContainer> errors_;
+    THandle<CifTextStore> store_;
+    BlockList blocks_;
+    int version_ = 1;
+    int line_count_ = 0;
+};

@@ -1,0 +1,408 @@
+#include "cif/CifDataBlock.hpp"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "cif/CifNames.hpp"
+#include "cif/CifPrinter.hpp"
+
+namespace {
+
+bool is_unknown(std::string_view value, bool quoted) {
+    return value.empty() || (!quoted && (value == "?" || value == "."));
+}
+
+}  // namespace
+
+CifDataBlock::CifDataBlock(THandle<CifDictionary> dictionary, const std::string& name, int line,
+                           THandle<CifTextStore> store)
+    : name_(cif_block_code(name)),
+      dictionary_(dictionary),
+      store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
+      line_(line),
+      last_line_(line),
+      end_line_(line) {}
+
+void CifDataBlock::set_name(const std::string& name) { name_ = cif_block_code(name); }
+
+THandle<CifDataItem> CifDataBlock::find(const std::string& tag) const {
+    auto found = index_.find(cif_lowercase(tag));
+    return found == index_.end() ? THandle<CifDataItem>() : found->second;
+}
+
+THandle<CifDataItem> CifDataBlock::obtain(const std::string& tag) {
+    THandle<CifDataItem> item = find(tag);
+    if (item.is_null()) {
+        item = THandle<CifDataItem>(new CifDataItem(tag, store_, dictionary_));
+        insert_item(item);
+    }
+    return item;
+}
+
+void CifDataBlock::obtain(const std::vector<std::string>& tags, std::vector<THandle<CifDataItem>>& out) {
+    out.clear();
+    for (const std::string& tag : tags) out.push_back(obtain(tag));
+}
+
+std::string CifDataBlock::value(const std::string& tag) const {
+    THandle<CifDataItem> item = find(tag);
+    return item.is_null() ? std::string() : item->value();
+}
+
+bool CifDataBlock::has_value(const std::string& tag) const {
+    THandle<CifDataItem> item = find(tag);
+    return !item.is_null() && item->has_value();
+}
+
+void CifDataBlock::set_value(const std::string& tag, const std::string& value) {
+    THandle<CifDataItem> item = obtain(tag);
+    if (item->is_looped()) take_out_of_loop(item);
+    item->set_single_value(value);
+}
+
+void CifDataBlock::remove(const std::string& tag) {
+    auto found = index_.find(cif_lowercase(tag));
+    if (found == index_.end()) return;
+    THandle<CifDataItem> item = found->second;
+    index_.erase(found);
+    if (item->is_looped()) take_out_of_loop(item);
+    order_.erase(std::find(order_.begin(), order_.end(), item));
+}
+
+void CifDataBlock::remove(const std::vector<std::string>& tags) {
+    for (const std::string& tag : tags) remove(tag);
+}
+
+bool CifDataBlock::has_item_with_category(const std::string& category) const {
+    std::string prefix = cif_lowercase(category);
+    if (prefix.empty() || prefix[0] != '_') prefix.insert(prefix.begin(), '_');
+    for (const auto& [name, item] : index_) {
+        if (name.compare(0, prefix.size(), prefix) != 0) continue;
+        if (name.size() == prefix.size() || name[prefix.size()] == '_' || name[prefix.size()] == '.')
+            return true;
+    }
+    return false;
+}
+
+void CifDataBlock::loop_columns(const std::string& tag, std::vector<std::string>& out) const {
+    out.clear();
+    THandle<CifDataItem> item = find(tag);
+    if (item.is_null()) return;
+    int loop = loop_of(item.get());
+    if (loop < 0) return;
+    for (const THandle<CifDataItem>& column : loops_[loop]) out.push_back(column->name());
+}
+
+void CifDataBlock::create_loop(const std::vector<std::string>& tags) {
+    ItemList columns;
+    std::vector<std::string> names;
+    for (const std::string& tag : tags) {
+        THandle<CifDataItem> item = obtain(tag);
+        if (std::find(columns.begin(), columns.end(), item) != columns.end()) continue;
+        if (item->is_looped()) take_out_of_loop(item);
+        columns.push_back(item);
+        names.push_back(item->name());
+    }
+    if (columns.empty()) return;
+    std::size_t rows = 0;
+    for (const THandle<CifDataItem>& item : columns) rows = std::max(rows, item->size());
+    for (const THandle<CifDataItem>& item : columns) {
+        while (item->size() < rows) item->add_value("?");
+        item->set_looped(true);
+    }
+    loops_.push_back(columns);
+    set_write_order(names, order_in_place);
+}
+
+void CifDataBlock::copy_loop(const std::vector<std::string>& tags, const CifDataBlock& source,
+                             OverwriteMode mode) {
+    std::vector<THandle<CifDataItem>> sources;
+    for (const std::string& tag : tags) {
+        THandle<CifDataItem> item = source.find(tag);
+        if (!item.is_null() && std::find(sources.begin(), sources.end(), item) == sources.end())
+            sources.push_back(item);
+    }
+    if (sources.empty()) return;
+    bool any_present = false;
+    for (const THandle<CifDataItem>& item : sources)
+        any_present = any_present || !find(item->name()).is_null();
+    if (!any_present) {
+        copy_loop_as_new(sources);
+        return;
+    }
+    switch (mode) {
+        case keep_existing:
+            break;
+        case overwrite_existing:
+            for (const THandle<CifDataItem>& item : sources) remove(item->name());
+            copy_loop_as_new(sources);
+            break;
+        case fill_unknown:
+            fill_unknown_loop(sources);
+            break;
+        case append_rows:
+            append_loop_rows(sources);
+            break;
+    }
+}
+
+void CifDataBlock::copy_loop_as_new(const std::vector<THandle<CifDataItem>>& sources) {
+    ItemList columns;
+    for (const THandle<CifDataItem>& item : sources) columns.push_back(adopt(*item));
+    add_loop(columns);
+    // Columns of unequal length (a source built by hand) are evened out.
+    std::size_t rows = 0;
+    for (const THandle<CifDataItem>& item : columns) rows = std::max(rows, item->size());
+    for (const THandle<CifDataItem>& item : columns) {
+        while (item->size() < rows) item->add_value("?");
+    }
+}
+
+void CifDataBlock::fill_unknown_loop(const std::vector<THandle<CifDataItem>>& sources) {
+    // Only a loop that all present names share, with as many rows as the
+    // source, can be filled row by row; anything else stays as it is.
+    int loop = -1;
+    for (const THandle<CifDataItem>& source : sources) {
+        THandle<CifDataItem> mine = find(source->name());
+        if (mine.is_null()) continue;
+        int its_loop = loop_of(mine.get());
+        if (its_loop < 0 || (loop >= 0 && its_loop != loop)) return;
+        loop = its_loop;
+    }
+    std::size_t rows = loops_[loop].front()->size();
+    if (sources.front()->size() != rows) return;
+    std::vector<std::string> names;
+    for (const THandle<CifDataItem>& column : loops_[loop]) names.push_back(column->name());
+    for (const THandle<CifDataItem>& source : sources) {
+        THandle<CifDataItem> mine = find(source->name());
+        if (mine.is_null()) {
+            mine = adopt(*source);
+            insert_item(mine);
+            names.push_back(mine->name());
+            continue;
+        }
+        for (std::size_t row = 0; row < rows && row < source->size(); ++row) {
+            if (is_unknown(mine->value_view(row), mine->is_quoted(row)))
+                mine->copy_value_from(row, *source, row);
+        }
+    }
+    create_loop(names);
+}
+
+void CifDataBlock::append_loop_rows(const std::vector<THandle<CifDataItem>>& sources) {
+    std::vector<std::string> names;
+    THandle<CifDataItem> anchor;
+    for (const THandle<CifDataItem>& source : sources) {
+        THandle<CifDataItem> mine = find(source->name());
+        if (mine.is_null() || !anchor.is_null()) continue;
+        anchor = mine;
+    }
+    // The loop the rows go into: the present items' loop (or the present
+    // items themselves), widened by the source's new names.
+    int loop = loop_of(anchor.get());
+    if (loop >= 0) {
+        for (const THandle<CifDataItem>& column : loops_[loop]) names.push_back(column->name());
+    }
+    for (const THandle<CifDataItem>& source : sources) {
+        if (std::find_if(names.begin(), names.end(), [&](const std::string& n) {
+                return cif_iequals(n, source->name());
+            }) == names.end()) {
+            names.push_back(source->name());
+        }
+    }
+    create_loop(names);
+    std::size_t rows = 0;
+    for (const THandle<CifDataItem>& source : sources) rows = std::max(rows, source->size());
+    ItemList columns;
+    obtain(names, columns);
+    for (const THandle<CifDataItem>& column : columns) {
+        THandle<CifDataItem> source;
+        for (const THandle<CifDataItem>& candidate : sources) {
+            if (cif_iequals(candidate->name(), column->name())) source = candidate;
+        }
+        for (std::size_t row = 0; row < rows; ++row) {
+            if (source.is_null() || row >= source->size()) {
+                column->add_value("?");
+            } else {
+                column->copy_value_from(column->size(), *source, row);
+            }
+        }
+    }
+}
+
+void CifDataBlock::copy(const CifDataBlock& other) {
+    if (this == &other) return;
+    static_cast<CifCommentable&>(*this) = other;
+    name_ = other.name_;
+    line_ = other.line_;
+    last_line_ = other.last_line_;
+    end_line_ = other.end_line_;
+    order_.clear();
+    index_.clear();
+    loops_.clear();
+    frames_.clear();
+    std::unordered_map<const CifDataItem*, THandle<CifDataItem>> copies;
+    for (const THandle<CifDataItem>& item : other.order_) {
+        THandle<CifDataItem> copy = adopt(*item);
+        copy->set_looped(item->is_looped());
+        copies[item.get()] = copy;
+        order_.push_back(copy);
+        index_[cif_lowercase(copy->name())] = copy;
+    }
+    for (const ItemList& loop : other.loops_) {
+        ItemList columns;
+        for (const THandle<CifDataItem>& item : loop) columns.push_back(copies[item.get()]);
+        loops_.push_back(columns);
+    }
+    for (const THandle<CifDataBlock>& frame : other.frames_) {
+        THandle<CifDataBlock> copy(new CifDataBlock(dictionary_, frame->name(), frame->line(), store_));
+        copy->copy(*frame);
+        frames_.push_back(copy);
+    }
+}
+
+void CifDataBlock::merge(const CifDataBlock& other, OverwriteMode mode) {
+    if (this == &other) return;
+    std::unordered_set<int> loops_done;
+    for (const THandle<CifDataItem>& item : other.order_) {
+        int loop = other.loop_of(item.get());
+        if (loop >= 0) {
+            if (!loops_done.insert(loop).second) continue;
+            std::vector<std::string> names;
+            for (const THandle<CifDataItem>& column : other.loops_[loop]) names.push_back(column->name());
+            copy_loop(names, other, mode);
+            continue;
+        }
+        THandle<CifDataItem> mine = find(item->name());
+        if (mine.is_null()) {
+            insert_item(adopt(*item));
+            continue;
+        }
+        if (mode == overwrite_existing) {
+            THandle<CifDataItem> copy = adopt(*item);
+            if (mine->is_looped()) take_out_of_loop(mine);
+            *std::find(order_.begin(), order_.end(), mine) = copy;
+            index_[cif_lowercase(copy->name())] = copy;
+        } else if (mode == fill_unknown && !mine->is_looped() &&
+                   (!mine->has_value() || is_unknown(mine->value_view(0), mine->is_quoted(0)))) {
+            mine->clear_values();
+            if (item->has_value()) mine->copy_value_from(0, *item, 0);
+        }
+    }
+    for (const THandle<CifDataBlock>& frame : other.frames_) {
+        bool present = false;
+        for (const THandle<CifDataBlock>& mine : frames_)
+            present = present || cif_iequals(mine->name(), frame->name());
+        if (present) continue;
+        THandle<CifDataBlock> copy(new CifDataBlock(dictionary_, frame->name(), frame->line(), store_));
+        copy->copy(*frame);
+        frames_.push_back(copy);
+    }
+}
+
+void CifDataBlock::set_write_order(const std::vector<std::string>& tags, OrderingMode mode) {
+    ItemList moved;
+    for (const std::string& tag : tags) {
+        THandle<CifDataItem> item = find(tag);
+        if (!item.is_null() && std::find(moved.begin(), moved.end(), item) == moved.end())
+            moved.push_back(item);
+    }
+    if (moved.empty()) return;
+    auto is_moved = [&](const THandle<CifDataItem>& item) {
+        return std::find(moved.begin(), moved.end(), item) != moved.end();
+    };
+
+    // Within each loop the named columns take the slots they held, in the given order.
+    for (ItemList& loop : loops_) {
+        std::vector<std::size_t> slots;
+        for (std::size_t i = 0; i < loop.size(); ++i) {
+            if (is_moved(loop[i])) slots.push_back(i);
+        }
+        std::size_t next = 0;
+        for (const THandle<CifDataItem>& item : moved) {
+            if (next < slots.size() && std::find(loop.begin(), loop.end(), item) != loop.end())
+                loop[slots[next++]] = item;
+        }
+    }
+
+    std::size_t position = 0;
+    std::size_t kept_before = 0;
+    bool found_first = false;
+    for (const THandle<CifDataItem>& item : order_) {
+        if (is_moved(item)) {
+            if (mode == order_in_place && !found_first) position = kept_before;
+            if (mode == order_at_last) position = kept_before;
+            found_first = true;
+        } else {
+            ++kept_before;
+        }
+    }
+    ItemList rest;
+    for (const THandle<CifDataItem>& item : order_) {
+        if (!is_moved(item)) rest.push_back(item);
+    }
+    if (mode == order_at_front) position = 0;
+    if (mode == order_at_end) position = rest.size();
+    position = std::min(position, rest.size());
+    rest.insert(rest.begin() + static_cast<std::ptrdiff_t>(position), moved.begin(), moved.end());
+    order_.swap(rest);
+}
+
+bool CifDataBlock::add_item(THandle<CifDataItem> item) {
+    std::string key = cif_lowercase(item->name());
+    if (index_.count(key) != 0) return false;
+    index_.emplace(std::move(key), item);
+    order_.push_back(item);
+    return true;
+}
+
+bool CifDataBlock::add_loop(const ItemList& columns) {
+    ItemList added;
+    for (const THandle<CifDataItem>& item : columns) {
+        if (!add_item(item)) continue;
+        item->set_looped(true);
+        added.push_back(item);
+    }
+    if (!added.empty()) loops_.push_back(added);
+    return added.size() == columns.size();
+}
+
+void CifDataBlock::print(std::ostream& stream, const CifWriteSettings& settings) const {
+    CifPrinter(settings).print_block(*this, stream);
+}
+
+void CifDataBlock::print_frame(std::ostream& stream, const CifWriteSettings& settings) const {
+    CifPrinter(settings).print_frame(*this, stream);
+}
+
+THandle<CifDataItem> CifDataBlock::adopt(const CifDataItem& item) const {
+    THandle<CifDataItem> copy = item.clone();
+    copy->dictionary_ = dictionary_;
+    return copy;
+}
+
+int CifDataBlock::loop_of(const CifDataItem* item) const {
+    if (item == nullptr || !item->is_looped()) return -1;
+    for (std::size_t i = 0; i < loops_.size(); ++i) {
+        for (const THandle<CifDataItem>& column : loops_[i]) {
+            if (column.get() == item) return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+void CifDataBlock::take_out_of_loop(const THandle<CifDataItem>& item) {
+    int loop = loop_of(item.get());
+    item->set_looped(false);
+    if (loop < 0) return;
+    ItemList& columns = loops_[loop];
+    columns.erase(std::find(columns.begin(), columns.end(), item));
+    if (columns.empty()) loops_.erase(loops_.begin() + loop);
+}
+
+void CifDataBlock::insert_item(const THandle<CifDataItem>& item) { add_item(item); }
+
+std::ostream& operator<<(std::ostream& stream, const CifDataBlock& block) {
+    block.print(stream, CifWriteSettings());
+    return stream;
+}

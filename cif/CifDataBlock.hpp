@@ -1,0 +1,136 @@
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "cif/CifCommentable.hpp"
+#include "cif/CifDataItem.hpp"
+#include "cif/CifDictionary.hpp"
+#include "cif/CifTextStore.hpp"
+#include "cif/CifWriteSettings.hpp"
+#include "support/THandle.hpp"
+
+// One data block: its name (the block code, without "data_"), its data
+// items keyed by data name (compared without regard to case), its loops,
+// comments, save frames (dictionaries only) and the order items print in.
+class CifDataBlock : public CifCommentable {
+public:
+    using ItemList = std::vector<THandle<CifDataItem>>;
+
+    // What copy_loop and merge do with a data name present in both blocks.
+    enum OverwriteMode {
+        keep_existing = 0,       // this block's item stays as it is; the other's is not taken
+        overwrite_existing = 1,  // the other block's item (or loop) replaces this block's
+        fill_unknown = 2,        // values here that are ?, . or missing are taken from the other block
+        append_rows = 3,  // loops: the other's rows are added after these; single values: as keep_existing
+    };
+
+    // Where set_write_order puts the named items (always together, in the given order).
+    enum OrderingMode {
+        order_at_front = 0,  // before every other item
+        order_at_end = 1,    // after every other item
+        order_at_last = 2,   // where the last of them stood
+        order_in_place = 3,  // where the first of them stood
+    };
+
+    // name may be given with or without "data_"; line is the 1-based line of
+    // the block's "data_" heading in the text read, -1 for a new block.
+    CifDataBlock(THandle<CifDictionary> dictionary, const std::string& name, int line = -1,
+                 THandle<CifTextStore> store = THandle<CifTextStore>());
+
+    const std::string& name() const { return name_; }
+    void set_name(const std::string& name);
+    THandle<CifDictionary> dictionary() const { return dictionary_; }
+    const THandle<CifTextStore>& store() const { return store_; }
+
+    // The line of the "data_" heading (-1 when the block was not read), the
+    // last line that holds any of the block's text, and the last line before
+    // the next block's heading (or the end of the text).
+    int line() const { return line_; }
+    int last_line() const { return last_line_; }
+    int end_line() const { return end_line_; }
+    void set_lines(int first, int last, int end) {
+        line_ = first;
+        last_line_ = last;
+        end_line_ = end;
+    }
+
+    THandle<CifDataItem> find(const std::string& tag) const;
+    THandle<CifDataItem> obtain(const std::string& tag);
+    void obtain(const std::vector<std::string>& tags, std::vector<THandle<CifDataItem>>& out);
+
+    std::string value(const std::string& tag) const;
+    bool has_value(const std::string& tag) const;
+    // The item holds exactly this value afterwards; a looped item leaves its loop.
+    void set_value(const std::string& tag, const std::string& value);
+
+    void remove(const std::string& tag);
+    void remove(const std::vector<std::string>& tags);
+
+    // Whether an item of the category is present: "cell" or "_cell" matches
+    // _cell, _cell_length_a and _cell.length_a (case ignored).
+    bool has_item_with_category(const std::string& category) const;
+
+    // The data names of the loop that holds tag, in column order (empty when
+    // tag is absent or not looped).
+    void loop_columns(const std::string& tag, std::vector<std::string>& out) const;
+    // Makes the items one loop, in this column order, where the first of
+    // them stood: absent items are created, items of other loops leave them,
+    // a single value becomes the first row, short columns are filled with "?".
+    void create_loop(const std::vector<std::string>& tags);
+    // Copies the source's items of these names into this block as one loop.
+    void copy_loop(const std::vector<std::string>& tags, const CifDataBlock& source, OverwriteMode mode);
+    // Makes this block a copy of the other: name, comments, items, loops,
+    // save frames and write order (this block keeps its dictionary).
+    void copy(const CifDataBlock& other);
+    // Brings the other block's items, loops and save frames into this one.
+    void merge(const CifDataBlock& other, OverwriteMode mode);
+
+    void set_write_order(const std::vector<std::string>& tags, OrderingMode mode);
+    ItemList::const_iterator begin_write_order() const { return order_.begin(); }
+    ItemList::const_iterator end_write_order() const { return order_.end(); }
+    std::size_t item_count() const { return order_.size(); }
+    const std::vector<ItemList>& loops() const { return loops_; }
+
+    // Adds an unlooped item at the end; false (and nothing added) when the
+    // name is present.
+    bool add_item(THandle<CifDataItem> item);
+    // Adds the items as one loop at the end; items whose names are present
+    // are left out (false is returned then).
+    bool add_loop(const ItemList& columns);
+
+    const std::vector<THandle<CifDataBlock>>& save_frames() const { return frames_; }
+    void add_save_frame(THandle<CifDataBlock> frame) { frames_.push_back(frame); }
+
+    // Writes the block as CIF text, starting with its "data_" line.
+    void print(std::ostream& stream, const CifWriteSettings& settings) const;
+    // The same for a save frame: "save_" + name ... "save_".
+    void print_frame(std::ostream& stream, const CifWriteSettings& settings) const;
+
+private:
+    THandle<CifDataItem> adopt(const CifDataItem& item) const;
+    // The index of the loop holding the item, or -1.
+    int loop_of(const CifDataItem* item) const;
+    void take_out_of_loop(const THandle<CifDataItem>& item);
+    void insert_item(const THandle<CifDataItem>& item);
+    void copy_loop_as_new(const std::vector<THandle<CifDataItem>>& sources);
+    void fill_unknown_loop(const std::vector<THandle<CifDataItem>>& sources);
+    void append_loop_rows(const std::vector<THandle<CifDataItem>>& sources);
+
+    std::string name_;
+    THandle<CifDictionary> dictionary_;
+    THandle<CifTextStore> store_;
+    int line_;
+    int last_line_;
+    int end_line_;
+    ItemList order_;
+    std::unordered_map<std::string, THandle<CifDataItem>> index_;  // lower-case data name
+    std::vector<ItemList> loops_;
+    std::vector<THandle<CifDataBlock>> frames_;
+};
+
+// Prints the block with the default write settings.
+std::ostream& operator<<(std::ostream& stream, const CifDataBlock& block);

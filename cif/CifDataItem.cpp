@@ -1,0 +1,68 @@
+#include "cif/CifDataItem.hpp"
+
+namespace {
+
+const std::string unknown_value = "?";
+
+}  // namespace
+
+CifDataItem::CifDataItem(const std::string& name, THandle<CifTextStore> store,
+                         THandle<CifDictionary> dictionary, int line)
+    : name_(name),
+      store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
+      dictionary_(dictionary),
+      line_(line) {}
+
+std::string CifDataItem::value(unsigned int n) const { return std::string(value_view(n)); }
+
+std::string_view CifDataItem::value_view(std::size_t n) const {
+    if (n >= values_.size()) return std::string_view();
+    return store_->view(values_[n]);
+}
+
+void CifDataItem::set_value(unsigned int n, const std::string& value) {
+    while (values_.size() < n) values_.push_back(store_->add(unknown_value));
+    if (n == values_.size()) {
+        values_.push_back(store_->add(value));
+    } else {
+        values_[n] = store_->add(value);
+    }
+}
+
+void CifDataItem::set_single_value(const std::string& value) {
+    values_.clear();
+    values_.push_back(store_->add(value));
+}
+
+void CifDataItem::add_value(const std::string& value) { values_.push_back(store_->add(value)); }
+
+void CifDataItem::insert_value(unsigned int n, const std::string& value) {
+    values_.insert(n, store_->add(value));
+}
+
+void CifDataItem::remove_value(unsigned int n) { values_.erase(n); }
+
+void CifDataItem::clear_values() { values_.clear(); }
+
+void CifDataItem::copy_value_from(std::size_t n, const CifDataItem& other, std::size_t m) {
+    if (m >= other.size() || n > values_.size()) return;
+    CifValueRef ref = other.values_[m];
+    if (other.store_ != store_) ref = store_->add(other.store_->view(ref), ref.flags());
+    if (n == values_.size()) {
+        values_.push_back(ref);
+    } else {
+        values_[n] = ref;
+    }
+}
+
+int CifDataItem::validate(const std::string& value) const {
+    if (dictionary_.is_null()) return 0;
+    return dictionary_->check_value(name_, value, looped_);
+}
+
+THandle<CifDataItem> CifDataItem::clone() const {
+    THandle<CifDataItem> copy(new CifDataItem(name_, store_, dictionary_, line_));
+    static_cast<CifCommentable&>(*copy) = *this;
+    copy->values_ = values_;
+    return copy;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cif/CifError.hpp"
+
+// Collects the messages of one read, up to a limit, so that a text that is
+// not CIF at all cannot fill memory with messages.
+class CifErrorSink {
+public:
+    explicit CifErrorSink(std::size_t limit) : limit_(limit) {}
+
+    void add(CifError::ErrorID id, int line, std::string text = {}, std::string detail = {}) {
+        if (errors_.size() >= limit_) {
+            overflowed_ = true;
+            return;
+        }
+        errors_.emplace_back(id, line, std::move(text), std::move(detail));
+    }
+
+    std::vector<CifError>& errors() { return errors_; }
+    bool overflowed() const { return overflowed_; }
+
+private:
+    std::size_t limit_;
+    std::vector<CifError> errors_;
+    bool overflowed_ = false;
+};

@@ -1,0 +1,381 @@
+#include "cif/CifLexer.hpp"
+
+#include <cstring>
+
+#include "cif/CifNames.hpp"
+#include "cif/CifValueRef.hpp"
+
+namespace {
+
+// Bytes that end an unquoted word: white space and the NUL that follows the
+// text (a NUL inside the text is checked against the end). CIF 2.0 adds the
+// list and table brackets.
+struct WordEnds {
+    bool cif1[256] = {};
+    bool cif2[256] = {};
+    constexpr WordEnds() {
+        for (unsigned char c : {' ', '\t', '\n', '\0'}) cif1[c] = cif2[c] = true;
+        for (unsigned char c : {'[', ']', '{', '}'}) cif2[c] = true;
+    }
+};
+constexpr WordEnds word_ends;
+
+bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
+
+std::string excerpt(const char* begin, std::size_t length) {
+    constexpr std::size_t shown = 40;
+    if (length <= shown) return std::string(begin, length);
+    return std::string(begin, shown) + "...";
+}
+
+}  // namespace
+
+CifLexer::CifLexer(const char* begin, const char* end, const char* start, int version,
+                   const CifParserSettings& settings, CifErrorSink& errors)
+    : begin_(begin), end_(end), p_(start), version_(version), settings_(settings), errors_(errors) {}
+
+void CifLexer::skip_blank_and_comments(bool keep_comments) {
+    while (p_ < end_) {
+        char c = *p_;
+        if (c == ' ' || c == '\t') {
+            ++p_;
+        } else if (c == '\n') {
+            ++line_;
+            ++p_;
+        } else if (c == '#') {
+            const char* stop =
+                static_cast<const char*>(std::memchr(p_, '\n', static_cast<std::size_t>(end_ - p_)));
+            if (stop == nullptr) stop = end_;
+            if (keep_comments) {
+                comments_.push_back(
+                    {p_, static_cast<std::size_t>(stop - p_), line_, line_ == last_end_line_});
+            }
+            p_ = stop;
+        } else {
+            break;
+        }
+    }
+}
+
+CifToken CifLexer::next() {
+    CifToken token;
+    for (;;) {
+        skip_blank_and_comments(true);
+        token.line = line_;
+        if (p_ >= end_) {
+            token.kind = CifToken::end;
+            return token;
+        }
+        char c = *p_;
+        if (c == '_') {
+            const char* start = p_;
+            while (!word_ends.cif1[static_cast<unsigned char>(*p_)] || (*p_ == '\0' && p_ < end_)) ++p_;
+            token.kind = CifToken::name;
+            token.begin = start;
+            token.length = static_cast<std::size_t>(p_ - start);
+            limit_size(token);
+        } else if (c == '\'' || c == '"') {
+            if (version_ >= 2 && end_ - p_ >= 3 && p_[1] == c && p_[2] == c) {
+                scan_triple_quoted(token);
+            } else {
+                scan_quoted(token, false);
+            }
+        } else if (c == ';' && at_line_start(p_)) {
+            scan_text_field(token);
+        } else if (version_ >= 2 && (c == '[' || c == '{')) {
+            scan_compound(token);
+        } else if (version_ >= 2 && (c == ']' || c == '}')) {
+            errors_.add(CifError::unexpected_closing_bracket, line_, std::string(1, c));
+            ++p_;
+            continue;
+        } else {
+            scan_unquoted(token, false);
+            classify_word(token);
+        }
+        last_end_line_ = line_;
+        return token;
+    }
+}
+
+void CifLexer::scan_unquoted(CifToken& token, bool in_compound) {
+    const char* start = p_;
+    const bool* ends = version_ >= 2 ? word_ends.cif2 : word_ends.cif1;
+    while (!ends[static_cast<unsigned char>(*p_)] || (*p_ == '\0' && p_ < end_)) ++p_;
+    if (p_ == start) ++p_;  // never stand still
+    token.kind = CifToken::value;
+    token.begin = start;
+    token.length = static_cast<std::size_t>(p_ - start);
+    token.flags = 0;
+    if (!in_compound && version_ >= 2 && p_ < end_ && (*p_ == '[' || *p_ == '{')) {
+        errors_.add(CifError::missing_white_space, line_, excerpt(start, token.length));
+    }
+}
+
+void CifLexer::classify_word(CifToken& token) {
+    const char* word = token.begin;
+    std::size_t length = token.length;
+    std::string_view text(word, length);
+    char first = cif_lower(word[0]);
+    if (first == 'd' && cif_istarts_with(text, "data_")) {
+        token.kind = CifToken::data;
+        token.begin += 5;
+        token.length -= 5;
+    } else if (first == 's' && cif_istarts_with(text, "save_")) {
+        token.kind = length == 5 ? CifToken::save_end : CifToken::save;
+        token.begin += 5;
+        token.length -= 5;
+    } else if (first == 'l' && cif_iequals(text, "loop_")) {
+        token.kind = CifToken::loop;
+    } else if (first == 'g' && cif_iequals(text, "global_")) {
+        token.kind = CifToken::global;
+    } else if (first == 's' && cif_iequals(text, "stop_")) {
+        token.kind = CifToken::stop;
+    } else if (first == '$' || (version_ < 2 && (first == '[' || first == ']'))) {
+        errors_.add(CifError::reserved_first_character, token.line, excerpt(word, length));
+    }
+    limit_size(token);
+}
+
+void CifLexer::scan_quoted(CifToken& token, bool in_compound) {
+    char quote = *p_;
+    const char* start = p_ + 1;
+    const char* s = start;
+    bool closed = false;
+    if (version_ >= 2) {
+        while (s < end_ && *s != quote && *s != '\n') ++s;
+        closed = s < end_ && *s == quote;
+    } else {
+        // CIF 1.1: the quote that ends the value is followed by white space.
+        for (; s < end_ && *s != '\n'; ++s) {
+            if (*s == quote && (s + 1 == end_ || is_space(s[1]))) {
+                closed = true;
+                break;
+            }
+        }
+    }
+    token.kind = CifToken::value;
+    token.flags = CifValueRef::quoted_flag;
+    token.begin = start;
+    token.length = static_cast<std::size_t>(s - start);
+    if (closed) {
+        p_ = s + 1;
+        if (version_ >= 2 && p_ < end_ && !is_space(*p_)) {
+            bool allowed = in_compound && (*p_ == ']' || *p_ == '}' || *p_ == ':');
+            if (!allowed)
+                errors_.add(CifError::missing_white_space, line_,
+                            std::string(1, quote) + excerpt(start, token.length) + quote);
+        }
+    } else {
+        p_ = s;
+        errors_.add(CifError::unterminated_quoted_string, line_,
+                    std::string(1, quote) + excerpt(start, token.length));
+    }
+    limit_size(token);
+}
+
+void CifLexer::scan_triple_quoted(CifToken& token) {
+    char quote = *p_;
+    int open_line = line_;
+    const char* start = p_ + 3;
+    token.kind = CifToken::value;
+    token.flags = CifValueRef::quoted_flag;
+    token.begin = start;
+    for (const char* s = start; s < end_; ++s) {
+        if (*s == '\n') {
+            ++line_;
+        } else if (*s == quote && end_ - s >= 3 && s[1] == quote && s[2] == quote) {
+            token.length = static_cast<std::size_t>(s - start);
+            p_ = s + 3;
+            if (p_ < end_ && !is_space(*p_) && *p_ != ']' && *p_ != '}' && *p_ != ':') {
+                errors_.add(CifError::missing_white_space, line_,
+                            std::string(3, quote) + excerpt(start, token.length));
+            }
+            limit_size(token);
+            return;
+        }
+    }
+    // Not closed: the string ends before the next data block heading, if any.
+    int line = open_line;
+    const char* stop = recovery_point(start, open_line, line);
+    token.length = static_cast<std::size_t>(stop - start);
+    if (token.length > 0 && start[token.length - 1] == '\n') --token.length;
+    p_ = stop;
+    line_ = line;
+    errors_.add(CifError::unterminated_quoted_string, open_line,
+                std::string(3, quote) + excerpt(start, token.length));
+    limit_size(token);
+}
+
+void CifLexer::scan_text_field(CifToken& token) {
+    int open_line = line_;
+    const char* start = p_ + 1;
+    const char* s = start;
+    const char* heading = nullptr;
+    int heading_line = 0;
+    token.kind = CifToken::value;
+    token.flags = CifValueRef::quoted_flag;
+    token.begin = start;
+    for (;;) {
+        const char* newline =
+            static_cast<const char*>(std::memchr(s, '\n', static_cast<std::size_t>(end_ - s)));
+        if (newline == nullptr) break;
+        ++line_;
+        s = newline + 1;
+        if (s < end_ && *s == ';') {
+            token.length = static_cast<std::size_t>(newline - start);
+            p_ = s + 1;
+            limit_size(token);
+            return;
+        }
+        if (heading == nullptr && s < end_ && (*s == 'd' || *s == 'D') && end_ - s > 5 &&
+            cif_istarts_with(std::string_view(s, 5), "data_") && !is_space(s[5])) {
+            heading = s;
+            heading_line = line_;
+        }
+    }
+    // Not closed: the field ends before the first data block heading in it,
+    // or at the end of the text.
+    int last_line = 0;
+    if (heading != nullptr) {
+        token.length = static_cast<std::size_t>(heading - 1 - start);
+        p_ = heading;
+        line_ = heading_line;
+        last_line = heading_line - 1;
+    } else {
+        token.length = static_cast<std::size_t>(end_ - start);
+        if (token.length > 0 && start[token.length - 1] == '\n') --token.length;
+        p_ = end_;
+        last_line = end_[-1] == '\n' ? line_ - 1 : line_;
+    }
+    errors_.add(CifError::unterminated_text_field, open_line, std::string(), std::to_string(last_line));
+    limit_size(token);
+}
+
+void CifLexer::scan_compound(CifToken& token) {
+    const char* open = p_;
+    int open_line = line_;
+    // One entry per open bracket: '[' a list, 'k' a table awaiting a key,
+    // 'v' a table awaiting the value of a key.
+    std::string stack;
+    int overflow = 0;
+    auto push = [&](char bracket) {
+        if (static_cast<int>(stack.size()) >= settings_.max_nesting) {
+            if (overflow == 0)
+                errors_.add(CifError::nesting_too_deep, line_, std::string(),
+                            std::to_string(settings_.max_nesting));
+            ++overflow;
+        } else {
+            stack.push_back(bracket == '[' ? '[' : 'k');
+        }
+    };
+    auto unterminated = [&]() {
+        errors_.add(stack.front() == '[' ? CifError::unterminated_list : CifError::unterminated_table,
+                    open_line);
+    };
+    push(*p_);
+    ++p_;
+    while (!stack.empty()) {
+        skip_blank_and_comments(false);
+        if (p_ >= end_) {
+            unterminated();
+            break;
+        }
+        char c = *p_;
+        if (c == ']' || c == '}') {
+            ++p_;
+            if (overflow > 0) {
+                --overflow;
+                continue;
+            }
+            char top = stack.back();
+            if ((c == ']') != (top == '['))
+                errors_.add(CifError::unexpected_closing_bracket, line_, std::string(1, c));
+            if (top == 'v') errors_.add(CifError::table_entry_without_value, line_, std::string(1, c));
+            stack.pop_back();
+            if (p_ < end_ && !is_space(*p_) && *p_ != ']' && *p_ != '}') {
+                errors_.add(CifError::missing_white_space, line_, std::string(1, c));
+            }
+            continue;
+        }
+        // A data name or reserved word cannot be part of a list: the list was not closed.
+        const char* word = p_;
+        bool reserved = false;
+        if (c == '_') {
+            reserved = true;
+        } else if (c != '\'' && c != '"' && c != '[' && c != '{') {
+            const char* stop = word;
+            while (stop < end_ && !word_ends.cif2[static_cast<unsigned char>(*stop)]) ++stop;
+            std::string_view text(word, static_cast<std::size_t>(stop - word));
+            reserved = cif_istarts_with(text, "data_") || cif_istarts_with(text, "save_") ||
+                       cif_iequals(text, "loop_") || cif_iequals(text, "global_") ||
+                       cif_iequals(text, "stop_");
+        }
+        if (reserved) {
+            unterminated();
+            break;
+        }
+        char& state = stack.back();
+        bool expecting_key = overflow == 0 && state == 'k';
+        if (overflow == 0 && state == 'v') state = 'k';
+        CifToken element;
+        if (c == '[' || c == '{') {
+            if (expecting_key) errors_.add(CifError::table_key_not_quoted, line_, std::string(1, c));
+            ++p_;
+            push(c);
+            continue;
+        }
+        if (c == '\'' || c == '"') {
+            if (end_ - p_ >= 3 && p_[1] == c && p_[2] == c) {
+                scan_triple_quoted(element);
+            } else {
+                scan_quoted(element, true);
+            }
+            if (expecting_key) {
+                if (p_ < end_ && *p_ == ':') {
+                    ++p_;
+                    state = 'v';
+                } else {
+                    errors_.add(CifError::table_key_not_quoted, element.line,
+                                excerpt(element.begin, element.length));
+                }
+            }
+            continue;
+        }
+        if (c == ';' && at_line_start(p_)) {
+            scan_text_field(element);
+        } else {
+            scan_unquoted(element, true);
+        }
+        if (expecting_key)
+            errors_.add(CifError::table_key_not_quoted, element.line, excerpt(element.begin, element.length));
+    }
+    token.kind = CifToken::value;
+    token.flags = CifValueRef::compound_flag;
+    token.begin = open;
+    token.length = static_cast<std::size_t>(p_ - open);
+    // Text after a list or table is checked where the list closes.
+    limit_size(token);
+}
+
+void CifLexer::limit_size(CifToken& token) {
+    std::size_t limit = settings_.max_token_size;
+    if (limit > CifValueRef::length_mask) limit = CifValueRef::length_mask;
+    if (token.length > limit) {
+        errors_.add(CifError::token_too_long, token.line, excerpt(token.begin, token.length),
+                    std::to_string(limit));
+        token.length = limit;
+    }
+}
+
+const char* CifLexer::recovery_point(const char* from, int from_line, int& line) const {
+    const char* s = from;
+    line = from_line;
+    for (;;) {
+        const char* newline =
+            static_cast<const char*>(std::memchr(s, '\n', static_cast<std::size_t>(end_ - s)));
+        if (newline == nullptr) return end_;
+        ++line;
+        s = newline + 1;
+        if (end_ - s > 5 && cif_istarts_with(std::string_view(s, 5), "data_") && !is_space(s[5])) return s;
+    }
+}

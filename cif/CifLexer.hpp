@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cif/CifErrorSink.hpp"
+#include "cif/CifParserSettings.hpp"
+#include "cif/CifToken.hpp"
+
+// Splits CIF text (line ends already LF, and a NUL byte at end, as in a
+// std::string) into tokens in one pass, with the
+// line of each. CIF 1.1 or CIF 2.0 rules by version. Problems of single
+// tokens (unterminated quotes and text fields, bad lists and tables, size
+// limits) are reported here; the lexer always moves on, so it never loops
+// and never recurses.
+class CifLexer {
+public:
+    CifLexer(const char* begin, const char* end, const char* start, int version,
+             const CifParserSettings& settings, CifErrorSink& errors);
+
+    CifToken next();
+
+    // Comments met since the reader last took them, in text order.
+    std::vector<CifComment>& comments() { return comments_; }
+    // The line on which the last token returned ended.
+    int last_end_line() const { return last_end_line_; }
+    // The number of the line the lexer is on (the last line at the end).
+    int line() const { return line_; }
+
+private:
+    bool at_line_start(const char* p) const { return p == begin_ || p[-1] == '\n'; }
+    void skip_blank_and_comments(bool keep_comments);
+    void scan_unquoted(CifToken& token, bool in_compound);
+    void scan_quoted(CifToken& token, bool in_compound);
+    void scan_triple_quoted(CifToken& token);
+    void scan_text_field(CifToken& token);
+    void scan_compound(CifToken& token);
+    void classify_word(CifToken& token);
+    void limit_size(CifToken& token);
+    // The start of the first later line that begins a data block, or end_;
+    // where an unterminated text field or string is closed.
+    const char* recovery_point(const char* from, int from_line, int& line) const;
+
+    const char* begin_;
+    const char* end_;
+    const char* p_;
+    int line_ = 1;
+    int last_end_line_ = 0;
+    int version_;
+    const CifParserSettings& settings_;
+    CifErrorSink& errors_;
+    std::vector<CifComment> comments_;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// CIF compares data names and block names without regard to (ASCII) case.
+
+inline char cif_lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + ('a' - 'A')) : c; }
+
+inline std::string cif_lowercase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) c = cif_lower(c);
+    return result;
+}
+
+inline bool cif_iequals(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (cif_lower(a[i]) != cif_lower(b[i])) return false;
+    }
+    return true;
+}
+
+inline bool cif_istarts_with(std::string_view text, std::string_view prefix) {
+    return text.size() >= prefix.size() && cif_iequals(text.substr(0, prefix.size()), prefix);
+}
+
+// A block name without its "data_" heading, as blocks keep it.
+inline std::string cif_block_code(std::string_view name) {
+    if (cif_istarts_with(name, "data_")) name.remove_prefix(5);
+    return std::string(name);
+}

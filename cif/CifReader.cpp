@@ -1,0 +1,399 @@
+#include "cif/CifReader.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "cif/Cif.hpp"
+#include "cif/CifNames.hpp"
+#include "cif/CifTextCheck.hpp"
+
+namespace {
+
+// CR LF and lone CR become LF, in place; lines keep their numbers.
+void normalise_line_ends(std::string& text) {
+    std::size_t first = text.find('\r');
+    if (first == std::string::npos) return;
+    std::size_t out = first;
+    for (std::size_t in = first; in < text.size(); ++in) {
+        char c = text[in];
+        if (c == '\r') {
+            text[out++] = '\n';
+            if (in + 1 < text.size() && text[in + 1] == '\n') ++in;
+        } else {
+            text[out++] = c;
+        }
+    }
+    text.resize(out);
+}
+
+int line_of(const std::string& text, std::size_t position) {
+    return 1 + static_cast<int>(
+                   std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(position), '\n'));
+}
+
+bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
+
+}  // namespace
+
+CifReader::CifReader(Cif& cif, const CifParserSettings& settings)
+    : cif_(cif), settings_(settings), errors_(settings.max_messages == 0 ? 1 : settings.max_messages) {}
+
+void CifReader::read(std::string text) {
+    CifErrorSink check_errors(settings_.max_messages == 0 ? 1 : settings_.max_messages);
+
+    // Values refer to the text by 32-bit offsets.
+    constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max() - 1;
+    if (text.size() > largest) {
+        text.resize(largest);
+        errors_.add(CifError::input_unreadable, line_of(text, largest), std::string(),
+                    "the text is larger than 4 GB; the rest is not read");
+    }
+    normalise_line_ends(text);
+
+    // A Ctrl-Z followed only by white space is an old end-of-file mark.
+    std::size_t tail = text.size();
+    while (tail > 0 && (is_space(text[tail - 1]) || text[tail - 1] == '\x1A')) --tail;
+    std::size_t mark = text.find('\x1A', tail);
+    if (mark != std::string::npos) {
+        errors_.add(CifError::end_of_file_marker, line_of(text, mark));
+        text.resize(mark);
+    }
+
+    std::size_t start = 0;
+    bool bom = text.size() >= 3 && text.compare(0, 3, "\xEF\xBB\xBF") == 0;
+    if (bom) start = 3;
+    if (text.compare(start, 10, "#\\#CIF_2.0") == 0 &&
+        (text.size() == start + 10 || is_space(text[start + 10]))) {
+        version_ = 2;
+    } else if (text.compare(start, 7, "#\\#CIF_") == 0) {
+        std::size_t stop = start + 7;
+        while (stop < text.size() && !is_space(text[stop])) ++stop;
+        std::string code = text.substr(start, stop - start);
+        if (code != "#\\#CIF_1.1" && code != "#\\#CIF_1.0")
+            errors_.add(CifError::unknown_cif_version, 1, code);
+    }
+    if (bom && version_ < 2) errors_.add(CifError::byte_order_mark, 1);
+
+    store_ = THandle<CifTextStore>(new CifTextStore(std::move(text)));
+    const std::string& stored = store_->text();
+    base_ = stored.data();
+    cif_.store_ = store_;
+    cif_.version_ = version_;
+
+    CifTextCheck(settings_, version_, check_errors).check(stored, start);
+
+    CifLexer lexer(stored.data(), stored.data() + stored.size(), stored.data() + start, version_, settings_,
+                   errors_);
+    lexer_ = &lexer;
+    parse(lexer);
+    lexer_ = nullptr;
+
+    int lines = stored.empty() ? 0 : (stored.back() == '\n' ? lexer.line() - 1 : lexer.line());
+    cif_.line_count_ = lines;
+    for (std::size_t i = 0; i < cif_.blocks_.size(); ++i) {
+        CifDataBlock& block = *cif_.blocks_[i];
+        int end = i + 1 < cif_.blocks_.size() ? cif_.blocks_[i + 1]->line() - 1 : lines;
+        block.set_lines(block.line(), block.last_line(), std::max(end, block.line()));
+    }
+    if (cif_.blocks_.empty()) errors_.add(CifError::no_data_blocks, 1);
+    if (!stored.empty() && stored.back() != '\n') errors_.add(CifError::no_final_line_end, lines);
+
+    // Both lists are in line order but for a few messages reported after
+    // the construct they open; a stable sort keeps the order within a line.
+    std::vector<CifError> all = std::move(check_errors.errors());
+    bool overflowed = check_errors.overflowed() || errors_.overflowed();
+    all.insert(all.end(), std::make_move_iterator(errors_.errors().begin()),
+               std::make_move_iterator(errors_.errors().end()));
+    std::stable_sort(all.begin(), all.end(),
+                     [](const CifError& a, const CifError& b) { return a.line() < b.line(); });
+    std::size_t limit = std::max<std::size_t>(settings_.max_messages, 1);
+    if (all.size() > limit) {
+        overflowed = true;
+        all.erase(all.begin() + static_cast<std::ptrdiff_t>(limit), all.end());
+    }
+    THandle<CifErrorContainer> container = cif_.errors_;
+    for (const CifError& error : all) container->add(error);
+    if (overflowed)
+        container->add(CifError(CifError::too_many_messages, all.empty() ? 1 : all.back().line()));
+}
+
+CifToken CifReader::next() {
+    previous_end_ = lexer_->last_end_line();
+    return lexer_->next();
+}
+
+void CifReader::parse(CifLexer& lexer) {
+    (void)lexer;
+    CifToken token = next();
+    while (token.kind != CifToken::end) {
+        switch (token.kind) {
+            case CifToken::data:
+                token = on_data(token);
+                break;
+            case CifToken::name:
+                token = on_name(token);
+                break;
+            case CifToken::loop:
+                token = on_loop(token);
+                break;
+            case CifToken::value:
+                token = on_stray_value(token);
+                break;
+            case CifToken::save:
+            case CifToken::save_end:
+                token = on_save(token);
+                break;
+            case CifToken::global:
+                errors_.add(CifError::reserved_word_global, token.line, "global_");
+                token = next();
+                break;
+            case CifToken::stop:
+                errors_.add(CifError::reserved_word_stop, token.line, "stop_");
+                token = next();
+                break;
+            case CifToken::end:
+                break;
+        }
+    }
+    previous_end_ = lexer_->last_end_line();
+    finish_block(true);
+}
+
+CifToken CifReader::on_data(const CifToken& token) {
+    std::string name(token.begin, token.length);
+    THandle<CifDataBlock> block(new CifDataBlock(cif_.dictionary_, "data_" + name, token.line, store_));
+    // Comments between blocks introduce the next one.
+    take_comments(block.get());
+    finish_block(false);
+    if (name.empty()) errors_.add(CifError::block_without_name, token.line);
+    check_name(name, token.line, true);
+    auto [found, inserted] = block_lines_.emplace(cif_lowercase(name), token.line);
+    if (!inserted && !name.empty()) {
+        errors_.add(CifError::duplicate_block_name, token.line, name, std::to_string(found->second));
+    }
+    block_ = block;
+    cif_.blocks_.push_back(block_);
+    outside_reported_ = false;
+    return next();
+}
+
+void CifReader::finish_block(bool at_end) {
+    close_frame(false, previous_end_);
+    if (block_.is_null()) return;  // comments before the first block go to it
+    if (at_end) take_comments(block_.get(), CifCommentable::following_comment);
+    block_->set_lines(block_->line(), std::max(block_->line(), previous_end_), previous_end_);
+    block_ = THandle<CifDataBlock>();
+    last_item_ = THandle<CifDataItem>();
+}
+
+void CifReader::close_frame(bool terminated, int line) {
+    if (frame_.is_null()) return;
+    if (!terminated) errors_.add(CifError::unterminated_save_frame, frame_->line(), frame_->name());
+    frame_->set_lines(frame_->line(), std::max(frame_->line(), line), line);
+    frame_ = THandle<CifDataBlock>();
+    last_item_ = THandle<CifDataItem>();
+}
+
+CifDataBlock* CifReader::target() const {
+    if (!frame_.is_null()) return frame_.get();
+    return block_.get();
+}
+
+void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentType type) {
+    std::vector<CifComment>& comments = lexer_->comments();
+    if (comments.empty()) return;
+    for (const CifComment& comment : comments) {
+        std::string text(comment.begin, comment.length);
+        if (comment.trailing && !last_item_.is_null() && comment.line == last_item_line_) {
+            last_item_->append_comments(text, CifCommentable::trailing_comment);
+        } else if (target != nullptr) {
+            target->append_comments(text, type);
+        }
+    }
+    comments.clear();
+}
+
+void CifReader::check_name(const std::string& name, int line, bool block_name) {
+    if (version_ >= 2 || settings_.max_name_length <= 0) return;
+    if (name.size() <= static_cast<std::size_t>(settings_.max_name_length)) return;
+    errors_.add(block_name ? CifError::block_name_too_long : CifError::data_name_too_long, line, name,
+                std::to_string(settings_.max_name_length));
+}
+
+void CifReader::check_defined(const std::string& name, int line) {
+    if (!settings_.check_data_names || cif_.dictionary_.is_null()) return;
+    if (!cif_.dictionary_->is_defined(name)) errors_.add(CifError::undefined_data_name, line, name);
+}
+
+CifValueRef CifReader::reference(const CifToken& token) const {
+    CifValueRef ref;
+    ref.offset = static_cast<std::uint32_t>(token.begin - base_);
+    ref.bits = static_cast<std::uint32_t>(token.length) | token.flags;
+    return ref;
+}
+
+CifValueRef CifReader::unknown_value() {
+    if (!unknown_added_) {
+        unknown_ = store_->add("?");
+        unknown_added_ = true;
+    }
+    return unknown_;
+}
+
+CifToken CifReader::skip_outside_block(const CifToken& token) {
+    if (!outside_reported_) {
+        errors_.add(
+            CifError::data_outside_block, token.line,
+            token.kind == CifToken::loop ? std::string("loop_") : std::string(token.begin, token.length));
+        outside_reported_ = true;
+    }
+    lexer_->comments().clear();
+    CifToken next_token = next();
+    while (next_token.kind == CifToken::value || next_token.kind == CifToken::name) next_token = next();
+    lexer_->comments().clear();
+    return next_token;
+}
+
+CifToken CifReader::on_name(const CifToken& token) {
+    CifDataBlock* block = target();
+    if (block == nullptr) return skip_outside_block(token);
+    std::string name(token.begin, token.length);
+    check_name(name, token.line, false);
+    THandle<CifDataItem> item(new CifDataItem(name, store_, cif_.dictionary_, token.line));
+    take_comments(item.get());
+    CifToken value = next();
+    bool has_value = value.kind == CifToken::value;
+    if (has_value) {
+        item->values().push_back(reference(value));
+    } else {
+        errors_.add(CifError::data_name_without_value, token.line, name);
+    }
+    THandle<CifDataItem> existing = block->find(name);
+    if (!existing.is_null()) {
+        errors_.add(CifError::duplicate_data_name, token.line, name, std::to_string(existing->line()));
+        last_item_ = THandle<CifDataItem>();
+    } else {
+        block->add_item(item);
+        check_defined(name, token.line);
+        last_item_ = item;
+        last_item_line_ = lexer_->last_end_line();
+    }
+    if (!has_value) return value;
+    CifToken after = next();
+    while (after.kind == CifToken::value) after = on_stray_value(after);
+    return after;
+}
+
+CifToken CifReader::on_stray_value(const CifToken& token) {
+    if (target() == nullptr) return skip_outside_block(token);
+    if (token.line != stray_value_line_) {
+        std::string text(token.begin, std::min<std::size_t>(token.length, 40));
+        errors_.add(CifError::value_without_data_name, token.line, text);
+        stray_value_line_ = token.line;
+    }
+    return next();
+}
+
+CifToken CifReader::on_loop(const CifToken& token) {
+    CifDataBlock* block = target();
+    if (block == nullptr) return skip_outside_block(token);
+    CifCommentable before_loop;
+    take_comments(&before_loop);
+    std::string loop_comments = before_loop.comments();
+    last_item_ = THandle<CifDataItem>();
+
+    CifDataBlock::ItemList columns;
+    CifToken t = next();
+    while (t.kind == CifToken::name) {
+        std::string name(t.begin, t.length);
+        check_name(name, t.line, false);
+        THandle<CifDataItem> item(new CifDataItem(name, store_, cif_.dictionary_, t.line));
+        if (columns.empty()) item->append_comments(loop_comments);
+        take_comments(item.get());
+        columns.push_back(item);
+        t = next();
+    }
+    if (columns.empty()) {
+        errors_.add(CifError::loop_without_names, token.line, "loop_");
+        return t;
+    }
+
+    // The values, row by row: the hot path of large files.
+    std::vector<CifValueColumn*> targets;
+    targets.reserve(columns.size());
+    for (const THandle<CifDataItem>& item : columns) targets.push_back(&item->values());
+    const std::size_t width = targets.size();
+    std::size_t column = 0;
+    std::size_t count = 0;
+    while (t.kind == CifToken::value) {
+        targets[column]->push_back(reference(t));
+        if (++column == width) column = 0;
+        ++count;
+        t = next();
+    }
+    int last_value_line = previous_end_;
+
+    // Comments among the rows stay with the loop; those after its last row
+    // belong to what follows.
+    std::vector<CifComment>& comments = lexer_->comments();
+    std::size_t inner = 0;
+    while (inner < comments.size() && count > 0 && comments[inner].line <= last_value_line) {
+        columns.front()->append_comments(std::string(comments[inner].begin, comments[inner].length),
+                                         CifCommentable::inner_comment);
+        ++inner;
+    }
+    comments.erase(comments.begin(), comments.begin() + static_cast<std::ptrdiff_t>(inner));
+
+    const std::string& first = columns.front()->name();
+    if (count == 0) {
+        errors_.add(CifError::loop_without_values, token.line, first);
+    } else if (column != 0) {
+        errors_.add(CifError::loop_values_incomplete, token.line, first, std::to_string(width));
+        for (; column < width; ++column) targets[column]->push_back(unknown_value());
+    }
+
+    CifDataBlock::ItemList kept;
+    for (const THandle<CifDataItem>& item : columns) {
+        THandle<CifDataItem> existing = block->find(item->name());
+        if (existing.is_null()) {
+            for (const THandle<CifDataItem>& other : kept) {
+                if (cif_iequals(other->name(), item->name())) existing = other;
+            }
+        }
+        if (!existing.is_null()) {
+            errors_.add(CifError::duplicate_data_name, item->line(), item->name(),
+                        std::to_string(existing->line()));
+            continue;
+        }
+        kept.push_back(item);
+        check_defined(item->name(), item->line());
+    }
+    if (!kept.empty()) block->add_loop(kept);
+    return t;
+}
+
+CifToken CifReader::on_save(const CifToken& token) {
+    if (block_.is_null()) return skip_outside_block(token);
+    std::string name(token.begin, token.length);
+    if (!settings_.allow_save_frames || (token.kind == CifToken::save_end && frame_.is_null())) {
+        errors_.add(CifError::save_frame_not_allowed, token.line, "save_" + name);
+        return next();
+    }
+    if (token.kind == CifToken::save_end) {
+        take_comments(frame_.get(), CifCommentable::following_comment);
+        close_frame(true, token.line);
+        return next();
+    }
+    if (!frame_.is_null()) {
+        errors_.add(CifError::nested_save_frame, token.line, name);
+        close_frame(true, previous_end_);
+    }
+    check_name(name, token.line, true);
+    frame_ = THandle<CifDataBlock>(new CifDataBlock(cif_.dictionary_, "data_" + name, token.line, store_));
+    block_->add_save_frame(frame_);
+    take_comments(frame_.get());
+    last_item_ = THandle<CifDataItem>();
+    return next();
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <string>
+#include <unordered_map>
+
+#include "cif/CifCommentable.hpp"
+#include "cif/CifErrorSink.hpp"
+#include "cif/CifLexer.hpp"
+#include "cif/CifParserSettings.hpp"
+#include "cif/CifToken.hpp"
+#include "cif/CifValueRef.hpp"
+#include "support/THandle.hpp"
+
+class Cif;
+class CifDataBlock;
+class CifDataItem;
+class CifTextStore;
+
+// Builds a document's blocks from its text: prepares the bytes (line ends,
+// byte-order mark, end-of-file character, version code), checks characters
+// and line lengths, then reads the tokens in one pass, recovering from
+// every problem and recording it with its line.
+class CifReader {
+public:
+    CifReader(Cif& cif, const CifParserSettings& settings);
+
+    void read(std::string text);
+
+private:
+    // Grammar: each handler takes the token that starts its construct and
+    // returns the first token after it.
+    void parse(CifLexer& lexer);
+    CifToken next();
+    CifToken on_data(const CifToken& token);
+    CifToken on_name(const CifToken& token);
+    CifToken on_loop(const CifToken& token);
+    CifToken on_save(const CifToken& token);
+    CifToken on_stray_value(const CifToken& token);
+    CifToken skip_outside_block(const CifToken& token);
+    void close_frame(bool terminated, int line);
+    void finish_block(bool at_end);
+
+    CifDataBlock* target() const;
+    void take_comments(CifCommentable* target,
+                       CifCommentable::CommentType type = CifCommentable::preceding_comment);
+    void check_name(const std::string& name, int line, bool block_name);
+    void check_defined(const std::string& name, int line);
+    CifValueRef reference(const CifToken& token) const;
+    CifValueRef unknown_value();
+
+    Cif& cif_;
+    const CifParserSettings& settings_;
+    CifErrorSink errors_;
+    CifLexer* lexer_ = nullptr;
+    THandle<CifTextStore> store_;
+    const char* base_ = nullptr;
+    int version_ = 1;
+    int previous_end_ = 0;  // the line where the token before the current one ended
+    THandle<CifDataBlock> block_;
+    THandle<CifDataBlock> frame_;
+    THandle<CifDataItem> last_item_;  // the unlooped item a trailing comment belongs to
+    int last_item_line_ = 0;
+    int stray_value_line_ = 0;
+    bool outside_reported_ = false;
+    bool unknown_added_ = false;
+    CifValueRef unknown_;
+    std::unordered_map<std::string, int> block_lines_;  // lower-case block name -> heading line
+};

@@ -1,0 +1,146 @@
+#include "cif/CifTextCheck.hpp"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "cif/CifCharacters.hpp"
+
+namespace {
+
+// CIF 1.1's own limit, which a larger setting does not lift.
+constexpr std::size_t cif_line_limit = 2048;
+
+std::string byte_text(unsigned char c) {
+    char text[8];
+    std::snprintf(text, sizeof text, "0x%02X", c);
+    return text;
+}
+
+std::string code_point_text(std::uint32_t code) {
+    char text[16];
+    std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(code));
+    return text;
+}
+
+// Whether a word of eight bytes holds only printable ASCII (32-126).
+bool all_printable(std::uint64_t word) {
+    constexpr std::uint64_t ones = 0x0101010101010101ull;
+    constexpr std::uint64_t highs = 0x8080808080808080ull;
+    std::uint64_t below_space = (word - ones * 0x20) & ~word & highs;
+    std::uint64_t from_del = ((word + ones) | word) & highs;
+    return (below_space | from_del) == 0;
+}
+
+bool allowed_in_cif2(std::uint32_t code) {
+    if (code < 0x20) return code == '\t' || code == '\n' || code == '\r';
+    if (code >= 0x7F && code <= 0x9F) return false;
+    if (code >= 0xD800 && code <= 0xDFFF) return false;
+    if (code >= 0xFDD0 && code <= 0xFDEF) return false;
+    if ((code & 0xFFFE) == 0xFFFE) return false;
+    return code <= 0x10FFFF;
+}
+
+}  // namespace
+
+CifTextCheck::CifTextCheck(const CifParserSettings& settings, int version, CifErrorSink& errors)
+    : limit_(settings.line_length > 0 && static_cast<std::size_t>(settings.line_length) < cif_line_limit
+                 ? static_cast<std::size_t>(settings.line_length)
+                 : cif_line_limit),
+      version_(version),
+      errors_(errors) {}
+
+void CifTextCheck::check(std::string_view text, std::size_t start) {
+    const char* p = text.data() + start;
+    const char* end = text.data() + text.size();
+    int line = 1;
+    while (p < end) {
+        const char* newline =
+            static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
+        const char* stop = newline == nullptr ? end : newline;
+        check_line(p, stop, line);
+        p = stop + 1;
+        ++line;
+    }
+}
+
+void CifTextCheck::check_line(const char* begin, const char* end, int line) {
+    std::size_t length = static_cast<std::size_t>(end - begin);
+    bool ascii = check_ascii(begin, end, line);
+    if (!ascii && version_ >= 2) check_utf8(begin, end, line);
+    if (length > limit_) {
+        if (!ascii && version_ >= 2) {
+            // Characters, not bytes: continuation bytes do not count.
+            for (const char* p = begin; p < end; ++p) {
+                if ((static_cast<unsigned char>(*p) & 0xC0) == 0x80) --length;
+            }
+        }
+        if (length > limit_)
+            errors_.add(CifError::line_too_long, line, std::string(), std::to_string(limit_));
+    }
+}
+
+bool CifTextCheck::check_ascii(const char* begin, const char* end, int line) {
+    const char* p = begin;
+    while (end - p >= 8) {
+        std::uint64_t word;
+        std::memcpy(&word, p, sizeof word);
+        if (!all_printable(word)) break;
+        p += 8;
+    }
+    for (; p < end; ++p) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        if (c >= 32 && c < 127) continue;
+        if (c == '\t') continue;
+        if (version_ >= 2) return false;  // UTF-8 and control characters: check_utf8
+        if (is_bad_nonprinting_char(c) || is_bad_printing_char(c)) {
+            errors_.add(CifError::invalid_character, line, std::string(), byte_text(c));
+            return true;
+        }
+    }
+    return true;
+}
+
+void CifTextCheck::check_utf8(const char* begin, const char* end, int line) {
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(begin);
+    const unsigned char* stop = reinterpret_cast<const unsigned char*>(end);
+    bool reported_character = false;
+    while (p < stop) {
+        unsigned char c = *p;
+        if (c < 0x80) {
+            if (!reported_character && !allowed_in_cif2(c)) {
+                errors_.add(CifError::invalid_character, line, std::string(), code_point_text(c));
+                reported_character = true;
+            }
+            ++p;
+            continue;
+        }
+        int extra = c >= 0xF0 && c <= 0xF4 ? 3 : c >= 0xE0 ? 2 : c >= 0xC2 && c < 0xE0 ? 1 : -1;
+        if (c >= 0xF5) extra = -1;
+        std::uint32_t code = extra == 1 ? (c & 0x1Fu) : extra == 2 ? (c & 0x0Fu) : (c & 0x07u);
+        bool valid = extra > 0 && stop - p > extra;
+        for (int i = 1; valid && i <= extra; ++i) {
+            if ((p[i] & 0xC0) != 0x80) valid = false;
+            code = (code << 6) | (p[i] & 0x3Fu);
+        }
+        // Overlong forms and values past U+10FFFF are not UTF-8.
+        if (valid && ((extra == 2 && code < 0x800) || (extra == 3 && (code < 0x10000 || code > 0x10FFFF)))) {
+            valid = false;
+        }
+        if (!valid) {
+            std::string bytes;
+            for (int i = 0; i < 4 && p + i < stop; ++i) {
+                if (i > 0 && (p[i] & 0xC0) != 0x80) break;
+                bytes += (i > 0 ? " " : "") + byte_text(p[i]);
+            }
+            errors_.add(CifError::invalid_utf8, line, std::string(), bytes);
+            return;
+        }
+        if (!reported_character && !allowed_in_cif2(code)) {
+            errors_.add(CifError::invalid_character, line, std::string(), code_point_text(code));
+            reported_character = true;
+        }
+        p += extra + 1;
+    }
+}

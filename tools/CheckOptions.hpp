@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The command line of tessary-check.
+struct CheckOptions {
+    std::vector<std::string> files;
+    bool json = false;
+    int line_length = 80;
+    int jobs = 1;
+    bool help = false;
+    bool version = false;
+    std::string problem;  // set when the command line is not usable
+
+    // Reads the arguments after the program name.
+    static CheckOptions parse(const std::vector<std::string>& arguments);
+    static const char* usage();
+};

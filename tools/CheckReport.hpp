@@ -1,0 +1,31 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "tools/FileCheck.hpp"
+
+// Writes check results as text lines or as one JSON document.
+class CheckReport {
+public:
+    CheckReport(std::ostream& out, std::ostream& problems, bool json)
+        : out_(out), problems_(problems), json_(json) {}
+
+    void begin();
+    void add(const FileCheckResult& result);
+    void end();
+
+    // A text safe inside JSON quotes; bytes above 127 are read as Latin-1.
+    static std::string json_string(const std::string& text);
+    static std::string kind_name(CifError::ErrorType type);
+
+private:
+    std::ostream& out_;
+    std::ostream& problems_;
+    bool json_;
+    bool first_ = true;
+    long errors_ = 0;
+    long warnings_ = 0;
+    long remarks_ = 0;
+    long unreadable_ = 0;
+};

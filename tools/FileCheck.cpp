@@ -1,0 +1,39 @@
+#include "tools/FileCheck.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "cif/Cif.hpp"
+
+FileCheckResult FileCheck::check(const std::string& file) const {
+    FileCheckResult result;
+    result.file = file;
+    CifParserSettings settings;
+    settings.line_length = line_length_;
+    Cif cif;
+    if (file == "-") {
+        cif.read(std::cin, settings);
+    } else {
+        std::error_code error;
+        if (std::filesystem::is_directory(file, error)) {
+            result.io_problem = "is a directory";
+            return result;
+        }
+        std::ifstream stream(file, std::ios::binary);
+        if (!stream) {
+            result.io_problem = std::strerror(errno);
+            return result;
+        }
+        cif.read(stream, settings);
+    }
+    for (const CifError& message : *cif.errors()) {
+        result.messages.push_back(message);
+        if (message.type() == CifError::error) ++result.errors;
+        if (message.type() == CifError::warning) ++result.warnings;
+        if (message.type() == CifError::remark) ++result.remarks;
+    }
+    return result;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cif/CifError.hpp"
+
+// The outcome of checking one file.
+struct FileCheckResult {
+    std::string file;
+    std::string io_problem;  // not empty when the file could not be read
+    std::vector<CifError> messages;
+    int errors = 0;
+    int warnings = 0;
+    int remarks = 0;
+};
+
+// Reads one file (or standard input for "-") into a document and collects
+// its messages.
+class FileCheck {
+public:
+    explicit FileCheck(int line_length) : line_length_(line_length) {}
+
+    FileCheckResult check(const std::string& file) const;
+
+private:
+    int line_length_;
+};
