@@ -69,8 +69,11 @@ QList<QcbsLineNumberView::LineNumber> QcbsLineNumberView::visibleNumbers() const
     // Paragraph rectangles are in the editor's viewport; find where that
     // viewport's top lies in this margin.
     const int offset = mapFromGlobal(editor_->viewport()->mapToGlobal(QPoint(0, 0))).y();
-    for (QTextBlock block = editor_->document()->findBlockByLineNumber(y_);
-         block.isValid() && block.blockNumber() < lines_; block = block.next()) {
+    // Start at the editor's own first line in view (which y_ follows), so a
+    // position that is out of date can never send the loop through lines
+    // far above the view.
+    for (QTextBlock block = editor_->firstVisibleParagraph(); block.isValid() && block.blockNumber() < lines_;
+         block = block.next()) {
         const QRectF rect = editor_->paragraphRect(block);
         const int top = offset + qRound(rect.top());
         if (top > area.bottom()) break;

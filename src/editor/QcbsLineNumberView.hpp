@@ -30,8 +30,8 @@ public:
         int line;
         QRect rect;
     };
-    // The numbers of the lines in view, from the editor's line at the stored
-    // content position down to the first line below the margin.
+    // The numbers of the lines in view, from the editor's first line in view
+    // down to the first line below the margin.
     QList<LineNumber> visibleNumbers() const;
 
 public slots:

@@ -138,9 +138,17 @@ void QcbsRichTextEdit::connectOwnSignals() {
     });
     connect(this, &QPlainTextEdit::selectionChanged, this, &QcbsRichTextEdit::selectionHasChanged);
     connect(this, &QPlainTextEdit::textChanged, this, &QcbsRichTextEdit::textHasChanged);
-    const auto reportScroll = [this] { emit contentsMoving(contentsX(), contentsY()); };
+    // Qt moves the scroll bars with their signals blocked when it scrolls to
+    // the cursor, so every viewport update also checks the position.
+    const auto reportScroll = [this] {
+        const QPoint position(contentsX(), contentsY());
+        if (position == reportedContentsPos_) return;
+        reportedContentsPos_ = position;
+        emit contentsMoving(position.x(), position.y());
+    };
     connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, reportScroll);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, reportScroll);
+    connect(this, &QPlainTextEdit::updateRequest, this, reportScroll);
 }
 
 // --- paragraph access -------------------------------------------------------

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPlainTextEdit>
+#include <QPoint>
 #include <QString>
 #include <QTextBlock>
 
@@ -160,4 +161,5 @@ private:
     int errorGate_ = 0;
     int lastCursorParagraph_ = 0;
     bool fullContextMenu_ = false;
+    QPoint reportedContentsPos_;  // last position sent with contentsMoving
 };

@@ -81,6 +81,19 @@ TEST(QcbsLineNumberedTextEdit, NumbersStandBesideTheLinesInViewOnly) {
     }
 }
 
+TEST(QcbsLineNumberedTextEdit, MarginFollowsJumpsToDistantLines) {
+    Shown shown(3000);
+    shown.edit()->gotoLine(2500, QString(), true);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown.margin()->contentsY(), shown.edit()->contentsY());
+    EXPECT_GT(shown.margin()->contentsY(), 2000);
+    const auto numbers = shown.margin()->visibleNumbers();
+    ASSERT_FALSE(numbers.isEmpty());
+    EXPECT_EQ(numbers.first().line, shown.edit()->contentsY() + 1);
+    EXPECT_LE(numbers.first().line, 2500);
+    EXPECT_GE(numbers.last().line, 2500);
+}
+
 TEST(QcbsLineNumberedTextEdit, HiddenMarginShowsTheLinesInViewWhenShownAgain) {
     Shown shown(800);
     shown.widget.setShowLineNumbers(false);
