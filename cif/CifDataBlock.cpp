@@ -318,11 +318,11 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
         for (std::size_t i = 0; i < loop.size(); ++i) {
             if (is_moved(loop[i])) slots.push_back(i);
         }
-        std::size_t next = 0;
+        ItemList members;
         for (const THandle<CifDataItem>& item : moved) {
-            if (next < slots.size() && std::find(loop.begin(), loop.end(), item) != loop.end())
-                loop[slots[next++]] = item;
+            if (std::find(loop.begin(), loop.end(), item) != loop.end()) members.push_back(item);
         }
+        for (std::size_t i = 0; i < slots.size(); ++i) loop[slots[i]] = members[i];
     }
 
     std::size_t position = 0;

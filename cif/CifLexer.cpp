@@ -318,6 +318,7 @@ void CifLexer::scan_compound(CifToken& token) {
         bool expecting_key = overflow == 0 && state == 'k';
         if (overflow == 0 && state == 'v') state = 'k';
         CifToken element;
+        element.line = line_;
         if (c == '[' || c == '{') {
             if (expecting_key) errors_.add(CifError::table_key_not_quoted, line_, std::string(1, c));
             ++p_;
@@ -335,8 +336,10 @@ void CifLexer::scan_compound(CifToken& token) {
                     ++p_;
                     state = 'v';
                 } else {
+                    // Read on as if the colon were there.
                     errors_.add(CifError::table_key_not_quoted, element.line,
                                 excerpt(element.begin, element.length));
+                    state = 'v';
                 }
             }
             continue;
