@@ -68,7 +68,7 @@ constexpr CifErrorCatalogueEntry table[] = {
      "The data name is not defined by any enabled dictionary; it may be misspelt, or it is local to a "
      "program."},
     {321, 2, "block_name_too_long", "Data block name %1 is longer than %2 characters",
-     "CIF 1.1 limits block names, including data_, to 75 characters."},
+     "CIF 1.1 limits block codes (the name after data_) to 75 characters."},
     {322, 2, "block_without_name", "Data block heading data_ has no name",
      "A data_ heading must be followed directly by the block's name; the block is read with an empty name."},
     {323, 1, "no_data_blocks", "The file holds no data block",

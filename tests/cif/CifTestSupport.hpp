@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,5 +49,44 @@ public:
 private:
     std::vector<std::string> names_;
 };
+
+}  // namespace cif_test
+
+namespace cif_test {
+
+// Whether two documents hold the same blocks, items, loops and values
+// (an item without values counts as one "?", as the printer writes it).
+inline ::testing::AssertionResult same_document(const Cif& a, const Cif& b) {
+    if (a.blocks().size() != b.blocks().size()) return ::testing::AssertionFailure() << "block count differs";
+    for (std::size_t i = 0; i < a.blocks().size(); ++i) {
+        const CifDataBlock& x = *a.blocks()[i];
+        const CifDataBlock& y = *b.blocks()[i];
+        if (x.name() != y.name()) return ::testing::AssertionFailure() << "block name " << x.name();
+        if (x.item_count() != y.item_count())
+            return ::testing::AssertionFailure() << "item count in " << x.name();
+        for (auto it = x.begin_write_order(); it != x.end_write_order(); ++it) {
+            const CifDataItem& item = **it;
+            THandle<CifDataItem> other = y.find(item.name());
+            if (other.is_null()) return ::testing::AssertionFailure() << "missing " << item.name();
+            if (item.is_looped() != other->is_looped())
+                return ::testing::AssertionFailure() << "looped " << item.name();
+            if (!item.has_value()) {
+                if (other->size() != 1 || other->value() != "?")
+                    return ::testing::AssertionFailure() << item.name();
+                continue;
+            }
+            if (item.size() != other->size())
+                return ::testing::AssertionFailure() << "size of " << item.name();
+            for (std::size_t n = 0; n < item.size(); ++n) {
+                if (item.value_view(n) != other->value_view(n)) {
+                    return ::testing::AssertionFailure()
+                           << item.name() << "[" << n << "]: '" << item.value_view(n) << "' became '"
+                           << other->value_view(n) << "'";
+                }
+            }
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
 
 }  // namespace cif_test
