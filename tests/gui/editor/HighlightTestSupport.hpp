@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cctype>
 #include <initializer_list>
@@ -47,4 +49,83 @@ std::string styleLetters(const Styles& styles) {
     std::string letters;
     for (const auto style : styles) letters.push_back(styleLetter(style));
     return letters;
+}
+
+#include <QString>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
+
+// The style letters of a block as its layout's formats show them; '.' where
+// no format applies, '?' for a format that is no style's.
+inline std::string blockLetters(const QTextBlock& block, const QcbsFontStyleSettings& settings) {
+    std::string letters(static_cast<std::size_t>(block.length() - 1), '.');
+    if (block.layout() == nullptr) return letters;
+    for (const QTextLayout::FormatRange& range : block.layout()->formats()) {
+        char letter = '?';
+        for (int style = 0; QcbsFontStyleSettings::validSyntaxStyle(style); ++style) {
+            const auto syntaxStyle = static_cast<QcbsFontStyleSettings::SyntaxStyle>(style);
+            if (settings.textFormat(syntaxStyle) == range.format) letter = styleLetter(syntaxStyle);
+        }
+        for (int i = range.start; i < range.start + range.length && i < static_cast<int>(letters.size());
+             ++i) {
+            letters[static_cast<std::size_t>(i)] = letter;
+        }
+    }
+    return letters;
+}
+
+// Every block's letters and state, one line per block. The blank that ends
+// a data name keeps the style of whichever line was highlighted before, so
+// when lines were highlighted in another order (edits, slices next to
+// loading) blanks can be left out of the comparison, shown as '_'.
+enum class Blanks { Compared, Ignored };
+inline std::string documentLetters(const QTextDocument& document, const QcbsFontStyleSettings& settings,
+                                   Blanks blanks = Blanks::Compared) {
+    std::string text;
+    for (QTextBlock block = document.firstBlock(); block.isValid(); block = block.next()) {
+        std::string letters = blockLetters(block, settings);
+        if (blanks == Blanks::Ignored) {
+            const QString line = block.text();
+            for (int i = 0; i < line.size() && i < static_cast<int>(letters.size()); ++i) {
+                if (line[i] == u' ' || line[i] == u'\t') letters[static_cast<std::size_t>(i)] = '_';
+            }
+        }
+        text += letters + " " + std::to_string(block.userState()) + "\n";
+    }
+    return text;
+}
+
+// A CIF text of `repeats` times twelve lines, with quoted strings and text
+// fields that run over several lines and markup carried inside a field.
+inline QString sampleCif(int repeats) {
+    QString text;
+    for (int i = 0; i < repeats; ++i) {
+        const QString n = QString::number(i);
+        text += "data_block" + n + "\n_cell_length_a 1" + n + ".5(2)\n_title 'unterminated " + n +
+                "\nstill quoted' _custom_name\nloop_\n_a _b # two\n" + n + " 'x y'\n;\ntext x^2 carried " +
+                n + "\n^ end \\a\n;\n_atom_site_label C" + n + "\n";
+    }
+    return text;
+}
+
+// Compares two documentLetters() texts and names the first line that differs.
+inline ::testing::AssertionResult sameHighlighting(const std::string& actual, const std::string& expected) {
+    if (actual == expected) return ::testing::AssertionSuccess();
+    std::size_t start = 0;
+    int line = 0;
+    while (true) {
+        const std::size_t endActual = actual.find('\n', start);
+        const std::size_t endExpected = expected.find('\n', start);
+        const std::string a =
+            actual.substr(start, endActual == std::string::npos ? std::string::npos : endActual - start);
+        const std::string e = expected.substr(
+            start, endExpected == std::string::npos ? std::string::npos : endExpected - start);
+        if (a != e || endActual == std::string::npos || endExpected == std::string::npos) {
+            return ::testing::AssertionFailure()
+                   << "line " << line << ": got \"" << a << "\", expected \"" << e << "\"";
+        }
+        start = endActual + 1;
+        ++line;
+    }
 }

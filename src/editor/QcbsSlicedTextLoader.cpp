@@ -1,0 +1,80 @@
+#include "editor/QcbsSlicedTextLoader.hpp"
+
+#include <QElapsedTimer>
+#include <QPlainTextEdit>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <algorithm>
+
+namespace {
+
+constexpr int kFirstSliceLines = 2000;  // enough to fill a screen, quick to insert
+constexpr int kMinimumSliceLines = 200;
+constexpr int kMaximumSliceLines = 200000;
+
+}  // namespace
+
+QcbsSlicedTextLoader::QcbsSlicedTextLoader(QPlainTextEdit* editor) : QObject(editor), editor_(editor) {
+    timer_.setSingleShot(true);
+    timer_.setInterval(0);
+    connect(&timer_, &QTimer::timeout, this, &QcbsSlicedTextLoader::insertSlice);
+}
+
+void QcbsSlicedTextLoader::load(const QString& text) {
+    if (editor_.isNull()) return;
+    QTextDocument* document = editor_->document();
+    if (!loading_) {
+        wasReadOnly_ = editor_->isReadOnly();
+        undoWasEnabled_ = document->isUndoRedoEnabled();
+    }
+    loading_ = true;
+    timer_.stop();
+    editor_->setReadOnly(true);
+    document->setUndoRedoEnabled(false);
+    editor_->setPlainText(QString());
+    text_ = text;
+    next_ = 0;
+    linesPerSlice_ = kFirstSliceLines;
+    insertSlice();
+}
+
+void QcbsSlicedTextLoader::insertSlice() {
+    if (editor_.isNull()) {
+        loading_ = false;
+        return;
+    }
+    QElapsedTimer clock;
+    clock.start();
+    // A slice ends just after a line end, so the next one starts a new line.
+    qsizetype end = next_;
+    int lines = 0;
+    while (lines < linesPerSlice_ && end < text_.size()) {
+        const qsizetype lineEnd = text_.indexOf(u'\n', end);
+        end = lineEnd < 0 ? text_.size() : lineEnd + 1;
+        ++lines;
+    }
+    QTextCursor cursor(editor_->document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.insertText(QStringView(text_).mid(next_, end - next_).toString());
+    next_ = end;
+
+    if (next_ >= text_.size()) {
+        finish();
+        return;
+    }
+    // Aim the next slice at the budget from the pace of this one.
+    const qint64 elapsed = std::max<qint64>(clock.elapsed(), 1);
+    const qint64 aimed = static_cast<qint64>(lines) * budget_ / elapsed;
+    linesPerSlice_ = static_cast<int>(std::clamp<qint64>(aimed, kMinimumSliceLines, kMaximumSliceLines));
+    timer_.start();
+}
+
+void QcbsSlicedTextLoader::finish() {
+    loading_ = false;
+    text_.clear();
+    QTextDocument* document = editor_->document();
+    document->setUndoRedoEnabled(undoWasEnabled_);
+    document->setModified(false);
+    editor_->setReadOnly(wasReadOnly_);
+    emit finished();
+}
