@@ -25,10 +25,7 @@ CifDataBlock::CifDataBlock(THandle<CifDictionary> dictionary, const std::string&
 
 void CifDataBlock::set_name(const std::string& name) { name_ = cif_block_code(name); }
 
-THandle<CifDataItem> CifDataBlock::find(const std::string& tag) const {
-    auto found = index_.find(cif_lowercase(tag));
-    return found == index_.end() ? THandle<CifDataItem>() : found->second;
-}
+THandle<CifDataItem> CifDataBlock::find(const std::string& tag) const { return lookup(tag); }
 
 THandle<CifDataItem> CifDataBlock::obtain(const std::string& tag) {
     THandle<CifDataItem> item = find(tag);
@@ -61,10 +58,9 @@ void CifDataBlock::set_value(const std::string& tag, const std::string& value) {
 }
 
 void CifDataBlock::remove(const std::string& tag) {
-    auto found = index_.find(cif_lowercase(tag));
-    if (found == index_.end()) return;
-    THandle<CifDataItem> item = found->second;
-    index_.erase(found);
+    THandle<CifDataItem> item = lookup(tag);
+    if (item.is_null()) return;
+    if (indexed_) index_.erase(std::string_view(item->name()));
     if (item->is_looped()) take_out_of_loop(item);
     order_.erase(std::find(order_.begin(), order_.end(), item));
 }
@@ -76,8 +72,9 @@ void CifDataBlock::remove(const std::vector<std::string>& tags) {
 bool CifDataBlock::has_item_with_category(const std::string& category) const {
     std::string prefix = cif_lowercase(category);
     if (prefix.empty() || prefix[0] != '_') prefix.insert(prefix.begin(), '_');
-    for (const auto& [name, item] : index_) {
-        if (name.compare(0, prefix.size(), prefix) != 0) continue;
+    for (const THandle<CifDataItem>& item : order_) {
+        const std::string& name = item->name();
+        if (!cif_istarts_with(name, prefix)) continue;
         if (name.size() == prefix.size() || name[prefix.size()] == '_' || name[prefix.size()] == '.')
             return true;
     }
@@ -239,6 +236,7 @@ void CifDataBlock::copy(const CifDataBlock& other) {
     end_line_ = other.end_line_;
     order_.clear();
     index_.clear();
+    indexed_ = false;
     loops_.clear();
     frames_.clear();
     std::unordered_map<const CifDataItem*, THandle<CifDataItem>> copies;
@@ -247,8 +245,8 @@ void CifDataBlock::copy(const CifDataBlock& other) {
         copy->set_looped(item->is_looped());
         copies[item.get()] = copy;
         order_.push_back(copy);
-        index_[cif_lowercase(copy->name())] = copy;
     }
+    if (order_.size() > small_block) build_index();
     for (const ItemList& loop : other.loops_) {
         ItemList columns;
         for (const THandle<CifDataItem>& item : loop) columns.push_back(copies[item.get()]);
@@ -282,7 +280,10 @@ void CifDataBlock::merge(const CifDataBlock& other, OverwriteMode mode) {
             THandle<CifDataItem> copy = adopt(*item);
             if (mine->is_looped()) take_out_of_loop(mine);
             *std::find(order_.begin(), order_.end(), mine) = copy;
-            index_[cif_lowercase(copy->name())] = copy;
+            if (indexed_) {
+                index_.erase(std::string_view(mine->name()));
+                index_.emplace(copy->name(), copy);
+            }
         } else if (mode == fill_unknown && !mine->is_looped() &&
                    (!mine->has_value() || is_unknown(mine->value_view(0), mine->is_quoted(0)))) {
             mine->clear_values();
@@ -349,11 +350,32 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
 }
 
 bool CifDataBlock::add_item(THandle<CifDataItem> item) {
-    std::string key = cif_lowercase(item->name());
-    if (index_.count(key) != 0) return false;
-    index_.emplace(std::move(key), item);
+    if (!lookup(item->name()).is_null()) return false;
     order_.push_back(item);
+    if (indexed_) {
+        index_.emplace(item->name(), item);
+    } else if (order_.size() > small_block) {
+        build_index();
+    }
     return true;
+}
+
+THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
+    if (indexed_) {
+        auto found = index_.find(tag);
+        return found == index_.end() ? THandle<CifDataItem>() : found->second;
+    }
+    for (const THandle<CifDataItem>& item : order_) {
+        if (cif_iequals(item->name(), tag)) return item;
+    }
+    return THandle<CifDataItem>();
+}
+
+void CifDataBlock::build_index() {
+    index_.clear();
+    index_.reserve(order_.size() * 2);
+    for (const THandle<CifDataItem>& item : order_) index_.emplace(item->name(), item);
+    indexed_ = true;
 }
 
 bool CifDataBlock::add_loop(const ItemList& columns) {

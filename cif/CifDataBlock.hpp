@@ -3,12 +3,14 @@
 #include <cstddef>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "cif/CifCommentable.hpp"
 #include "cif/CifDataItem.hpp"
 #include "cif/CifDictionary.hpp"
+#include "cif/CifNames.hpp"
 #include "cif/CifTextStore.hpp"
 #include "cif/CifWriteSettings.hpp"
 #include "support/THandle.hpp"
@@ -111,6 +113,8 @@ public:
     void print_frame(std::ostream& stream, const CifWriteSettings& settings) const;
 
 private:
+    THandle<CifDataItem> lookup(std::string_view tag) const;
+    void build_index();
     THandle<CifDataItem> adopt(const CifDataItem& item) const;
     // The index of the loop holding the item, or -1.
     int loop_of(const CifDataItem* item) const;
@@ -127,7 +131,11 @@ private:
     int last_line_;
     int end_line_;
     ItemList order_;
-    std::unordered_map<std::string, THandle<CifDataItem>> index_;  // lower-case data name
+    // Keyed by views of the items' own names, compared without regard to
+    // case; built once a block holds more than a few items.
+    static constexpr std::size_t small_block = 8;
+    std::unordered_map<std::string_view, THandle<CifDataItem>, CifNameHash, CifNameEqual> index_;
+    bool indexed_ = false;
     std::vector<ItemList> loops_;
     std::vector<THandle<CifDataBlock>> frames_;
 };

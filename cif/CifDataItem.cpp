@@ -1,14 +1,16 @@
 #include "cif/CifDataItem.hpp"
 
+#include <utility>
+
 namespace {
 
 const std::string unknown_value = "?";
 
 }  // namespace
 
-CifDataItem::CifDataItem(const std::string& name, THandle<CifTextStore> store,
-                         THandle<CifDictionary> dictionary, int line)
-    : name_(name),
+CifDataItem::CifDataItem(std::string name, THandle<CifTextStore> store, THandle<CifDictionary> dictionary,
+                         int line)
+    : name_(std::move(name)),
       store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
       dictionary_(dictionary),
       line_(line) {}

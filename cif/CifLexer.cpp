@@ -20,6 +20,19 @@ struct WordEnds {
 };
 constexpr WordEnds word_ends;
 
+// First bytes that read_plain_values leaves to next(): anything that is not
+// a plain unquoted value, or that may begin a reserved word.
+struct PlainStarts {
+    bool other[256] = {};
+    constexpr PlainStarts() {
+        for (unsigned char c : {'#', '_', '\'', '"', ';', '$', '[', ']', '{', '}', '\0', 'd', 'D', 's', 'S',
+                                'l', 'L', 'g', 'G'}) {
+            other[c] = true;
+        }
+    }
+};
+constexpr PlainStarts plain_starts;
+
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
 std::string excerpt(const char* begin, std::size_t length) {
@@ -95,6 +108,43 @@ CifToken CifLexer::next() {
         last_end_line_ = line_;
         return token;
     }
+}
+
+std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::size_t width,
+                                        std::size_t& column) {
+    const bool* ends = version_ >= 2 ? word_ends.cif2 : word_ends.cif1;
+    std::size_t limit = settings_.max_token_size < CifValueRef::length_mask ? settings_.max_token_size
+                                                                            : CifValueRef::length_mask;
+    const char* p = p_;
+    int line = line_;
+    std::size_t count = 0;
+    for (;;) {
+        char c = *p;
+        while (c == ' ' || c == '\t' || c == '\n') {
+            if (c == '\n') ++line;
+            c = *++p;
+        }
+        if (p >= end_ || plain_starts.other[static_cast<unsigned char>(c)]) break;
+        const char* start = p;
+        while (!ends[static_cast<unsigned char>(*p)]) ++p;
+        std::size_t length = static_cast<std::size_t>(p - start);
+        // NULs, brackets after a word and oversized words take the slow path.
+        if ((p < end_ && (*p == '\0' || *p == '[' || *p == ']' || *p == '{' || *p == '}')) ||
+            length > limit) {
+            p = start;
+            break;
+        }
+        CifValueRef ref;
+        ref.offset = static_cast<std::uint32_t>(start - begin_);
+        ref.bits = static_cast<std::uint32_t>(length);
+        columns[column]->push_back(ref);
+        if (++column == width) column = 0;
+        ++count;
+        last_end_line_ = line;
+    }
+    p_ = p;
+    line_ = line;
+    return count;
 }
 
 void CifLexer::scan_unquoted(CifToken& token, bool in_compound) {

@@ -7,6 +7,7 @@
 #include "cif/CifErrorSink.hpp"
 #include "cif/CifParserSettings.hpp"
 #include "cif/CifToken.hpp"
+#include "cif/CifValueColumn.hpp"
 
 // Splits CIF text (line ends already LF, and a NUL byte at end, as in a
 // std::string) into tokens in one pass, with the
@@ -20,6 +21,12 @@ public:
              const CifParserSettings& settings, CifErrorSink& errors);
 
     CifToken next();
+
+    // Reads plain unquoted values straight into the columns, row by row from
+    // `column` on, while they come; stops before anything else (a quoted
+    // value, a name, a comment, a word that may be reserved), which next()
+    // then returns. The fast path for the rows of large loops.
+    std::size_t read_plain_values(CifValueColumn* const* columns, std::size_t width, std::size_t& column);
 
     // Comments met since the reader last took them, in text order.
     std::vector<CifComment>& comments() { return comments_; }

@@ -30,3 +30,17 @@ inline std::string cif_block_code(std::string_view name) {
     if (cif_istarts_with(name, "data_")) name.remove_prefix(5);
     return std::string(name);
 }
+
+// Hashing and comparing names without regard to case, for indexes keyed by
+// views of the names themselves.
+struct CifNameHash {
+    std::size_t operator()(std::string_view name) const noexcept {
+        std::size_t hash = 14695981039346656037ull;
+        for (char c : name) hash = (hash ^ static_cast<unsigned char>(cif_lower(c))) * 1099511628211ull;
+        return hash;
+    }
+};
+
+struct CifNameEqual {
+    bool operator()(std::string_view a, std::string_view b) const noexcept { return cif_iequals(a, b); }
+};

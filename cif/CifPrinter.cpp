@@ -59,6 +59,13 @@ bool can_triple_quote(std::string_view value, char quote) {
     return value.find(triple) == std::string_view::npos && (value.empty() || value.back() != quote);
 }
 
+std::string delimited(std::string_view value, std::string_view quote) {
+    std::string text;
+    text.reserve(value.size() + 2 * quote.size());
+    text.append(quote).append(value).append(quote);
+    return text;
+}
+
 std::string comment_line(std::string_view line) {
     if (!line.empty() && line[0] == '#') return std::string(line);
     return "# " + std::string(line);
@@ -96,13 +103,13 @@ std::string CifPrinter::format(std::string_view value, Form form) {
         case Form::verbatim:
             return std::string(value);
         case Form::single_quoted:
-            return "'" + std::string(value) + "'";
+            return delimited(value, "'");
         case Form::double_quoted:
-            return "\"" + std::string(value) + "\"";
+            return delimited(value, "\"");
         case Form::triple_single:
-            return "'''" + std::string(value) + "'''";
+            return delimited(value, "'''");
         case Form::triple_double:
-            return "\"\"\"" + std::string(value) + "\"\"\"";
+            return delimited(value, "\"\"\"");
         case Form::text_field:
             break;
     }

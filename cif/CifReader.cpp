@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "cif/Cif.hpp"
 #include "cif/CifNames.hpp"
@@ -261,24 +262,24 @@ CifToken CifReader::on_name(const CifToken& token) {
     if (block == nullptr) return skip_outside_block(token);
     std::string name(token.begin, token.length);
     check_name(name, token.line, false);
-    THandle<CifDataItem> item(new CifDataItem(name, store_, cif_.dictionary_, token.line));
+    THandle<CifDataItem> item(new CifDataItem(std::move(name), store_, cif_.dictionary_, token.line));
     take_comments(item.get());
     CifToken value = next();
     bool has_value = value.kind == CifToken::value;
     if (has_value) {
         item->values().push_back(reference(value));
     } else {
-        errors_.add(CifError::data_name_without_value, token.line, name);
+        errors_.add(CifError::data_name_without_value, token.line, item->name());
     }
-    THandle<CifDataItem> existing = block->find(name);
-    if (!existing.is_null()) {
-        errors_.add(CifError::duplicate_data_name, token.line, name, std::to_string(existing->line()));
-        last_item_ = THandle<CifDataItem>();
-    } else {
-        block->add_item(item);
-        check_defined(name, token.line);
+    if (block->add_item(item)) {
+        check_defined(item->name(), token.line);
         last_item_ = item;
         last_item_line_ = lexer_->last_end_line();
+    } else {
+        THandle<CifDataItem> existing = block->find(item->name());
+        errors_.add(CifError::duplicate_data_name, token.line, item->name(),
+                    std::to_string(existing->line()));
+        last_item_ = THandle<CifDataItem>();
     }
     if (!has_value) return value;
     CifToken after = next();
@@ -309,7 +310,7 @@ CifToken CifReader::on_loop(const CifToken& token) {
     while (t.kind == CifToken::name) {
         std::string name(t.begin, t.length);
         check_name(name, t.line, false);
-        THandle<CifDataItem> item(new CifDataItem(name, store_, cif_.dictionary_, t.line));
+        THandle<CifDataItem> item(new CifDataItem(std::move(name), store_, cif_.dictionary_, t.line));
         if (columns.empty()) item->append_comments(loop_comments);
         take_comments(item.get());
         columns.push_back(item);
@@ -327,10 +328,12 @@ CifToken CifReader::on_loop(const CifToken& token) {
     const std::size_t width = targets.size();
     std::size_t column = 0;
     std::size_t count = 0;
-    while (t.kind == CifToken::value) {
+    for (;;) {
+        if (t.kind != CifToken::value) break;
         targets[column]->push_back(reference(t));
         if (++column == width) column = 0;
         ++count;
+        count += lexer_->read_plain_values(targets.data(), width, column);
         t = next();
     }
     int last_value_line = previous_end_;

@@ -132,7 +132,8 @@ void CifTextCheck::check_utf8(const char* begin, const char* end, int line) {
             std::string bytes;
             for (int i = 0; i < 4 && p + i < stop; ++i) {
                 if (i > 0 && (p[i] & 0xC0) != 0x80) break;
-                bytes += (i > 0 ? " " : "") + byte_text(p[i]);
+                if (i > 0) bytes += ' ';
+                bytes += byte_text(p[i]);
             }
             errors_.add(CifError::invalid_utf8, line, std::string(), bytes);
             return;

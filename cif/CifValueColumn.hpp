@@ -1,30 +1,43 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "cif/CifValueRef.hpp"
 
-// The values of one data item. Kept in chunks of fixed size so that a
-// column of millions of values never needs one huge block nor a copy of
-// itself while it grows; small columns take a single small vector.
+// The values of one data item. A single value is kept in the object
+// itself; longer columns in chunks of fixed size, so that a column of
+// millions of values never needs one huge block nor a copy of itself while
+// it grows (the first chunk grows by doubling up to the chunk size).
 class CifValueColumn {
 public:
     static constexpr std::size_t chunk_bits = 16;
     static constexpr std::size_t chunk_size = std::size_t(1) << chunk_bits;
 
+    CifValueColumn() = default;
+    CifValueColumn(const CifValueColumn& other);
+    CifValueColumn& operator=(const CifValueColumn& other);
+    CifValueColumn(CifValueColumn&& other) noexcept;
+    CifValueColumn& operator=(CifValueColumn&& other) noexcept;
+
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
 
     const CifValueRef& operator[](std::size_t n) const {
-        return chunks_[n >> chunk_bits][n & (chunk_size - 1)];
+        return chunks_.empty() ? single_ : chunks_[n >> chunk_bits][n & (chunk_size - 1)];
     }
-    CifValueRef& operator[](std::size_t n) { return chunks_[n >> chunk_bits][n & (chunk_size - 1)]; }
+    CifValueRef& operator[](std::size_t n) {
+        return chunks_.empty() ? single_ : chunks_[n >> chunk_bits][n & (chunk_size - 1)];
+    }
 
     void push_back(CifValueRef ref) {
-        if (chunks_.empty() || chunks_.back().size() == chunk_size) add_chunk();
-        chunks_.back().push_back(ref);
-        ++size_;
+        if (next_ != limit_) {
+            *next_++ = ref;
+            ++size_;
+        } else {
+            grow_and_push(ref);
+        }
     }
 
     void insert(std::size_t n, CifValueRef ref);
@@ -33,8 +46,12 @@ public:
     void clear();
 
 private:
-    void add_chunk();
+    void grow_and_push(CifValueRef ref);
 
-    std::vector<std::vector<CifValueRef>> chunks_;
+    std::vector<std::unique_ptr<CifValueRef[]>> chunks_;
+    CifValueRef single_;
+    CifValueRef* next_ = nullptr;   // the free slot of the last chunk
+    CifValueRef* limit_ = nullptr;  // the end of the last chunk
     std::size_t size_ = 0;
+    std::size_t first_capacity_ = 0;
 };
