@@ -16,6 +16,8 @@
 #include <vector>
 
 #include "editor/QcbsFontStyleSettings.hpp"
+#include "editor/QcbsSlicedTextLoader.hpp"
+#include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 #include "editor/QcbsUnicode.hpp"
 #include "resources/QcbsXpmResource.hpp"
 #include "support/comment.hpp"
@@ -112,7 +114,7 @@ QcbsRichTextEdit::QcbsRichTextEdit(THandle<CifDictionary> dictionary, THandle<Qc
 QcbsRichTextEdit::~QcbsRichTextEdit() = default;
 
 void QcbsRichTextEdit::initialise(THandle<CifDictionary> dictionary, THandle<QcbsFontStyleSettings> styles) {
-    (void)dictionary;
+    const bool sameStyles = styles_.get() == styles.get();
     styles_ = styles;
     if (styles_) setFont(styles_->editorFont());
 
@@ -125,6 +127,17 @@ void QcbsRichTextEdit::initialise(THandle<CifDictionary> dictionary, THandle<Qcb
     setPalette(colours);
 
     setWrapPolicyAndScrollBar();
+
+    // The highlighter is made while the document is still empty, so that it
+    // highlights whatever comes in a slice at a time. A repeated call keeps
+    // the highlighter where it can, since replacing it on a big text would
+    // highlight the whole text in one pass.
+    if (highlighter_ != nullptr && sameStyles) {
+        setDictionary(dictionary);
+    } else if (styles_) {
+        delete highlighter_;
+        highlighter_ = new QcbsSyntaxHighlighter_CIF(dictionary, styles_, this);
+    }
 
     errorGate_ = 0;
     lastCursorParagraph_ = 0;
@@ -370,13 +383,34 @@ void QcbsRichTextEdit::styleUpdate() {
     const double relativeX =
         horizontal->maximum() > 0 ? double(horizontal->value()) / horizontal->maximum() : 0.0;
     setFont(styles_->editorFont());
+    if (highlighter_ != nullptr) highlighter_->updateStyles();
     refreshText();
     vertical->setValue(qRound(relativeY * vertical->maximum()));
     horizontal->setValue(qRound(relativeX * horizontal->maximum()));
     setWrapPolicyAndScrollBar();
 }
 
-void QcbsRichTextEdit::refreshText() {}
+void QcbsRichTextEdit::refreshText() {
+    if (highlighter_ != nullptr) highlighter_->rehighlightInSlices();
+}
+
+void QcbsRichTextEdit::setDictionary(THandle<CifDictionary> dictionary) {
+    if (highlighter_ == nullptr) return;
+    highlighter_->setDictionary(dictionary);
+    highlighter_->rehighlightInSlices();
+}
+
+// --- loading --------------------------------------------------------------------
+
+void QcbsRichTextEdit::loadText(const QString& text) {
+    if (loader_ == nullptr) {
+        loader_ = new QcbsSlicedTextLoader(this);
+        connect(loader_, &QcbsSlicedTextLoader::finished, this, &QcbsRichTextEdit::textLoaded);
+    }
+    loader_->load(text);
+}
+
+bool QcbsRichTextEdit::isLoading() const { return loader_ != nullptr && loader_->isLoading(); }
 
 // --- commenting -----------------------------------------------------------------
 

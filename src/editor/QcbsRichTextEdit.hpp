@@ -9,6 +9,7 @@
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "support/THandle.hpp"
 
+class QcbsSlicedTextLoader;
 class QcbsSyntaxHighlighter_CIF;
 class QMenu;
 class QMimeData;
@@ -28,8 +29,23 @@ public:
                      QWidget* parent = nullptr, const char* name = nullptr);
     ~QcbsRichTextEdit() override;
 
-    // Font, colours, no wrapping, the highlighter, the full context menu.
+    // Font, colours, no wrapping, the highlighter (which colours the text in
+    // slices of the event loop), the full context menu. Meant to run once,
+    // on an empty editor; a repeat with the same styles only changes the
+    // dictionary.
     void initialise(THandle<CifDictionary> dictionary, THandle<QcbsFontStyleSettings> styles);
+
+    // Replaces the whole text (a document being opened). A big text goes in
+    // a slice at a time from the event loop, so that the window keeps
+    // answering; the first screen appears at once. Until textLoaded() the
+    // editor is read-only and the owner must leave the text alone; then the
+    // text counts as unmodified and has no undo history. Use this, not
+    // setPlainText(), for anything that may be large.
+    void loadText(const QString& text);
+    bool isLoading() const;
+    // Data names are looked up in this dictionary from now on; the text is
+    // highlighted again, in slices.
+    void setDictionary(THandle<CifDictionary> dictionary);
 
     // Paragraph (line) access; paragraphs and indexes count from 0.
     int paragraphs() const { return blockCount(); }
@@ -122,7 +138,8 @@ public slots:
     void copy();
     // Converts the clipboard's text to CIF codes (and leaves it so), then pastes.
     void paste();
-    // Highlights every paragraph again; the modified flag stays.
+    // Highlights every paragraph again, in slices of the event loop; the
+    // text, its undo history and the modified flag stay as they are.
     void refreshText();
 
 signals:
@@ -133,6 +150,8 @@ signals:
     void dropEventRequest(QDropEvent*);
     void clearErrorMarker();
     void intervalChanged();
+    // loadText() has put the whole text in.
+    void textLoaded();
     // The scroll position changed (contentsX(), contentsY()).
     void contentsMoving(int x, int y);
 
@@ -154,6 +173,7 @@ private:
 
     THandle<QcbsFontStyleSettings> styles_;
     QcbsSyntaxHighlighter_CIF* highlighter_ = nullptr;
+    QcbsSlicedTextLoader* loader_ = nullptr;  // made on the first loadText()
     // Entries 1 and 2: the paragraphs marked by error selections 1 and 2.
     int errorSelection_[3] = {-1, -1, -1};
     // 0 while the text is unchanged since the last check, 1 after an edit,
