@@ -2,6 +2,7 @@
 
 #include <QChar>
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 #include "cif/CifCharacters.hpp"
@@ -53,8 +54,15 @@ enum CharacterBits : unsigned char {
     Digit = 2,
     WordPunctuation = 4,  // punctuation that belongs to bare words
     Space = 8,
-    Rejected = 16  // a character the CIF library rejects
+    Rejected = 16,  // a character the CIF library rejects
+    // Characters that need no look at their neighbours in the common states:
+    // they cannot start a comment, data name or string, end a text field,
+    // begin an escape code or markup, or be rejected.
+    PlainWord = 32,       // ASCII letters, digits and word punctuation but ^ ~ and backslash
+    PlainBlank = 64,      // space, tab, carriage return
+    PlainSeparator = 128  // the equals sign
 };
+constexpr unsigned char kPlain = PlainWord | PlainBlank | PlainSeparator;
 
 bool rejected(unsigned char byte) { return is_bad_nonprinting_char(byte) || is_bad_printing_char(byte); }
 
@@ -74,7 +82,21 @@ public:
         for (const char c : std::string_view("!$%&()*+,-./:<>?@[]\\^`{}|~")) {
             bits_[static_cast<unsigned char>(c)] |= WordPunctuation;
         }
+        for (int c = 0; c < 128; ++c) {
+            if ((bits_[c] & (Letter | Digit | WordPunctuation)) && c != '^' && c != '~' && c != '\\') {
+                bits_[c] |= PlainWord;
+            }
+        }
+        bits_[static_cast<unsigned char>(' ')] |= PlainBlank;
+        bits_[static_cast<unsigned char>('\t')] |= PlainBlank;
+        bits_[static_cast<unsigned char>('\r')] |= PlainBlank;
+        bits_[static_cast<unsigned char>('=')] |= PlainSeparator;
+        std::copy(bits_, bits_ + 256, latin1_);
+        std::fill(latin1_ + 256, latin1_ + 65536, 0);
     }
+    // The bits of a Latin-1 character, or 0 for any other; one look-up, no
+    // test, for the loops over plain characters.
+    unsigned char latin1(char16_t c) const { return latin1_[c]; }
     unsigned char operator()(char16_t c) const {
         if (c < 256) return bits_[c];
         unsigned char b = bits_[0] & Rejected;  // the library sees such a character as byte 0
@@ -86,6 +108,7 @@ public:
 
 private:
     unsigned char bits_[256];
+    unsigned char latin1_[65536];
 };
 
 const CharacterTable& characterBits() {
@@ -152,6 +175,32 @@ int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
     unsigned char previousBits = bitsOf(0);
 
     for (int i = 0; i < paragraphLength; ++i) {
+        // Runs of plain characters in the common states are styled in one go.
+        if (fastRuns_ && i < size && (bitsOf.latin1(text[i]) & kPlain) && (i < 1 || text[i - 1] != '\\') &&
+            (i < 2 || text[i - 2] != '\\')) {
+            int end = i;
+            switch (state) {
+                case Normal:
+                    end = normalRun(text, i, size, blankSoFar);
+                    break;
+                case InComment:
+                    end = plainRun(text, i, size, blankSoFar, QcbsFontStyleSettings::Comment);
+                    break;
+                case InQuotedString:
+                    end = plainRun(text, i, size, blankSoFar, QcbsFontStyleSettings::Standard);
+                    break;
+                case InTextField:
+                    end = plainRun(text, i, size, blankSoFar, QcbsFontStyleSettings::String);
+                    break;
+                default:
+                    break;
+            }
+            if (end > i) {
+                previousBits = bitsOf(text[end - 1]);
+                i = end - 1;
+                continue;
+            }
+        }
         const char16_t c = i < size ? text[i] : u' ';
         const unsigned char bits = bitsOf(c);
         const bool afterBlank = blankSoFar || (previousBits & Space) != 0;
@@ -237,14 +286,80 @@ int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
     return packed;
 }
 
+// A run of plain characters in the Normal state: standard text, with bare
+// words checked as they end. Returns where the run ends; the word still open
+// there is left in word_ for the character-by-character path.
+int QcbsCifLineClassifier::normalRun(const char16_t* text, int from, int size, bool& blankSoFar) {
+    const CharacterTable& bitsOf = characterBits();
+    SyntaxStyle* styles = styles_.data();
+    bool blank = blankSoFar;
+    // Words in the Normal state are contiguous, so an open word ends at `from`.
+    int wordStart = word_.empty() ? -1 : from - static_cast<int>(word_.size());
+    int filled = from;  // styles from here to i are to be made Standard
+    int i = from;
+    while (i < size) {
+        const unsigned char bits = bitsOf.latin1(text[i]);
+        if (bits & PlainWord) {
+            if (wordStart < 0) wordStart = i;
+            blank = false;
+            for (++i; i < size && (bitsOf.latin1(text[i]) & PlainWord); ++i) {
+            }
+            continue;
+        }
+        if (!(bits & (PlainBlank | PlainSeparator))) break;
+        // Only data_... and loop_ are styled, so shorter words and words
+        // starting otherwise need no closer look.
+        if (wordStart >= 0 && i - wordStart >= 5 && (text[wordStart] == 'd' || text[wordStart] == 'l')) {
+            std::fill(styles + filled, styles + i + 1, QcbsFontStyleSettings::Standard);
+            filled = i + 1;
+            endWord(std::u16string_view(text + wordStart, static_cast<std::size_t>(i - wordStart)), i);
+        }
+        wordStart = -1;
+        blank = blank && (bits & PlainBlank);
+        for (++i; i < size && (bitsOf.latin1(text[i]) & PlainBlank); ++i) {
+        }
+    }
+    std::fill(styles + filled, styles + i, QcbsFontStyleSettings::Standard);
+    blankSoFar = blank;
+    if (wordStart >= 0) {
+        word_.assign(text + wordStart, text + i);
+    } else {
+        word_.clear();
+    }
+    return i;
+}
+
+// A run of plain characters inside a comment, quoted string or text field:
+// one style throughout.
+int QcbsCifLineClassifier::plainRun(const char16_t* text, int from, int size, bool& blankSoFar,
+                                    SyntaxStyle style) {
+    const CharacterTable& bitsOf = characterBits();
+    SyntaxStyle* styles = styles_.data();
+    bool blank = blankSoFar;
+    int i = from;
+    for (; i < size; ++i) {
+        const unsigned char bits = bitsOf.latin1(text[i]);
+        if (!(bits & kPlain)) break;
+        blank = blank && (bits & PlainBlank);
+        styles[i] = style;
+    }
+    blankSoFar = blank;
+    word_.clear();
+    return i;
+}
+
 void QcbsCifLineClassifier::endWord(int position) {
-    const int length = static_cast<int>(word_.size());
-    if (length > 4 && word_.compare(0, 5, u"data_") == 0) {
+    endWord(word_, position);
+    word_.clear();
+}
+
+void QcbsCifLineClassifier::endWord(std::u16string_view word, int position) {
+    const int length = static_cast<int>(word.size());
+    if (length > 4 && word.compare(0, 5, u"data_") == 0) {
         setStyle(position - length, length, QcbsFontStyleSettings::Type);
-    } else if (isKeyword(word_)) {
+    } else if (isKeyword(QStringView(word.data(), word.size()))) {
         setStyle(position - length, length, QcbsFontStyleSettings::Keyword);
     }
-    word_.clear();
 }
 
 void QcbsCifLineClassifier::endDataName(int position) {

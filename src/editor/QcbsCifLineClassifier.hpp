@@ -2,6 +2,7 @@
 
 #include <QStringView>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "editor/QcbsFontStyleSettings.hpp"
@@ -81,17 +82,26 @@ public:
         }
     }
 
+    // Runs of plain characters (letters, digits, blanks) are classified in
+    // tight loops; turning that off leaves only the character-by-character
+    // path, which tests compare the fast one against.
+    void setFastRuns(bool on) { fastRuns_ = on; }
+
     // Only the exact, case-sensitive word "loop_" is a keyword.
     static bool isKeyword(QStringView word) { return word == u"loop_"; }
 
 private:
+    int normalRun(const char16_t* text, int from, int size, bool& blankSoFar);
+    int plainRun(const char16_t* text, int from, int size, bool& blankSoFar, SyntaxStyle style);
     void endWord(int position);
+    void endWord(std::u16string_view word, int position);
     void endDataName(int position);
     void applyEscapeCodes(const char16_t* text, int position, char16_t c, bool letter);
     void applyMarkup(const char16_t* text, int size, int paragraphLength);
 
     const CifDictionary* dictionary_;
     LineEnd lineEnd_;
+    bool fastRuns_ = true;
     int lineLength_ = 0;
     std::vector<SyntaxStyle> styles_;
     std::u16string word_;  // the bare word or data name being read

@@ -1,0 +1,299 @@
+// Speed of CIF highlighting on two generated files of a million lines: a
+// reflection loop and a text-heavy file.
+//
+// 1. Classification alone (QcbsCifLineClassifier over every line, runs
+//    included) in MB/s, next to the CIF library's reader on the same text.
+// 2. A QPlainTextEdit holding the file, three ways: setPlainText without a
+//    highlighter (the floor), setPlainText with the highlighter attached the
+//    way QSyntaxHighlighter works by itself, and the editor's way (scheduler
+//    and sliced loader). For each: the time until the first paint, the
+//    longest stall of the event loop until the whole file is in and
+//    highlighted (a 1 ms heartbeat timer measures it), and that total time.
+//
+//   highlight_bench [--lines N] [--runs N] [--classification-only]
+//
+// Runs on the offscreen platform unless QT_QPA_PLATFORM says otherwise.
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QPlainTextEdit>
+#include <QTimer>
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "cif/Cif.hpp"
+#include "editor/QcbsCifLineClassifier.hpp"
+#include "editor/QcbsHighlightScheduler.hpp"
+#include "editor/QcbsSlicedTextLoader.hpp"
+#include "editor/QcbsSyntaxHighlighter_CIF.hpp"
+
+namespace {
+
+// --- the files -------------------------------------------------------------
+
+class Random {
+public:
+    unsigned next() {
+        state_ = state_ * 6364136223846793005ULL + 1442695040888963407ULL;
+        return static_cast<unsigned>(state_ >> 33);
+    }
+    int between(int low, int high) { return low + static_cast<int>(next() % unsigned(high - low + 1)); }
+    double unit() { return next() / 2147483648.0; }
+
+private:
+    unsigned long long state_ = 42;
+};
+
+std::string reflectionLoop(int lines) {
+    Random random;
+    std::string text =
+        "data_big\n_cell_length_a 10.123(2)\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n"
+        "_refln_F_squared_calc\n_refln_F_squared_meas\n_refln_F_squared_sigma\n_refln_status\n"
+        "_refln_scale_group_code\n";
+    char row[128];
+    for (int i = 12; i < lines; ++i) {
+        std::snprintf(row, sizeof row, "%4d %4d %4d %13.4f %13.4f %11.4f o %6.3f\n", random.between(-40, 40),
+                      random.between(-40, 40), random.between(-40, 40), random.unit() * 1e5,
+                      random.unit() * 1e5, random.unit() * 100, random.unit());
+        text += row;
+    }
+    return text;
+}
+
+std::string textHeavy(int lines) {
+    Random random;
+    std::string text;
+    char buffer[160];
+    for (int record = 0; lines > 0; ++record) {
+        std::snprintf(buffer, sizeof buffer,
+                      "data_entry%d\n_publ_section_title\n;\nCrystal structure of tris(2,2'-bipyridine)"
+                      "ruthenium(II) entry %d at 100 K,\n",
+                      record, record);
+        text += buffer;
+        text +=
+            "measured with Cu K\\a radiation; R~int~ = 0.031 and \\q~max~ = 27.5\\%.\n"
+            "The rings show \\p-stacking at 3.5 \\%A; see Fig. 2 and the CIF's comments.\n;\n"
+            "_journal_name_full 'Acta Crystallographica Section E'\n"
+            "_chemical_formula_moiety 'C30 H24 N6 Ru, 2(Cl O4)'\n"
+            "# refinement details follow, in the publication's words\n";
+        std::snprintf(buffer, sizeof buffer,
+                      "_refine_ls_R_factor_all %.4f\nloop_\n_atom_site_label\n_atom_site_type_symbol\n"
+                      "_atom_site_fract_x\n_atom_site_fract_y\n_atom_site_fract_z\n",
+                      random.unit() * 0.1);
+        text += buffer;
+        for (int atom = 0; atom < 4; ++atom) {
+            std::snprintf(buffer, sizeof buffer, "C%d C %.5f(%d) %.5f(%d) %.5f(%d)\n", atom + 1,
+                          random.unit(), random.between(1, 9), random.unit(), random.between(1, 9),
+                          random.unit(), random.between(1, 9));
+            text += buffer;
+        }
+        lines -= 21;  // the lines of one record
+    }
+    return text;
+}
+
+// A dictionary of the names the files use, asked as a real one is: without
+// regard to case.
+class BenchDictionary : public CifDictionary {
+public:
+    BenchDictionary() {
+        for (const char* name :
+             {"_cell_length_a", "_refln_index_h", "_refln_index_k", "_refln_index_l", "_refln_f_squared_calc",
+              "_refln_f_squared_meas", "_refln_f_squared_sigma", "_refln_status", "_publ_section_title",
+              "_journal_name_full", "_chemical_formula_moiety", "_refine_ls_r_factor_all", "_atom_site_label",
+              "_atom_site_type_symbol", "_atom_site_fract_x", "_atom_site_fract_y", "_atom_site_fract_z"}) {
+            names_.insert(name);
+        }
+    }
+    bool is_defined(const std::string& name) const override {
+        std::string lower(name);
+        std::transform(lower.begin(), lower.end(), lower.begin(),
+                       [](unsigned char c) { return std::tolower(c); });
+        return names_.count(lower) != 0;
+    }
+
+private:
+    std::unordered_set<std::string> names_;
+};
+
+// --- 1. classification against the reader ----------------------------------
+
+double megabytes(std::size_t bytes) { return bytes / 1e6; }
+
+template <class Work>
+double bestSeconds(int runs, Work&& work) {
+    double best = 1e30;
+    for (int run = 0; run < runs; ++run) {
+        QElapsedTimer clock;
+        clock.start();
+        work();
+        best = std::min(best, clock.nsecsElapsed() / 1e9);
+    }
+    return best;
+}
+
+void compareWithReader(const char* name, const std::string& bytes, int runs) {
+    const QString text = QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    BenchDictionary dictionary;
+    long long runsSeen = 0;
+    const double classify = bestSeconds(runs, [&] {
+        QcbsCifLineClassifier classifier(&dictionary);
+        int state = -1;
+        const QStringView all(text);
+        qsizetype start = 0;
+        while (start <= all.size()) {
+            qsizetype end = all.indexOf(u'\n', start);
+            if (end < 0) end = all.size();
+            state = classifier.classify(all.mid(start, end - start), state);
+            classifier.forEachRun([&](int, int, QcbsFontStyleSettings::SyntaxStyle) { ++runsSeen; });
+            start = end + 1;
+        }
+    });
+    std::size_t blocks = 0;
+    const double read = bestSeconds(runs, [&] {
+        CifParserSettings settings;
+        settings.line_length = 0;
+        Cif cif;
+        cif.read_text(bytes, settings);
+        blocks += cif.block_count();
+    });
+    const double mb = megabytes(bytes.size());
+    std::printf("%-16s %7.1f MB  classify %7.1f MB/s   CIF reader %7.1f MB/s   classify/reader %5.2f\n", name,
+                mb, mb / classify, mb / read, read / classify);
+    if (runsSeen == 0 || blocks == 0) std::printf("  (nothing classified or read?)\n");
+}
+
+// --- 2. an editor holding the file -----------------------------------------
+
+enum class Setup { PlainText, QtHighlighter, Sliced };
+
+const char* setupName(Setup setup) {
+    switch (setup) {
+        case Setup::PlainText:
+            return "setPlainText, no highlighter";
+        case Setup::QtHighlighter:
+            return "setPlainText, QSyntaxHighlighter as is";
+        case Setup::Sliced:
+            return "sliced loader + scheduler";
+    }
+    return "";
+}
+
+class PaintTimedEdit : public QPlainTextEdit {
+public:
+    QElapsedTimer* clock = nullptr;
+    qint64 firstPaint = -1;
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPlainTextEdit::paintEvent(event);
+        if (firstPaint < 0 && clock != nullptr && clock->isValid() && !document()->isEmpty()) {
+            firstPaint = clock->elapsed();
+        }
+    }
+};
+
+long residentKilobytes() {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("VmRSS:", 0) == 0) return std::atol(line.c_str() + 6);
+    }
+    return 0;
+}
+
+void holdInEditor(const char* name, const QString& text, Setup setup) {
+    THandle<QcbsFontStyleSettings> styles(new QcbsFontStyleSettings());
+    THandle<CifDictionary> dictionary(new BenchDictionary());
+    const long before = residentKilobytes();
+    PaintTimedEdit editor;
+    editor.setLineWrapMode(QPlainTextEdit::NoWrap);
+    editor.resize(1000, 800);
+    editor.show();
+    QCoreApplication::processEvents();
+
+    QcbsSyntaxHighlighter_CIF* highlighter = nullptr;
+    if (setup == Setup::QtHighlighter) {
+        highlighter = new QcbsSyntaxHighlighter_CIF(dictionary, styles, editor.document());
+    } else if (setup == Setup::Sliced) {
+        highlighter = new QcbsSyntaxHighlighter_CIF(dictionary, styles, &editor);
+    }
+    QcbsSlicedTextLoader loader(&editor);
+
+    QElapsedTimer clock;
+    editor.clock = &clock;
+    qint64 last = 0;
+    qint64 longest = 0;
+    qint64 done = -1;
+    QEventLoop loop;
+    QTimer heartbeat;
+    heartbeat.setTimerType(Qt::PreciseTimer);
+    heartbeat.setInterval(1);
+    QObject::connect(&heartbeat, &QTimer::timeout, [&] {
+        const qint64 now = clock.elapsed();
+        longest = std::max(longest, now - last);
+        last = now;
+        const bool highlighted = highlighter == nullptr || highlighter->scheduler() == nullptr ||
+                                 highlighter->scheduler()->isIdle();
+        if (editor.firstPaint >= 0 && !loader.isLoading() && highlighted && done < 0) {
+            done = now;
+            loop.quit();
+        }
+    });
+    QTimer::singleShot(0, [&] {
+        clock.start();
+        last = 0;
+        heartbeat.start();
+        if (setup == Setup::Sliced) {
+            loader.load(text);
+        } else {
+            editor.setPlainText(text);
+        }
+    });
+    loop.exec();
+    const long after = residentKilobytes();
+    std::printf(
+        "%-16s %-40s first paint %6lld ms   longest stall %6lld ms   all highlighted %6lld ms   +%ld MB\n",
+        name, setupName(setup), static_cast<long long>(editor.firstPaint), static_cast<long long>(longest),
+        static_cast<long long>(done), (after - before) / 1024);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    int lines = 1000000;
+    int runs = 3;
+    bool classificationOnly = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--lines") == 0 && i + 1 < argc) lines = std::max(100, std::atoi(argv[++i]));
+        if (std::strcmp(argv[i], "--runs") == 0 && i + 1 < argc) runs = std::max(1, std::atoi(argv[++i]));
+        if (std::strcmp(argv[i], "--classification-only") == 0) classificationOnly = true;
+    }
+    QApplication app(argc, argv);
+
+    const std::string loop = reflectionLoop(lines);
+    const std::string prose = textHeavy(lines);
+    std::printf("Classification against the CIF library's reader (best of %d runs)\n", runs);
+    compareWithReader("reflection loop", loop, runs);
+    compareWithReader("text-heavy", prose, runs);
+    if (classificationOnly) return 0;
+
+    std::printf("\nA QPlainTextEdit holding the file (offscreen, 1000x800)\n");
+    for (const auto& [name, bytes] : {std::pair{"reflection loop", &loop}, std::pair{"text-heavy", &prose}}) {
+        const QString text = QString::fromLatin1(bytes->data(), static_cast<qsizetype>(bytes->size()));
+        std::printf("%-16s %d lines\n", name, static_cast<int>(text.count(u'\n')));
+        for (const Setup setup : {Setup::PlainText, Setup::QtHighlighter, Setup::Sliced}) {
+            holdInEditor(name, text, setup);
+        }
+    }
+    return 0;
+}
