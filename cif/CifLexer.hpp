@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cif/CifComment.hpp"
 #include "cif/CifErrorSink.hpp"
 #include "cif/CifParserSettings.hpp"
 #include "cif/CifToken.hpp"

@@ -88,7 +88,7 @@ void CifReader::read(std::string text) {
     CifLexer lexer(stored.data(), stored.data() + stored.size(), stored.data() + start, version_, settings_,
                    errors_);
     lexer_ = &lexer;
-    parse(lexer);
+    parse();
     lexer_ = nullptr;
 
     int lines = stored.empty() ? 0 : (stored.back() == '\n' ? lexer.line() - 1 : lexer.line());
@@ -125,8 +125,7 @@ CifToken CifReader::next() {
     return lexer_->next();
 }
 
-void CifReader::parse(CifLexer& lexer) {
-    (void)lexer;
+void CifReader::parse() {
     CifToken token = next();
     while (token.kind != CifToken::end) {
         switch (token.kind) {

@@ -29,7 +29,7 @@ public:
 private:
     // Grammar: each handler takes the token that starts its construct and
     // returns the first token after it.
-    void parse(CifLexer& lexer);
+    void parse();
     CifToken next();
     CifToken on_data(const CifToken& token);
     CifToken on_name(const CifToken& token);

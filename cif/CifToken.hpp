@@ -24,12 +24,3 @@ struct CifToken {
     std::size_t length = 0;
     int line = 0;  // where the token starts
 };
-
-// A comment line met between tokens; trailing when it follows a token on
-// that token's last line.
-struct CifComment {
-    const char* begin;
-    std::size_t length;
-    int line;
-    bool trailing;
-};

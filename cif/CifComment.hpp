@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+
+// A comment line met between tokens; trailing when it follows a token on
+// that token's last line.
+struct CifComment {
+    const char* begin;
+    std::size_t length;
+    int line;
+    bool trailing;
+};
