@@ -322,7 +322,10 @@ void QcbsRichTextEdit::applyErrorSelections() {
 void QcbsRichTextEdit::textHasChanged() {
     clearErrorHighlighting();
     if (errorGate_ == 0) errorGate_ = 1;
-    emit numberOfLinesChanged(paragraphs());
+    // While a text comes in, the count it will reach is reported, so that the
+    // margin takes its final width at once: every change of the editor's
+    // width makes Qt lay out all lines anew, which a million lines feel.
+    emit numberOfLinesChanged(isLoading() ? std::max(paragraphs(), loadingLines_) : paragraphs());
 }
 
 void QcbsRichTextEdit::cursorPositionHasChanged(QTextCursor* cursor) {
@@ -407,6 +410,7 @@ void QcbsRichTextEdit::loadText(const QString& text) {
         loader_ = new QcbsSlicedTextLoader(this);
         connect(loader_, &QcbsSlicedTextLoader::finished, this, &QcbsRichTextEdit::textLoaded);
     }
+    loadingLines_ = static_cast<int>(text.count(u'\n')) + 1;
     loader_->load(text);
 }
 

@@ -37,7 +37,8 @@ public:
 
     // Replaces the whole text (a document being opened). A big text goes in
     // a slice at a time from the event loop, so that the window keeps
-    // answering; the first screen appears at once. Until textLoaded() the
+    // answering; the first screen appears at once, and numberOfLinesChanged()
+    // reports the count the text will reach. Until textLoaded() the
     // editor is read-only and the owner must leave the text alone; then the
     // text counts as unmodified and has no undo history. Use this, not
     // setPlainText(), for anything that may be large.
@@ -174,6 +175,7 @@ private:
     THandle<QcbsFontStyleSettings> styles_;
     QcbsSyntaxHighlighter_CIF* highlighter_ = nullptr;
     QcbsSlicedTextLoader* loader_ = nullptr;  // made on the first loadText()
+    int loadingLines_ = 0;                    // the line count of the text loadText() puts in
     // Entries 1 and 2: the paragraphs marked by error selections 1 and 2.
     int errorSelection_[3] = {-1, -1, -1};
     // 0 while the text is unchanged since the last check, 1 after an edit,

@@ -100,6 +100,10 @@ TEST(QcbsRichTextEditHighlighting, BigTextArrivesInSlicesWithTheMarginFollowing)
     EXPECT_TRUE(edit.isReadOnly());
     EXPECT_LT(edit.paragraphs(), 60001);
     EXPECT_EQ(loaded.count(), 0);
+    // The margin is as wide as the whole text needs from the first slice on,
+    // so the editor's width does not change while the text comes in.
+    EXPECT_EQ(widget.lineNumberView()->numberOfLines(), 60001);
+    const int marginWidth = widget.lineNumberView()->width();
 
     ASSERT_TRUE(runUntil([&] { return settled(edit); }));
     EXPECT_EQ(loaded.count(), 1);
@@ -108,6 +112,7 @@ TEST(QcbsRichTextEditHighlighting, BigTextArrivesInSlicesWithTheMarginFollowing)
     EXPECT_FALSE(edit.isModified());
     EXPECT_EQ(widget.lineNumberView()->numberOfLines(), 60001);
     EXPECT_EQ(widget.lineNumberView()->width(), widget.lineNumberView()->widthFor(60001));
+    EXPECT_EQ(widget.lineNumberView()->width(), marginWidth);
 
     // The owner's check after loading opens error highlighting again.
     EXPECT_FALSE(edit.errorHighlightingAllowed());
