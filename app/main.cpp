@@ -1,5 +1,6 @@
-// The launcher: application object, splash screen, the first window, then
-// the event loop. Everything else lives in libtessarylib.
+// The launcher: application object, splash screen, the data shared by all
+// windows, the first window, then the event loop. Everything else lives in
+// libtessarylib.
 #include <QFileInfo>
 
 #include "application/QcbsApplication.hpp"
@@ -12,13 +13,15 @@ int main(int argc, char** argv) {
     if (app.handedOver()) return 0;  // a running Tessary opens the files
 
     app.showSplash();
-    set_splash_status("Creating main window...");
+    set_splash_status("Loading settings...");
     THandle<QcbsMainWindowSharedData> shared(
         new QcbsMainWindowSharedData(QFileInfo(app.applicationFilePath())));
+    set_splash_status("Creating main window...");
+    // The window shows itself once built.
     auto* window = new QcbsMainWindow(shared, QcbsMainWindow::StartWithNewFile);
     window->setAttribute(Qt::WA_DeleteOnClose);
-    window->show();
     app.closeSplash();
+    // Files named on the command line go to the first window.
     app.processArgs();
     return app.exec();
 }

@@ -1,20 +1,43 @@
 #include "application/QcbsMainWindow.hpp"
 
+#include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
 #include <QCoreApplication>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
 #include <QFile>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSplitter>
 #include <QStatusBar>
+#include <QTabWidget>
+#include <QUrl>
 #include <fstream>
 #include <utility>
 
 #include "application/ORMAApplicationSettings.hpp"
 #include "application/ORMALogQString.hpp"
+#include "application/QcbsMainWindowActions.hpp"
 #include "application/QcbsUtilities.hpp"
+#include "application/QtServerApplication.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
+#include "editor/QcbsLineNumberedTextEdit.hpp"
+#include "editor/QcbsRichTextEdit.hpp"
+#include "resources/QcbsXpmResource.hpp"
 #include "support/ORMALog.hpp"
 #include "support/getline.hpp"
+#include "validation/QcbsErrorListView.hpp"
+#include "views/QcbsCifBoxView.hpp"
+#include "visualiser/QcbsVisSorter.hpp"
+#include "widgets/QcbsAboutBox.hpp"
+#include "widgets/QcbsHelpWindow.hpp"
 #include "widgets/RecentFilesMenu.hpp"
 
 bool QcbsMainWindow::text_buttons = false;
@@ -28,6 +51,7 @@ bool QcbsMainWindow::check_mandatory_items = false;
 QString QcbsMainWindow::mandatory_items_file;
 QcbsContactAuthor QcbsMainWindow::contact_author;
 RecentFilesMenu* QcbsMainWindow::recentFiles = nullptr;
+QPointer<QcbsMainWindow> QcbsMainWindow::lastActive_;
 
 namespace {
 
@@ -99,10 +123,23 @@ void readMandatoryItems(std::istream& in, std::vector<std::string>& publication,
     }
 }
 
+QIcon imageIcon(int image) {
+    QIcon icon;
+    for (int size : {16, 24, 32, 48}) icon.addPixmap(QcbsXpmResource::get_xpm(image, size));
+    return icon;
+}
+
+bool holdsLocalFiles(const QMimeData* data) {
+    if (data == nullptr) return false;
+    for (const QUrl& url : data->urls())
+        if (url.isLocalFile()) return true;
+    return false;
+}
+
 }  // namespace
 
-QcbsMainWindow::QcbsMainWindow(THandle<QcbsMainWindowSharedData> sharedData,
-                               [[maybe_unused]] WindowStartupSetting startup, QWidget* parent)
+QcbsMainWindow::QcbsMainWindow(THandle<QcbsMainWindowSharedData> sharedData, WindowStartupSetting startup,
+                               QWidget* parent)
     : QMainWindow(parent), sharedData_(std::move(sharedData)) {
     if (sharedData_.is_null()) {
         // Every window needs the shared data; a window made without it gets its own.
@@ -110,6 +147,7 @@ QcbsMainWindow::QcbsMainWindow(THandle<QcbsMainWindowSharedData> sharedData,
             new QcbsMainWindowSharedData(QFileInfo(QCoreApplication::applicationFilePath())));
     }
     setObjectName("mainwindow");
+    setWindowIcon(imageIcon(QcbsXpmResource::Program));
     setWindowTitle(programQName());
 
     debugLine(1, "QcbsMainWindow::QcbsMainWindow - Loading preference settings ...");
@@ -119,17 +157,38 @@ QcbsMainWindow::QcbsMainWindow(THandle<QcbsMainWindowSharedData> sharedData,
     setMinimumSize(400, 300);
     resize(initial_app_width, initial_app_height);
 
-    // The actions, menus and widgets of the window come here (makeFileActions
-    // ... makeConnections); the recent-files menu joins the File menu.
     makeRecentFilesList();
-    connectSharedData();
+    makeFileActions();
+    makeEditActions();
+    makeSearchActions();
+    makeCifActions();
+    makeHelpActions();
+    makeVisActions();
+    makeMainWidgets();
+    makeConnections();
 
     debugLine(1, "QcbsMainWindow::QcbsMainWindow - Load mandatory data item settings ...");
     loadMandatoryDataItemSettings();
 
-    // The editor page, the tab pages and the tool states come here, then:
+    enableEditorTools(false);
+    enableParseTools(false);
+    enableFileTools(false);
+    setAcceptDrops(true);
+
+    makeEditorPage();
+    makeTabs();
+
+    enableTools(tabs_->currentWidget());
+    makeEditorConnections();
     initialiseEditorSettings();
-    // A window started with StartWithNewFile opens a new document (fileNew) here.
+    updateCaption();
+    statusLineNumber();
+    show();
+
+    if (startup == StartWithNewFile) {
+        debugLine(1, "QcbsMainWindow::QcbsMainWindow - Opening a new file");
+        fileNew();
+    }
 }
 
 QcbsMainWindow::~QcbsMainWindow() = default;
@@ -205,17 +264,23 @@ void QcbsMainWindow::saveSettings() {
 
 void QcbsMainWindow::initialiseSettings() {
     setToolButtonStyle(text_buttons ? Qt::ToolButtonTextUnderIcon : Qt::ToolButtonIconOnly);
+    // "Insert Template" inserts the template file that new documents start from.
+    QcbsRichTextEdit::template_ = template_file;
 }
 
 void QcbsMainWindow::initialiseAllInstSettings() {
     for (QWidget* widget : QApplication::allWidgets()) {
-        if (auto* window = qobject_cast<QcbsMainWindow*>(widget)) window->initialiseSettings();
+        if (auto* window = qobject_cast<QcbsMainWindow*>(widget)) {
+            window->initialiseSettings();
+            window->initialiseEditorSettings();
+        }
     }
 }
 
 void QcbsMainWindow::initialiseEditorSettings() {
-    // The editor (QcbsLineNumberedTextEdit) takes sharedData_->lineNumbers()
-    // and sharedData_->fontStyles() here once the window has one.
+    if (editorPane_ == nullptr) return;
+    editorPane_->setShowLineNumbers(sharedData_->lineNumbers());
+    editorPane_->styleUpdate();
 }
 
 void QcbsMainWindow::loadMandatoryDataItemSettings() {
@@ -236,10 +301,6 @@ void QcbsMainWindow::loadMandatoryDataItemSettings() {
     }
     writeToOutputPane("Loaded mandatory data items file: " + mandatory_items_file, false);
     readMandatoryItems(in, publication, crystal);
-}
-
-void QcbsMainWindow::fileOpen(const QString& filename, bool /*interactive*/) {
-    statusBar()->showMessage("Opening files is not available yet: " + filename);
 }
 
 void QcbsMainWindow::setOutputPane(QcbsOutputPane* pane) {
@@ -263,4 +324,493 @@ void QcbsMainWindow::writeHtmlToOutputPane(const QString& html) {
     outputPane_->insertHtml(html);
     outputPane_->moveCursor(QTextCursor::End);
     outputPane_->ensureCursorVisible();
+}
+
+// --- construction ----------------------------------------------------------------------
+
+void QcbsMainWindow::makeFileActions() {
+    actions_ = new QcbsMainWindowActions(this);
+    actions_->makeFileActions();
+}
+
+void QcbsMainWindow::makeEditActions() { actions_->makeEditActions(); }
+
+void QcbsMainWindow::makeSearchActions() { actions_->makeSearchActions(); }
+
+void QcbsMainWindow::makeCifActions() { actions_->makeCifActions(); }
+
+void QcbsMainWindow::makeHelpActions() { actions_->makeHelpActions(); }
+
+void QcbsMainWindow::makeVisActions() { actions_->makeVisActions(); }
+
+void QcbsMainWindow::makeMainWidgets() {
+    tabs_ = new QTabWidget;
+    tabs_->setObjectName("tabs");
+    errorList_ = new QcbsErrorListView(nullptr, "errorlist");
+    auto* pane = new QcbsOutputPane(nullptr, "outputpane");
+    pane->clear();
+
+    // The error list and the output pane share the bottom of the window.
+    auto* messages = new QSplitter(Qt::Horizontal);
+    messages->setObjectName("messagesplitter");
+    messages->addWidget(errorList_);
+    messages->addWidget(pane);
+    messages->setSizes({initial_app_width * 11 / 20, initial_app_width * 9 / 20});
+
+    auto* central = new QSplitter(Qt::Vertical, this);
+    central->setObjectName("mainsplitter");
+    central->addWidget(tabs_);
+    central->addWidget(messages);
+    central->setStretchFactor(0, 1);
+    central->setStretchFactor(1, 0);
+    central->setSizes({initial_app_height * 7 / 10, initial_app_height * 3 / 10});
+    setCentralWidget(central);
+    setOutputPane(pane);
+
+    statusLine_ = new QLabel;
+    statusLine_->setObjectName("statusLine");
+    statusBar()->addPermanentWidget(statusLine_);
+    statusBar()->showMessage("Ready");
+}
+
+void QcbsMainWindow::makeConnections() {
+    connect(tabs_, &QTabWidget::currentChanged, this, [this] {
+        QWidget* page = tabs_->currentWidget();
+        enableTools(page);
+        restoreStatusBarMessage(page);
+        enableVisualiser(page);
+    });
+    connect(errorList_, &QcbsErrorListView::helpRequest, this, &QcbsMainWindow::helpFile);
+    connectSharedData();
+    // Every window's recent-files menu reports through the one list; each
+    // window answers only choices made in its own menu.
+    connect(recentFiles, &RecentFilesMenu::fileSelected, this, [this](int index) {
+        if (actions_->recentFilesMenu() != nullptr &&
+            recentFiles->selectedFromMenu() == actions_->recentFilesMenu())
+            fileLoadRecent(index);
+    });
+}
+
+void QcbsMainWindow::makeEditorPage() {
+    editorPage_ = new QSplitter(Qt::Horizontal);
+    editorPage_->setObjectName("editorpage");
+    // The dictionary pool of the loader joins here once dictionaries are read.
+    editorPane_ = new QcbsLineNumberedTextEdit(THandle<CifDictionary>(), "editor", sharedData_->fontStyles(),
+                                               sharedData_->lineNumbers(), editorPage_);
+    editorPane_->setObjectName("editorpane");
+    connect(actions_->action(QcbsMainWindowActions::EditZoomOut), &QAction::triggered, editorPane_,
+            &QcbsLineNumberedTextEdit::zoomOut);
+    connect(actions_->action(QcbsMainWindowActions::EditZoomIn), &QAction::triggered, editorPane_,
+            &QcbsLineNumberedTextEdit::zoomIn);
+    boxView_ = new QcbsCifBoxView(editorPage_);
+    editorPage_->insertWidget(0, boxView_);
+    initBoxEdSplitterSizes();
+    makeBoxViewConnections();
+}
+
+void QcbsMainWindow::initBoxEdSplitterSizes() {
+    editorPage_->setStretchFactor(0, 0);
+    editorPage_->setStretchFactor(1, 1);
+    editorPage_->setSizes({initial_app_width / 4, initial_app_width * 3 / 4});
+}
+
+void QcbsMainWindow::makeBoxViewConnections() {
+    connect(boxView_, &QcbsCifBoxView::selectedDataItem, this, &QcbsMainWindow::editorJumpToItemHelper);
+    connect(boxView_, &QcbsCifBoxView::goToBlockRequest, this, &QcbsMainWindow::editorJumpToBlockHelper);
+    connect(boxView_, &QcbsCifBoxView::datItemHelpRequest, this,
+            qOverload<const QString&>(&QcbsMainWindow::dataitemHelp));
+    connect(boxView_, &QcbsCifBoxView::dataItemSetRequest, this, &QcbsMainWindow::setDataItem);
+    connect(boxView_, &QcbsCifBoxView::insertTextRequest, this, &QcbsMainWindow::editorInsertTextHelper);
+}
+
+void QcbsMainWindow::makeTabs() {
+    tabs_->addTab(editorPage_, imageIcon(QcbsXpmResource::EditorPage), "  Editor  ");
+    visSorter_ = new QcbsVisSorter(tabs_);
+    makeVisConnections();
+    tabs_->addTab(visSorter_, imageIcon(QcbsXpmResource::VisualiserPage), "  Visualiser  ");
+}
+
+void QcbsMainWindow::makeVisConnections() {
+    connect(visSorter_, &QcbsVisSorter::statusBarMessageRequest, this, &QcbsMainWindow::statusBarMessage);
+}
+
+void QcbsMainWindow::makeEditorConnections() {
+    QcbsRichTextEdit* editor = currentEditor();
+    connect(editor, &QcbsRichTextEdit::cursorLineChanged, this, &QcbsMainWindow::editorLineChanged);
+    connect(editor, &QPlainTextEdit::cursorPositionChanged, this, [this, editor] {
+        int paragraph = 0;
+        int index = 0;
+        editor->getCursorPosition(&paragraph, &index);
+        editorCursorMoved(paragraph, index);
+    });
+    connect(editor, &QPlainTextEdit::textChanged, this, &QcbsMainWindow::editorTextChanged);
+    connect(editor->document(), &QTextDocument::modificationChanged, this, &QcbsMainWindow::statusLineNumber);
+    connect(editor, &QcbsRichTextEdit::statusBarMessageRequest, this, &QcbsMainWindow::statusBarMessage);
+    connect(editor, &QcbsRichTextEdit::requestDataitemHelp, this,
+            qOverload<const QString&>(&QcbsMainWindow::dataitemHelp));
+    connect(editor, &QcbsRichTextEdit::dropEventRequest, this, &QcbsMainWindow::processDropEvent);
+    connect(editor, &QPlainTextEdit::undoAvailable, this, &QcbsMainWindow::enableUndoRedo);
+    connect(editor, &QPlainTextEdit::redoAvailable, this, &QcbsMainWindow::enableUndoRedo);
+    connect(errorList_, &QcbsErrorListView::requestHighlightLine, editor,
+            qOverload<int, int, bool>(&QcbsRichTextEdit::setErrorHighlighting));
+    connect(this, &QcbsMainWindow::requestGotoLine, editor,
+            qOverload<int, QString>(&QcbsRichTextEdit::gotoLine));
+    // Drags arrive at the editor's viewport.
+    editor->installEventFilter(this);
+    editor->viewport()->installEventFilter(this);
+}
+
+// --- widgets and per-document state ----------------------------------------------------
+
+QcbsRichTextEdit* QcbsMainWindow::currentEditor() const {
+    return editorPane_ != nullptr ? editorPane_->editor() : nullptr;
+}
+
+QComboBox* QcbsMainWindow::blocksCombo() const { return actions_->blocks(); }
+
+void QcbsMainWindow::setFileName(QcbsRichTextEdit* editor, const QString& name) {
+    fileNames_[editor] = name;
+    if (editor == currentEditor()) updateCaption();
+}
+
+THandle<Cif> QcbsMainWindow::currentCif() const { return documents_.value(currentEditor()); }
+
+void QcbsMainWindow::setCif(QcbsRichTextEdit* editor, THandle<Cif> cif) {
+    documents_[editor] = std::move(cif);
+    if (editor == currentEditor()) updateCrystalWizard();
+}
+
+THandle<CifDataBlock> QcbsMainWindow::currentBlock() const {
+    const THandle<Cif> cif = currentCif();
+    if (cif.is_null() || cif->block_count() == 0) return THandle<CifDataBlock>();
+    int paragraph = 0;
+    int index = 0;
+    currentEditor()->getCursorPosition(&paragraph, &index);
+    const auto block = cif->block_at_line(paragraph + 1);
+    return block != cif->block_end() ? *block : cif->block(0);
+}
+
+void QcbsMainWindow::setParseAllowed(QcbsRichTextEdit* editor, bool allowed) {
+    if (allowed)
+        notParsed_.remove(editor);
+    else
+        notParsed_.insert(editor);
+}
+
+int QcbsMainWindow::instances() {
+    int count = 0;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (widget->inherits("QMainWindow") && widget->isVisible()) ++count;
+    return count;
+}
+
+// --- tool states -----------------------------------------------------------------------
+
+void QcbsMainWindow::enableTools(QWidget* page) {
+    if (page == nullptr) return;
+    if (page->inherits("QSplitter")) {
+        if (currentEditor() == nullptr) return;
+        enableEditorTools(true);
+        enableFindTools(true);
+        enableVisTools(false);
+        enableCifTools(true);
+        enableParseTools(parseAllowed(currentEditor()));
+        // The chooser offers blocks only once a check has listed some.
+        blocksCombo()->setEnabled(blocksCombo()->count() > 1);
+    } else if (page->inherits("QcbsVisSorter")) {
+        enableVisTools(true);
+        enableEditorTools(false);
+        enableFindTools(false);
+        enableParseTools(false);
+        blocksCombo()->setEnabled(false);
+        enableCifTools(false);
+    } else {
+        return;
+    }
+    enableUndoRedo();
+}
+
+void QcbsMainWindow::enableEditorTools(bool on) {
+    editorToolsOn_ = on;
+    actions_->setToolsEnabled(QcbsMainWindowActions::EditorTools, on);
+}
+
+void QcbsMainWindow::enableFileTools(bool on) {
+    actions_->setToolsEnabled(QcbsMainWindowActions::FileTools, on);
+}
+
+void QcbsMainWindow::enableParseTools(bool on) {
+    actions_->setToolsEnabled(QcbsMainWindowActions::ParseTools, on);
+}
+
+void QcbsMainWindow::enableCifTools(bool on) {
+    cifToolsOn_ = on;
+    actions_->setToolsEnabled(QcbsMainWindowActions::CifTools, on);
+    updateCrystalWizard();
+}
+
+void QcbsMainWindow::enableFindTools(bool on) {
+    actions_->setToolsEnabled(QcbsMainWindowActions::FindTools, on);
+}
+
+void QcbsMainWindow::enableVisTools(bool on) {
+    actions_->setToolsEnabled(QcbsMainWindowActions::VisTools, on);
+}
+
+void QcbsMainWindow::enableAllInstParseTools(bool on) {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* window = qobject_cast<QcbsMainWindow*>(widget)) window->enableParseTools(on);
+}
+
+void QcbsMainWindow::enableUndoRedo() {
+    const QcbsRichTextEdit* editor = currentEditor();
+    const bool on = editorToolsOn_ && editor != nullptr;
+    actions_->action(QcbsMainWindowActions::EditUndo)
+        ->setEnabled(on && editor->document()->isUndoAvailable());
+    actions_->action(QcbsMainWindowActions::EditRedo)
+        ->setEnabled(on && editor->document()->isRedoAvailable());
+}
+
+void QcbsMainWindow::updateCrystalWizard() {
+    // The crystal wizard asks for data that only makes sense for a block
+    // that already describes a crystal.
+    bool crystal = false;
+    if (cifToolsOn_) {
+        const THandle<CifDataBlock> block = currentBlock();
+        crystal = !block.is_null() &&
+                  (block->has_item_with_category("chemical") || block->has_item_with_category("atom_site") ||
+                   block->has_item_with_category("cell"));
+    }
+    actions_->action(QcbsMainWindowActions::CrystalWizard)->setEnabled(crystal);
+}
+
+// --- captions and status ---------------------------------------------------------------
+
+void QcbsMainWindow::setCaption(const QString& fileName) {
+    const QString shown = fileName.isEmpty() ? QString("new.cif") : QFileInfo(fileName).fileName();
+    setWindowTitle(shown + " - " + programQName());
+}
+
+void QcbsMainWindow::updateCaption() { setCaption(fileName(currentEditor())); }
+
+void QcbsMainWindow::statusLineNumber() {
+    const QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr || statusLine_ == nullptr) return;
+    int paragraph = 0;
+    int index = 0;
+    editor->getCursorPosition(&paragraph, &index);
+    QString text = "Line " + QString::number(paragraph + 1) + ", Column " + QString::number(index + 1);
+    if (editor->isModified()) text += " (File Modified)";
+    statusLine_->setText(text);
+}
+
+void QcbsMainWindow::statusBarMessage(QString message) { statusBar()->showMessage(message); }
+
+void QcbsMainWindow::restoreStatusBarMessage(QWidget* page) {
+    // The line and column belong to the editor page only.
+    const bool editorShown = page == editorPage_;
+    statusLine_->setVisible(editorShown);
+    if (editorShown) statusLineNumber();
+    statusBar()->showMessage(editorShown ? "Ready" : "");
+}
+
+void QcbsMainWindow::editorCursorMoved(int /*paragraph*/, int /*index*/) { statusLineNumber(); }
+
+void QcbsMainWindow::editorLineChanged(int /*paragraph*/) {
+    // A move into another block may change what the crystal wizard can do.
+    if (cifToolsOn_ && !currentCif().is_null()) updateCrystalWizard();
+}
+
+void QcbsMainWindow::editorTextChanged() { statusLineNumber(); }
+
+void QcbsMainWindow::showNotAvailable(const QString& function) {
+    statusBarMessage(function + " is not available yet.");
+}
+
+// --- closing, activation, drops --------------------------------------------------------
+
+void QcbsMainWindow::fileCloseRequested() {
+    if (instances() > 1) {
+        close();
+        return;
+    }
+    // The last window stays open, with a new document in place of the old.
+    const QcbsRichTextEdit* editor = currentEditor();
+    if (editor != nullptr && !editor->isModified() && editor->document()->isEmpty()) return;
+    fileNew(true);
+}
+
+void QcbsMainWindow::closeEvent(QCloseEvent* event) {
+    if (fileNames_.contains(currentEditor()) && !fileClose()) {
+        event->ignore();
+        return;
+    }
+    saveSettings();
+    lastActive_ = nullptr;
+    // Windows that serve this one go with it.
+    if (helpWindow_) helpWindow_->close();
+    if (aboutBox_) aboutBox_->close();
+    event->accept();
+}
+
+void QcbsMainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) lastActive_ = this;
+}
+
+bool QcbsMainWindow::eventFilter(QObject* watched, QEvent* event) {
+    const QcbsRichTextEdit* editor = currentEditor();
+    if (editor != nullptr && (watched == editor || watched == editor->viewport())) {
+        switch (event->type()) {
+            case QEvent::DragEnter:
+                contentsDragEnterEvent(static_cast<QDragEnterEvent*>(event));
+                return true;
+            case QEvent::DragMove:
+                contentsDragMoveEvent(static_cast<QDragMoveEvent*>(event));
+                return true;
+            case QEvent::Drop:
+                contentsDropEvent(static_cast<QDropEvent*>(event));
+                return true;
+            default:
+                break;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void QcbsMainWindow::contentsDragEnterEvent(QDragEnterEvent* event) {
+    if (holdsLocalFiles(event->mimeData()))
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void QcbsMainWindow::contentsDragMoveEvent(QDragMoveEvent* event) {
+    if (holdsLocalFiles(event->mimeData()))
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void QcbsMainWindow::contentsDropEvent(QDropEvent* event) {
+    // Only files are taken; dropped text never lands in the document.
+    if (!holdsLocalFiles(event->mimeData())) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    processDropEvent(event);
+}
+
+void QcbsMainWindow::newWindow() {
+    saveSettings();
+    auto* window = new QcbsMainWindow(sharedData_, StartWithNewFile);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
+}
+
+void QcbsMainWindow::fileExit() { QApplication::closeAllWindows(); }
+
+// --- editing ---------------------------------------------------------------------------
+
+void QcbsMainWindow::editUndo() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->undo();
+}
+
+void QcbsMainWindow::editRedo() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->redo();
+}
+
+void QcbsMainWindow::editCopy() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->copy();
+}
+
+void QcbsMainWindow::editCut() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->cut();
+}
+
+void QcbsMainWindow::editPaste() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->paste();
+}
+
+void QcbsMainWindow::editComment() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->commentSelection();
+}
+
+void QcbsMainWindow::editUncomment() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->uncommentSelection();
+}
+
+void QcbsMainWindow::editInsert() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->insertFile();
+}
+
+void QcbsMainWindow::editInsertTemplate() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->insertTemplateFile();
+}
+
+void QcbsMainWindow::editSelectall() {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->selectAll();
+}
+
+void QcbsMainWindow::editorInsertTextHelper(const QString& text) {
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->insertPlainText(text);
+}
+
+void QcbsMainWindow::toggleBoxView() { boxView_->setVisible(boxView_->isHidden()); }
+
+// --- help ------------------------------------------------------------------------------
+
+void QcbsMainWindow::about() {
+    if (aboutBox_ == nullptr) {
+        aboutBox_ = new QcbsAboutBox(this);
+        aboutBox_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    aboutBox_->show();
+    aboutBox_->raise();
+}
+
+void QcbsMainWindow::help() {
+    const QString directory = sharedData_->documentationDirectory();
+    if (directory.isEmpty()) {
+        // Not modal, so that a window can be closed while it shows.
+        auto* box = new QMessageBox(QMessageBox::Warning, "Warning",
+                                    sharedData_->missingDocumentationMessage(), QMessageBox::Ok, this);
+        box->setObjectName("helpmissing");
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+        return;
+    }
+    helpFile(directory + "/tessary.html");
+}
+
+void QcbsMainWindow::helpFile(const QString& page) {
+    QString path;
+    if (QFileInfo(page).isAbsolute()) {
+        if (QFileInfo::exists(page)) path = page;
+    } else {
+        QStringList directories = sharedData_->helpSearchPaths();
+        if (!sharedData_->documentationDirectory().isEmpty())
+            directories << sharedData_->documentationDirectory();
+        for (const QString& directory : directories) {
+            if (QFileInfo::exists(directory + "/" + page)) {
+                path = QDir::cleanPath(directory + "/" + page);
+                break;
+            }
+        }
+    }
+    if (path.isEmpty()) {
+        statusBarMessage("Could not find the help page " + page);
+        return;
+    }
+    if (helpWindow_ == nullptr) helpWindow_ = new QcbsHelpWindow(sharedData_->helpSearchPaths(), this);
+    helpWindow_->showPage(QUrl::fromLocalFile(path));
+}
+
+void QcbsMainWindow::tessaryHomePage() {
+    const QString url = QString::fromStdString(TessaryURL());
+    if (QtServerApplication::openWebPage(url))
+        statusBarMessage("Opening " + url);
+    else
+        statusBarMessage("Could not open a web browser for " + url);
 }

@@ -1,18 +1,38 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QMap>
 #include <QPointer>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include "application/QcbsContactAuthor.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
+#include "cif/Cif.hpp"
 #include "support/THandle.hpp"
 #include "validation/QcbsOutputPane.hpp"
 
+class QComboBox;
+class QDragEnterEvent;
+class QDragMoveEvent;
+class QDropEvent;
+class QLabel;
+class QSplitter;
+class QTabWidget;
 class RecentFilesMenu;
+class QcbsAboutBox;
+class QcbsCifBoxView;
+class QcbsErrorListView;
+class QcbsHelpWindow;
+class QcbsLineNumberedTextEdit;
+class QcbsMainWindowActions;
+class QcbsRichTextEdit;
+class QcbsVisSorter;
 
-// One editor window holding one document. All windows share one
+// One editor window holding one document: the editor with the tree of its
+// blocks beside it, the visualiser page, the error list and the output pane,
+// the menus and tool bars and the status bar. All windows share one
 // QcbsMainWindowSharedData; the options that hold for the whole program are
 // class-wide members, read from the settings by loadSettings() and written
 // back by saveSettings().
@@ -27,6 +47,37 @@ public:
     ~QcbsMainWindow() override;
 
     const THandle<QcbsMainWindowSharedData>& sharedData() const { return sharedData_; }
+
+    // The widgets of the window.
+    QcbsRichTextEdit* currentEditor() const;
+    QcbsLineNumberedTextEdit* editorPane() const { return editorPane_; }
+    QTabWidget* tabs() const { return tabs_; }
+    QSplitter* editorPage() const { return editorPage_; }
+    QcbsVisSorter* visualiserPage() const { return visSorter_; }
+    QcbsCifBoxView* boxView() const { return boxView_; }
+    QcbsErrorListView* errorList() const { return errorList_; }
+    QComboBox* blocksCombo() const;
+    QcbsMainWindowActions* windowActions() const { return actions_; }
+    // The right-hand part of the status bar: "Line N, Column M".
+    QLabel* statusLine() const { return statusLine_; }
+
+    // The file an editor shows; empty for an editor never given a file.
+    QString fileName(QcbsRichTextEdit* editor) const { return fileNames_.value(editor); }
+    void setFileName(QcbsRichTextEdit* editor, const QString& name);
+    // The result of the last check of the current editor's text, or null.
+    THandle<Cif> currentCif() const;
+    void setCif(QcbsRichTextEdit* editor, THandle<Cif> cif);
+    // The block the cursor stands in (the first block when the cursor is
+    // above every block) of the last check, or null.
+    THandle<CifDataBlock> currentBlock() const;
+    // Whether Check may run on an editor's text (true unless marked otherwise).
+    bool parseAllowed(QcbsRichTextEdit* editor) const { return !notParsed_.contains(editor); }
+    void setParseAllowed(QcbsRichTextEdit* editor, bool allowed);
+
+    // The main windows shown at present.
+    static int instances();
+    // The main window that was active last; null once it closed.
+    static QcbsMainWindow* lastActiveWindow() { return lastActive_; }
 
     // Reads the text styles, then the window's settings keys in their fixed
     // order; a missing key gives its default.
@@ -66,18 +117,168 @@ public:
     static RecentFilesMenu* recentFiles;
 
 public slots:
+    // Document operations.
+    void fileNew();
+    // Starts a new document; with `replace` in this window, closing the
+    // current one first, otherwise in a new window when one is open.
+    virtual void fileNew(bool replace);
+    // Saves the settings and opens another window with a new document.
+    void newWindow();
+    void fileOpen();
     // Opens a file in this window or a new one; `interactive` allows questions.
     virtual void fileOpen(const QString& filename, bool interactive);
+    void fileSave();
+    void fileSaveAs();
+    void filePrint();
+    // Closes the document; false when the user cancelled.
+    virtual bool fileClose();
+    // The "Close File" action: closes this window while others are open; the
+    // last window instead starts a new document (nothing happens when its
+    // editor is empty and unmodified), so it never closes itself.
+    void fileCloseRequested();
+    // Closes every window, each asking about its own document.
+    void fileExit();
+    void fileLoadRecent(int index);
+    // Opens the files dropped on the editor.
+    virtual void processDropEvent(QDropEvent* event);
+
+    // Editing the current editor's text.
+    void editUndo();
+    void editRedo();
+    void editCopy();
+    void editCut();
+    void editPaste();
+    void editComment();
+    void editUncomment();
+    void editInsert();
+    void editInsertTemplate();
+    void editSelectall();
+    void combine();
+    void editPrefs();
+
+    // Search.
+    void editFind();
+    void editFindPrevious();
+    void editFindNext();
+    void editReplace();
+    void editGotoLine();
+
+    // CIF tools.
+    void reparse();
+    void dataitemHelp();
+    void dataitemHelp(const QString& dataName);
+    void toggleBoxView();
+    void publicationWizard();
+    void crystalWizard();
+    void loopEd();
+    void loopNew();
+    void blockComboSelected(int index);
+    void hg();
+    void enableVisualiser(QWidget* page);
+
+    // Help.
+    void specialCharPopUp();
+    void about();
+    // The user guide (tessary.html of the documentation directory) in the
+    // help window, or the list of places searched when there is none.
+    void help();
+    // A help page given relative to the help directories (the error list's
+    // pages) or as an absolute path.
+    void helpFile(const QString& page);
+    // The program's home page in the user's web browser.
+    void tessaryHomePage();
+
+    // Requests routed to the window by its editor, views and wizards.
+    void editorCursorMoved(int paragraph, int index);
+    void editorLineChanged(int paragraph);
+    void editorTextChanged();
+    void statusBarMessage(QString message);
+    // Puts back what the status bar shows for a page of the tab pair.
+    void restoreStatusBarMessage(QWidget* page);
     // Appends rich text to the output pane, followed by "<br>" when
     // `lineBreak` is true.
     void writeToOutputPane(const QString& text, bool lineBreak);
+    void editorInsertTextHelper(const QString& text);
+    void editorJumpToItemHelper(const QString& dataName, int index);
+    void editorJumpToBlockHelper(const QString& blockName);
+    void setDataItem(const QString& dataName, const QString& value);
+    void blockUpdate(const QString& blockText);
+    void blockAdd(const QString& blockText);
+
+    // Tool states. Each enable...Tools switches one group of actions.
+    void enableTools(QWidget* page);
+    void enableEditorTools(bool on);
+    void enableFileTools(bool on);
+    void enableParseTools(bool on);
+    // The CIF tools; the crystal wizard only when the current block holds
+    // an item of the categories chemical, atom_site or cell.
+    void enableCifTools(bool on);
+    void enableFindTools(bool on);
+    void enableVisTools(bool on);
+    // enableParseTools on every main window.
+    static void enableAllInstParseTools(bool on);
+    // Undo and redo follow the editor's history while the editor tools are on.
+    void enableUndoRedo();
+
+    // The caption: the file's name and the program's name joined by " - ";
+    // "new.cif" stands for an editor without a file.
+    void setCaption(const QString& fileName);
+    // "Line N, Column M", with " (File Modified)" for a modified text.
+    void statusLineNumber();
+
+signals:
+    void requestGotoLine(int line, QString blockName);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    // Drags and drops on the editor come to the window.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void contentsDragEnterEvent(QDragEnterEvent* event);
+    void contentsDragMoveEvent(QDragMoveEvent* event);
+    void contentsDropEvent(QDropEvent* event);
 
 private:
     void makeRecentFilesList();
     void connectSharedData();
+    void makeFileActions();
+    void makeEditActions();
+    void makeSearchActions();
+    void makeCifActions();
+    void makeHelpActions();
+    void makeVisActions();
+    void makeMainWidgets();
+    void makeConnections();
+    void makeEditorPage();
+    void initBoxEdSplitterSizes();
+    void makeBoxViewConnections();
+    void makeTabs();
+    void makeVisConnections();
+    void makeEditorConnections();
+    void updateCrystalWizard();
+    void updateCaption();
+    void showNotAvailable(const QString& function);
     void writeHtmlToOutputPane(const QString& html);
 
     THandle<QcbsMainWindowSharedData> sharedData_;
+    QcbsMainWindowActions* actions_ = nullptr;
+    QTabWidget* tabs_ = nullptr;
+    QSplitter* editorPage_ = nullptr;
+    QcbsCifBoxView* boxView_ = nullptr;
+    QcbsLineNumberedTextEdit* editorPane_ = nullptr;
+    QcbsVisSorter* visSorter_ = nullptr;
+    QcbsErrorListView* errorList_ = nullptr;
+    QLabel* statusLine_ = nullptr;
     QPointer<QcbsOutputPane> outputPane_;
     QStringList pendingOutputPaneWrites_;
+    QPointer<QcbsHelpWindow> helpWindow_;
+    QPointer<QcbsAboutBox> aboutBox_;
+
+    QMap<QcbsRichTextEdit*, QString> fileNames_;
+    QMap<QcbsRichTextEdit*, THandle<Cif>> documents_;
+    QSet<QcbsRichTextEdit*> notParsed_;
+    bool editorToolsOn_ = false;
+    bool cifToolsOn_ = false;
+
+    static QPointer<QcbsMainWindow> lastActive_;
 };

@@ -192,6 +192,7 @@ TEST(MainWindowSettings, ChangedOptionsReachEveryWindow) {
 TEST(MainWindowOutput, DictionaryLoaderMessagesReachTheOutputPaneOnceThereIsOne) {
     ScopedPrefsDir prefs;
     QcbsMainWindow window(newSharedData());
+    window.setOutputPane(nullptr);  // as before the window has made its pane
     emit window.sharedData()->dictionaryLoader()->outputMessageRequest("Loaded dictionary: /d/core.dic",
                                                                        false);
     window.writeToOutputPane("Checking CIF ...", true);

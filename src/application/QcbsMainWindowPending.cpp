@@ -1,0 +1,96 @@
+// The main window's functions that are connected but whose work is not built
+// yet: each tells the user so in the status bar instead of doing nothing.
+// Replace them one by one, deleting each from this file as its real
+// version lands elsewhere.
+#include <QDropEvent>
+
+#include "application/QcbsMainWindow.hpp"
+#include "visualiser/QcbsVisSorter.hpp"
+
+// --- documents -------------------------------------------------------------------------
+
+void QcbsMainWindow::fileNew() { fileNew(reuse_window); }
+
+void QcbsMainWindow::fileNew(bool /*replace*/) { showNotAvailable("Starting a new document"); }
+
+void QcbsMainWindow::fileOpen() { showNotAvailable("Opening files"); }
+
+void QcbsMainWindow::fileOpen(const QString& filename, bool /*interactive*/) {
+    showNotAvailable("Opening " + filename);
+}
+
+void QcbsMainWindow::fileSave() { showNotAvailable("Saving files"); }
+
+void QcbsMainWindow::fileSaveAs() { showNotAvailable("Save As"); }
+
+void QcbsMainWindow::filePrint() { showNotAvailable("Printing"); }
+
+// Nothing can be saved yet, so there is nothing to ask: the close goes ahead.
+bool QcbsMainWindow::fileClose() {
+    showNotAvailable("Closing documents");
+    return true;
+}
+
+void QcbsMainWindow::fileLoadRecent(int /*index*/) { showNotAvailable("Opening recent files"); }
+
+void QcbsMainWindow::processDropEvent(QDropEvent* /*event*/) { showNotAvailable("Opening dropped files"); }
+
+// --- editing and search ----------------------------------------------------------------
+
+void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }
+
+void QcbsMainWindow::editPrefs() { showNotAvailable("The preferences dialogue"); }
+
+void QcbsMainWindow::editFind() { showNotAvailable("Find"); }
+
+void QcbsMainWindow::editFindPrevious() { showNotAvailable("Find previous"); }
+
+void QcbsMainWindow::editFindNext() { showNotAvailable("Find next"); }
+
+void QcbsMainWindow::editReplace() { showNotAvailable("Replace"); }
+
+void QcbsMainWindow::editGotoLine() { showNotAvailable("Go to line"); }
+
+void QcbsMainWindow::specialCharPopUp() { showNotAvailable("The special-character table"); }
+
+// --- checking, views and wizards -------------------------------------------------------
+
+void QcbsMainWindow::reparse() { showNotAvailable("Checking a CIF"); }
+
+void QcbsMainWindow::dataitemHelp() { showNotAvailable("Data item help"); }
+
+void QcbsMainWindow::dataitemHelp(const QString& dataName) { showNotAvailable("Help on " + dataName); }
+
+void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
+
+void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
+
+void QcbsMainWindow::loopEd() { showNotAvailable("Editing loops"); }
+
+void QcbsMainWindow::loopNew() { showNotAvailable("Making new loops"); }
+
+void QcbsMainWindow::blockComboSelected(int /*index*/) { showNotAvailable("Going to a block"); }
+
+void QcbsMainWindow::editorJumpToItemHelper(const QString& /*dataName*/, int /*index*/) {
+    showNotAvailable("Going to a data item");
+}
+
+void QcbsMainWindow::editorJumpToBlockHelper(const QString& /*blockName*/) {
+    showNotAvailable("Going to a block");
+}
+
+void QcbsMainWindow::setDataItem(const QString& /*dataName*/, const QString& /*value*/) {
+    showNotAvailable("Setting data items");
+}
+
+void QcbsMainWindow::blockUpdate(const QString& /*blockText*/) { showNotAvailable("Updating a block"); }
+
+void QcbsMainWindow::blockAdd(const QString& /*blockText*/) { showNotAvailable("Adding a block"); }
+
+// --- visualiser ------------------------------------------------------------------------
+
+void QcbsMainWindow::hg() { showNotAvailable("Opening the structure in Velmora"); }
+
+void QcbsMainWindow::enableVisualiser(QWidget* page) {
+    if (page != nullptr && page == visualiserPage()) showNotAvailable("The 3-D view of the structure");
+}
