@@ -24,7 +24,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -201,19 +200,9 @@ protected:
     }
 };
 
-long residentKilobytes() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind("VmRSS:", 0) == 0) return std::atol(line.c_str() + 6);
-    }
-    return 0;
-}
-
 void holdInEditor(const char* name, const QString& text, Setup setup) {
     THandle<QcbsFontStyleSettings> styles(new QcbsFontStyleSettings());
     THandle<CifDictionary> dictionary(new BenchDictionary());
-    const long before = residentKilobytes();
     PaintTimedEdit editor;
     editor.setLineWrapMode(QPlainTextEdit::NoWrap);
     editor.resize(1000, 800);
@@ -259,11 +248,9 @@ void holdInEditor(const char* name, const QString& text, Setup setup) {
         }
     });
     loop.exec();
-    const long after = residentKilobytes();
-    std::printf(
-        "%-16s %-40s first paint %6lld ms   longest stall %6lld ms   all highlighted %6lld ms   +%ld MB\n",
-        name, setupName(setup), static_cast<long long>(editor.firstPaint), static_cast<long long>(longest),
-        static_cast<long long>(done), (after - before) / 1024);
+    std::printf("%-16s %-40s first paint %6lld ms   longest stall %6lld ms   all highlighted %6lld ms\n",
+                name, setupName(setup), static_cast<long long>(editor.firstPaint),
+                static_cast<long long>(longest), static_cast<long long>(done));
 }
 
 }  // namespace

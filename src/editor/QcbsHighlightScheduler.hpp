@@ -36,7 +36,7 @@ class QcbsHighlightScheduler : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int DefaultSliceBudget = 25;  // milliseconds
+    static constexpr int DefaultSliceBudget = 20;  // milliseconds
 
     // Becomes a child of the highlighter and its scheduler. The view, if any,
     // tells which lines are visible; it may be null.

@@ -22,7 +22,7 @@ class QcbsSlicedTextLoader : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int DefaultSliceBudget = 30;  // milliseconds
+    static constexpr int DefaultSliceBudget = 20;  // milliseconds
 
     // Becomes a child of the editor.
     explicit QcbsSlicedTextLoader(QPlainTextEdit* editor);
