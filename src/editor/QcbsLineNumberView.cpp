@@ -40,8 +40,13 @@ void QcbsLineNumberView::setNumberOfLines(int lines) {
     update();
 }
 
-void QcbsLineNumberView::setFont(const QFont& font) {
-    QFrame::setFont(font);
+void QcbsLineNumberView::setFont(const QFont& font) { QFrame::setFont(font); }
+
+// However the font changes (setFont() here or through the base class, or
+// from the parent), the width is fitted to it.
+void QcbsLineNumberView::changeEvent(QEvent* event) {
+    QFrame::changeEvent(event);
+    if (event->type() != QEvent::FontChange) return;
     const int lines = lines_;
     lines_ = 0;
     setNumberOfLines(lines);

@@ -41,6 +41,7 @@ public slots:
     void setContentsPos(int x, int y);
 
 protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void drawContents(QPainter* painter);
 

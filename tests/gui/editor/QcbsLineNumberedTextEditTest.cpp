@@ -146,6 +146,10 @@ TEST(QcbsLineNumberedTextEdit, NewFontRefitsTheMargin) {
     EXPECT_GT(shown.margin()->width(), before);
     EXPECT_EQ(shown.margin()->width(), shown.margin()->widthFor(1000));
     EXPECT_EQ(shown.margin()->numberOfLines(), 1000);
+
+    // A font set through the widget base class refits it as well.
+    static_cast<QWidget*>(shown.margin())->setFont(shown.edit()->font());
+    EXPECT_EQ(shown.margin()->width(), before);
 }
 
 }  // namespace
