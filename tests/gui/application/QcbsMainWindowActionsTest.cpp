@@ -232,6 +232,23 @@ TEST_F(MainWindowActions, EditingActionsWorkOnTheEditor) {
     EXPECT_EQ(editor->text(1), "_cell_volume 10");
 }
 
+TEST_F(MainWindowActions, AcceleratorsTypedInTheEditorReachTheWindow) {
+    QcbsRichTextEdit* editor = window_.currentEditor();
+    window_.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+    editor->setFocus();
+    // Ctrl+K would delete to the end of the line in a plain text editor.
+    QTest::keyClicks(editor, "data_a");
+    editor->setCursorPosition(0, 0);
+    QTest::keyClick(editor, Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(statusMessage(window_), "Checking a CIF is not available yet.");
+    EXPECT_EQ(editor->toPlainText(), "data_a");
+    QTest::keyClick(editor, Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(statusMessage(window_), "Find is not available yet.");
+    QTest::keyClick(editor, Qt::Key_L, Qt::ControlModifier);
+    EXPECT_EQ(statusMessage(window_), "Editing loops is not available yet.");
+}
+
 TEST_F(MainWindowActions, ZoomChangesTheSharedEditorFont) {
     const int before = window_.sharedData()->fontStyles()->editorFont().pointSize();
     windowAction(window_, A::EditZoomIn)->trigger();
