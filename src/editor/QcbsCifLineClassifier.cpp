@@ -10,8 +10,6 @@
 
 namespace {
 
-using Style = QcbsFontStyleSettings::SyntaxStyle;
-
 enum ProcessingState : unsigned char {
     Normal = 0,           // between tokens or inside a bare word
     InComment = 1,        // after a # that starts a comment
@@ -118,6 +116,35 @@ const CharacterTable& characterBits() {
 
 constexpr unsigned char kLetterOrDigit = Letter | Digit;
 
+// The class of the character at i; the virtual blank at the line end is
+// i == size.
+CharacterClass classOf(const char16_t* text, int i, int size, unsigned char bits, unsigned char previousBits,
+                       bool blankSoFar) {
+    const CharacterTable& bitsOf = characterBits();
+    const char16_t c = i < size ? text[i] : u' ';
+    const bool afterBlank = blankSoFar || (previousBits & Space) != 0;
+    switch (c) {
+        case '#':
+            return afterBlank ? CommentStart : WordChar;
+        case '_':
+            return afterBlank ? NameStart : WordChar;
+        case ';':
+            return blankSoFar ? TextFieldMark : Separator;
+        case '\'':
+        case '"': {
+            // A quote inside a word, as in it's, is part of the word.
+            const bool embeddedAfter = i > 0 && ((previousBits & kLetterOrDigit) != 0 || text[i - 1] == '(' ||
+                                                 text[i - 1] == ')' || text[i - 1] == '\\');
+            const bool embeddedBefore = i + 1 < size && ((bitsOf(text[i + 1]) & kLetterOrDigit) != 0 ||
+                                                         text[i + 1] == '(' || text[i + 1] == ')');
+            return embeddedAfter && embeddedBefore ? WordChar : Quote;
+        }
+        default:
+            // Only ASCII digits are word characters; other digits separate.
+            return (bits & (Letter | WordPunctuation)) || (c >= '0' && c <= '9') ? WordChar : Separator;
+    }
+}
+
 bool isEscapedLetterCode(char16_t c) {
     switch (c) {
         case '%':
@@ -203,43 +230,10 @@ int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
         }
         const char16_t c = i < size ? text[i] : u' ';
         const unsigned char bits = bitsOf(c);
-        const bool afterBlank = blankSoFar || (previousBits & Space) != 0;
 
-        CharacterClass cls = Separator;
-        switch (c) {
-            case '#':
-                cls = afterBlank ? CommentStart : WordChar;
-                break;
-            case '_':
-                cls = afterBlank ? NameStart : WordChar;
-                break;
-            case ';':
-                if (blankSoFar) {
-                    cls = TextFieldMark;
-                    subscript_ = superscript_ = false;
-                }
-                break;
-            case '\'':
-            case '"': {
-                // A quote inside a word, as in it's, is part of the word.
-                const bool embeddedAfter =
-                    i > 0 && ((previousBits & kLetterOrDigit) != 0 || text[i - 1] == '(' ||
-                              text[i - 1] == ')' || text[i - 1] == '\\');
-                const bool embeddedBefore = i + 1 < size && ((bitsOf(text[i + 1]) & kLetterOrDigit) != 0 ||
-                                                             text[i + 1] == '(' || text[i + 1] == ')');
-                cls = embeddedAfter && embeddedBefore ? WordChar : Quote;
-                break;
-            }
-            case '^':
-            case '~':
-                hasMarkup = true;
-                cls = WordChar;
-                break;
-            default:
-                // Only ASCII digits are word characters; other digits separate.
-                if ((bits & (Letter | WordPunctuation)) || (c >= '0' && c <= '9')) cls = WordChar;
-                break;
-        }
+        const CharacterClass cls = classOf(text, i, size, bits, previousBits, blankSoFar);
+        if (cls == TextFieldMark) subscript_ = superscript_ = false;
+        if (c == '^' || c == '~') hasMarkup = true;
         blankSoFar = blankSoFar && (bits & Space) != 0;
         if (cls == WordChar || cls == NameStart) word_.push_back(c);
 

@@ -16,12 +16,14 @@ class QcbsSyntaxHighlighter_CIF;
 // event loop.
 //
 // Every pass of QSyntaxHighlighter (after an edit, after text is loaded, or a
-// slice of this class) asks admit() before a block is highlighted. A pass may
-// highlight for sliceBudget() milliseconds, counted from its first block;
-// afterwards blocks are refused. A refused block keeps its formats and its
-// state, so Qt's pass stops there (it only goes on while states change), and
-// the block is written into a list of dirty ranges, kept as text cursors so
-// that later edits move them along.
+// slice of this class) asks admit() before a block is highlighted. The
+// passes of one turn of the event loop may highlight for sliceBudget()
+// milliseconds, counted from their first block; afterwards blocks are
+// refused. A refused block keeps its formats and its state, so beyond the
+// text an edit changed Qt's pass stops there (it only goes on while states
+// change); within that text Qt asks block after block, and the refusals grow
+// one range. Refused blocks go into a list of dirty ranges, kept as text
+// cursors so that later edits move them along.
 //
 // Slices run from a zero-interval timer while dirty ranges remain. A slice
 // first highlights the visible lines of the view if any of them are dirty,

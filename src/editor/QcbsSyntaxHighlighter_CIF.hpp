@@ -18,9 +18,12 @@ class QTextDocument;
 class QcbsHighlightScheduler;
 
 // Colours the CIF text of an editor. Each line is classified by
-// QcbsCifLineClassifier; this class turns the styles into one setFormat per
-// run of equal style, from formats built once per style, and hands the
-// packed line state to the next line through QTextBlock::userState.
+// QcbsCifLineClassifier (Qt hands a block's text without its line end, which
+// counts as a separator, so a block header or loop_ alone on its line is
+// recognised and a lone ";" opens a text field); this class turns the styles
+// into one setFormat per run of equal style, from formats built once per
+// style, and hands the packed line state to the next line through
+// QTextBlock::userState.
 //
 // Huge documents. QSyntaxHighlighter highlights synchronously: every block an
 // edit touches, and then every following block for as long as the state a
@@ -33,14 +36,19 @@ class QcbsHighlightScheduler;
 // plain QSyntaxHighlighter.
 //
 // How an editor must use it:
-// - Create it while the document is still empty (as QcbsRichTextEdit does in
-//   initialise): attaching to a non-empty document makes Qt highlight the
-//   whole document in one pass at the next turn of the event loop.
-// - Never replace the highlighter of a large document, and never call
-//   rehighlight(): use setDictionary() and updateStyles(), then
-//   rehighlightInSlices().
-// - Load a large text with QcbsSlicedTextLoader rather than setPlainText(),
-//   whose own cost grows to seconds on a million lines.
+// - Create it with the QPlainTextEdit constructor while the document is
+//   still empty (in initialise): attaching to a non-empty document makes Qt
+//   highlight the whole document in one pass at the next turn of the loop.
+// - Put large texts in with QcbsSlicedTextLoader, not setPlainText(), which
+//   alone blocks for seconds on a million lines, and read the text (parse,
+//   save) only after the loader's finished().
+// - After a change of styles: updateStyles(), then rehighlightInSlices();
+//   after a change of dictionary: setDictionary(), then
+//   rehighlightInSlices(). Never setPlainText() the same text again to
+//   re-highlight, never rehighlight() a large document, and never replace
+//   the highlighter of one.
+// - Slices change no text: they emit no textChanged() and leave the
+//   modified flag and the undo history alone.
 class QcbsSyntaxHighlighter_CIF : public QSyntaxHighlighter {
     Q_OBJECT
 
