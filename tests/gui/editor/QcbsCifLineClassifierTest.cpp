@@ -39,7 +39,7 @@ int endState(const QString& text, int incoming = Fresh) {
     return classifier.classify(text, incoming);
 }
 
-TEST(QcbsCifLineClassifier, BlockHeadersNeedFiveCharactersAndLowerCaseData) {
+TEST(QcbsCifLineClassifier, BlockHeadersAndTheLoopKeywordAreExactLowerCaseWords) {
     EXPECT_EQ(styles("data_x"), "TTTTTT");
     EXPECT_EQ(styles("data_mine  # first"), "TTTTTTTTTSSCCCCCCC");
     EXPECT_EQ(styles("data_"), "TTTTT");
@@ -48,14 +48,9 @@ TEST(QcbsCifLineClassifier, BlockHeadersNeedFiveCharactersAndLowerCaseData) {
     EXPECT_EQ(styles("x data_b"), "SSTTTTTT");
     // save_, global_ and stop_ have no style of their own.
     EXPECT_EQ(styles("save_a global_ stop_"), std::string(20, 'S'));
-}
-
-TEST(QcbsCifLineClassifier, OnlyTheExactWordLoopIsAKeyword) {
-    EXPECT_EQ(styles("loop_"), "KKKKK");
+    // Only the exact word loop_ is a keyword.
     EXPECT_EQ(styles("  loop_ _a"), "SSKKKKKSUU");
     EXPECT_EQ(styles("LOOP_ Loop_ loop_x xloop_"), std::string(25, 'S'));
-    EXPECT_TRUE(QcbsCifLineClassifier::isKeyword(u"loop_"));
-    EXPECT_FALSE(QcbsCifLineClassifier::isKeyword(u"loop"));
 }
 
 TEST(QcbsCifLineClassifier, WithoutALineEndSeparatorATokenAtTheEndStaysUnexamined) {
@@ -225,26 +220,6 @@ TEST(QcbsCifLineClassifier, UnknownIncomingStatesStartAfresh) {
     EXPECT_EQ(styles("_a b", 0x7f0000), "UUSS");
     // Flags come in with whatever state they accompany.
     EXPECT_EQ(styles("ab", Sub), "PP");
-}
-
-TEST(QcbsCifLineClassifier, TheBufferFollowsTheLineLengthAndRunsCoverEachCharacterOnce) {
-    QcbsCifLineClassifier classifier;
-    classify(classifier, "# a long comment line");
-    classify(classifier, "_x 1");
-    EXPECT_EQ(classifier.lineLength(), 4);
-    std::string runs;
-    int covered = 0;
-    classifier.forEachRun([&](int start, int count, QcbsFontStyleSettings::SyntaxStyle style) {
-        EXPECT_EQ(start, covered);
-        covered += count;
-        runs += std::to_string(count) + styleLetter(style);
-    });
-    EXPECT_EQ(runs, "2U1C1S");
-    EXPECT_EQ(covered, 4);
-    classify(classifier, "");
-    int calls = 0;
-    classifier.forEachRun([&](int, int, QcbsFontStyleSettings::SyntaxStyle) { ++calls; });
-    EXPECT_EQ(calls, 0);
 }
 
 TEST(QcbsCifLineClassifier, TheFastPathForPlainRunsAgreesWithTheCharacterByCharacterPath) {
