@@ -53,8 +53,10 @@ bool QcbsHighlightScheduler::admit(const QTextBlock& block) {
         QTimer::singleShot(0, this,
                            &QcbsHighlightScheduler::closePass);  // the pass ends with this turn of the loop
     }
+    // The visible lines, a screenful, are done whole whatever the time; other
+    // blocks only while the budget lasts.
     const bool allowed =
-        (lastPosition_ < 0 || block.position() <= lastPosition_) && passClock_.elapsed() < budget_;
+        lastPosition_ >= 0 ? block.position() <= lastPosition_ : passClock_.elapsed() < budget_;
     if (!allowed) refuse(block);
     return allowed;
 }

@@ -26,9 +26,10 @@ class QcbsSyntaxHighlighter_CIF;
 // cursors so that later edits move them along.
 //
 // Slices run from a zero-interval timer while dirty ranges remain. A slice
-// first highlights the visible lines of the view if any of them are dirty,
-// starting from the state the line above holds now (right whenever that line
-// is clean), then works through the dirty ranges from the top. Within a
+// first highlights the visible lines of the view if any of them are dirty
+// (all of them, whatever the budget), starting from the state the line above
+// holds now (right whenever that line is clean), then works through the
+// dirty ranges from the top while the budget lasts. Within a
 // range every block is highlighted, whether its state changed or not (each
 // highlighted block marks the next one with the state -1, "not highlighted",
 // which makes Qt go on); after the range Qt goes on by itself while states
