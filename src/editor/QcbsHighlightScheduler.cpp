@@ -49,9 +49,9 @@ void QcbsHighlightScheduler::markDirty(const QTextBlock& from, const QTextBlock&
 
 bool QcbsHighlightScheduler::admit(const QTextBlock& block) {
     if (!passOpen_) {
+        // The pass lasts until the event loop gets control again.
         openPass();
-        QTimer::singleShot(0, this,
-                           &QcbsHighlightScheduler::closePass);  // the pass ends with this turn of the loop
+        QTimer::singleShot(0, this, &QcbsHighlightScheduler::closePass);
     }
     // The visible lines, a screenful, are done whole whatever the time; other
     // blocks only while the budget lasts.

@@ -31,7 +31,6 @@ void QcbsSlicedTextLoader::load(const QString& text) {
     timer_.stop();
     editor_->setReadOnly(true);
     document->setUndoRedoEnabled(false);
-    editor_->setPlainText(QString());
     text_ = text;
     next_ = 0;
     linesPerSlice_ = kFirstSliceLines;
@@ -53,18 +52,27 @@ void QcbsSlicedTextLoader::insertSlice() {
         end = lineEnd < 0 ? text_.size() : lineEnd + 1;
         ++lines;
     }
-    QTextCursor cursor(editor_->document());
-    cursor.movePosition(QTextCursor::End);
-    cursor.insertText(QStringView(text_).mid(next_, end - next_).toString());
+    const QString slice = QStringView(text_).mid(next_, end - next_).toString();
+    if (next_ == 0) {
+        // The first slice replaces the old text and leaves the editor's cursor
+        // at the start; later slices go in after it, out of the cursor's way.
+        editor_->setPlainText(slice);
+    } else {
+        QTextCursor cursor(editor_->document());
+        cursor.movePosition(QTextCursor::End);
+        cursor.insertText(slice);
+    }
     next_ = end;
 
     if (next_ >= text_.size()) {
         finish();
         return;
     }
-    // Aim the next slice at the budget from the pace of this one.
-    const qint64 elapsed = std::max<qint64>(clock.elapsed(), 1);
-    const qint64 aimed = static_cast<qint64>(lines) * budget_ / elapsed;
+    // Aim the next slice at the budget from the pace of this one, growing at
+    // most twofold.
+    const qint64 nanoseconds = std::max<qint64>(clock.nsecsElapsed(), 1);
+    const qint64 aimed =
+        std::min<qint64>(static_cast<qint64>(lines) * budget_ * 1000000 / nanoseconds, 2LL * lines);
     linesPerSlice_ = static_cast<int>(std::clamp<qint64>(aimed, kMinimumSliceLines, kMaximumSliceLines));
     timer_.start();
 }

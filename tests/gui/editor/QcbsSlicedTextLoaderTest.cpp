@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTextDocument>
 #include <functional>
@@ -45,6 +46,9 @@ TEST(QcbsSlicedTextLoader, TheWholeTextArrivesInSlicesAndTheEditorIsRestoredAfte
     EXPECT_FALSE(editor.document()->isModified());
     EXPECT_TRUE(editor.document()->isUndoRedoEnabled());
     EXPECT_FALSE(editor.document()->isUndoAvailable());
+    // As after setPlainText, the cursor and the view are at the start.
+    EXPECT_EQ(editor.textCursor().position(), 0);
+    EXPECT_EQ(editor.verticalScrollBar()->value(), 0);
 }
 
 TEST(QcbsSlicedTextLoader, LineEndsAndTheLastLineComeOutAsSetPlainTextMakesThem) {
