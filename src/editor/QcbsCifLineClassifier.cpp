@@ -198,6 +198,7 @@ int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
     }
     bool blankSoFar = true;
     bool hasMarkup = false;
+    uniform_ = false;
     word_.clear();
     unsigned char previousBits = bitsOf(0);
 
@@ -206,6 +207,7 @@ int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
         if (fastRuns_ && i < size && (bitsOf.latin1(text[i]) & kPlain) && (i < 1 || text[i - 1] != '\\') &&
             (i < 2 || text[i - 2] != '\\')) {
             int end = i;
+            uniform_ = i == 0;  // a run over the whole line is one run, unless it restyles a word
             switch (state) {
                 case Normal:
                     end = normalRun(text, i, size, blankSoFar);
@@ -222,8 +224,9 @@ int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
                 default:
                     break;
             }
+            if (end != paragraphLength) uniform_ = false;
             if (end > i) {
-                previousBits = bitsOf(text[end - 1]);
+                previousBits = bitsOf(end <= size ? text[end - 1] : u' ');
                 i = end - 1;
                 continue;
             }
@@ -271,7 +274,10 @@ int QcbsCifLineClassifier::classify(QStringView line, int incomingState) {
         previousBits = bits;
     }
 
-    if (hasMarkup || subscript_ || superscript_) applyMarkup(text, size, paragraphLength);
+    if (hasMarkup || subscript_ || superscript_) {
+        applyMarkup(text, size, paragraphLength);
+        uniform_ = false;
+    }
     if (state != InTextField) subscript_ = superscript_ = false;
 
     int packed = (state == InQuotedString || state == InTextField) ? state : Normal;
@@ -315,6 +321,16 @@ int QcbsCifLineClassifier::normalRun(const char16_t* text, int from, int size, b
     }
     std::fill(styles + filled, styles + i, QcbsFontStyleSettings::Standard);
     blankSoFar = blank;
+    if (i == size && lineEnd_ == LineEnd::Separator) {
+        // The blank standing for the line end ends the run, and any open word,
+        // here too; no escape code can reach it over plain characters.
+        styles[size] = QcbsFontStyleSettings::Standard;
+        if (wordStart >= 0 && size - wordStart >= 5) {
+            endWord(std::u16string_view(text + wordStart, static_cast<std::size_t>(size - wordStart)), size);
+        }
+        word_.clear();
+        return size + 1;
+    }
     if (wordStart >= 0) {
         word_.assign(text + wordStart, text + i);
     } else {
@@ -339,6 +355,10 @@ int QcbsCifLineClassifier::plainRun(const char16_t* text, int from, int size, bo
     }
     blankSoFar = blank;
     word_.clear();
+    if (i == size && lineEnd_ == LineEnd::Separator) {
+        styles[size] = style;  // the blank standing for the line end stays in the run
+        return size + 1;
+    }
     return i;
 }
 
@@ -351,8 +371,10 @@ void QcbsCifLineClassifier::endWord(std::u16string_view word, int position) {
     const int length = static_cast<int>(word.size());
     if (length > 4 && word.compare(0, 5, u"data_") == 0) {
         setStyle(position - length, length, QcbsFontStyleSettings::Type);
+        uniform_ = false;
     } else if (isKeyword(QStringView(word.data(), word.size()))) {
         setStyle(position - length, length, QcbsFontStyleSettings::Keyword);
+        uniform_ = false;
     }
 }
 

@@ -72,6 +72,10 @@ public:
     template <class Apply>
     void forEachRun(Apply&& apply) const {
         const int size = lineLength_;
+        if (uniform_ && size > 0) {
+            apply(0, size, styles_[0]);
+            return;
+        }
         int start = 0;
         while (start < size) {
             const SyntaxStyle style = styles_[start];
@@ -102,6 +106,7 @@ private:
     const CifDictionary* dictionary_;
     LineEnd lineEnd_;
     bool fastRuns_ = true;
+    bool uniform_ = false;  // the last line is one run of one style
     int lineLength_ = 0;
     std::vector<SyntaxStyle> styles_;
     std::u16string word_;  // the bare word or data name being read

@@ -222,6 +222,15 @@ TEST(QcbsCifLineClassifier, UnknownIncomingStatesStartAfresh) {
     EXPECT_EQ(styles("ab", Sub), "PP");
 }
 
+// The runs of equal style a classifier reports, as "count letter" pairs.
+std::string runs(const QcbsCifLineClassifier& classifier) {
+    std::string text;
+    classifier.forEachRun([&text](int start, int count, QcbsFontStyleSettings::SyntaxStyle style) {
+        text += std::to_string(start) + "+" + std::to_string(count) + styleLetter(style) + " ";
+    });
+    return text;
+}
+
 TEST(QcbsCifLineClassifier, TheFastPathForPlainRunsAgreesWithTheCharacterByCharacterPath) {
     // Random lines from pieces that meet every rule, fed to two classifiers
     // in the same order, so even the styles left over from earlier lines
@@ -246,6 +255,7 @@ TEST(QcbsCifLineClassifier, TheFastPathForPlainRunsAgreesWithTheCharacterByChara
         const int state = incoming[next(7)];
         ASSERT_EQ(fast.classify(line, state), slow.classify(line, state)) << line.toStdString();
         ASSERT_EQ(styleLetters(fast.styles()), styleLetters(slow.styles())) << line.toStdString();
+        ASSERT_EQ(runs(fast), runs(slow)) << line.toStdString();
     }
 }
 
