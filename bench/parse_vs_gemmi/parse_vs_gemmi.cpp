@@ -76,7 +76,8 @@ std::string parse_gemmi(const std::string& file) {
 // Splits on white space only: the least any reader must do.
 std::string parse_scan(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    std::string text(static_cast<std::size_t>(fs::file_size(file)), '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     std::size_t tokens = 0;
     bool in_token = false;
     for (char c : text) {
