@@ -58,7 +58,7 @@ void CifDataItem::copy_value_from(std::size_t n, const CifDataItem& other, std::
 }
 
 int CifDataItem::validate(const std::string& value) const {
-    if (dictionary_.is_null()) return 0;
+    if (dictionary_.is_null() || !dictionary_->has_definitions()) return 0;
     return dictionary_->check_value(name_, value, looped_);
 }
 

@@ -1,27 +1,66 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "cif/CifEnumeration.hpp"
+#include "cif/CifItemDefinition.hpp"
 
 // A source of data-name definitions that documents are checked against.
-// Data names are compared without regard to case. Concrete dictionaries
-// (one file read into memory) and pools of several dictionaries derive
-// from it; further queries (categories, types, enumerations) are added
-// here as virtual members with the dictionaries that answer them.
+// Data names are compared without regard to case. A concrete dictionary
+// (one file read into memory, CifConcreteDictionary) and a pool of several
+// dictionaries searched together (CifDictionaryPool) derive from it.
 class CifDictionary {
 public:
+    using Enumeration = CifEnumeration;
+
     virtual ~CifDictionary() = default;
 
     // Whether the dictionary defines the data name (with its leading
     // underscore), compared without regard to case.
     virtual bool is_defined(const std::string& data_name) const = 0;
 
-    // The code of the first problem of the value for the data name (0 when
-    // acceptable); a looped value is checked as one entry of a column. A
-    // dictionary that does not check values accepts every value.
-    virtual int check_value(const std::string& data_name, const std::string& value, bool looped) const {
+    // The definition of a data name, or null when it has none. The pointer
+    // stays valid while the dictionary lives and is not read again.
+    virtual const CifItemDefinition* definition(const std::string& data_name) const {
         (void)data_name;
-        (void)value;
-        (void)looped;
-        return 0;
+        return nullptr;
     }
+
+    // Whether documents are checked against this dictionary at all: false
+    // for a dictionary that defines nothing (an empty pool), which readers
+    // then treat as no dictionary (no data name is reported as undefined).
+    virtual bool has_definitions() const { return true; }
+
+    // The code (CifError::ErrorID) of the first problem of the value for the
+    // data name, 0 when it is acceptable; a looped value is checked as one
+    // entry of a loop column. Names without a definition accept every value.
+    // The default checks the value against definition(); see CifValueCheck.
+    virtual int check_value(const std::string& data_name, const std::string& value, bool looped) const;
+
+    // The dictionary's name: for one file its descriptor's name; for a pool
+    // the names of its members joined by ", ".
+    virtual std::string name() const { return std::string(); }
+
+    // The names of all categories, in the dictionary's own order. For DDL1
+    // these are the category-overview names ("_atom_site_[]"), the overview
+    // of overviews "_category_overview_[]" included; categories used by
+    // definitions but lacking an overview follow in the same form.
+    virtual std::vector<std::string> categories() const { return {}; }
+
+    // The data names of one category, in the dictionary's order. The
+    // category may be given as its overview name ("_atom_site_[]"), as its
+    // plain name ("atom_site") or with a leading underscore ("_atom_site").
+    virtual std::vector<std::string> category_items(const std::string& category) const {
+        (void)category;
+        return {};
+    }
+
+    // Shorthands over definition(); empty answers for undefined names.
+    std::vector<Enumeration> enumerations(const std::string& data_name) const;
+    std::string definition_text(const std::string& data_name) const;
+    std::string category_of(const std::string& data_name) const;
+
+    // "atom_site" for "_atom_site_[]", "_atom_site" or "atom_site".
+    static std::string plain_category_name(const std::string& category);
 };

@@ -223,7 +223,8 @@ void CifReader::check_name(const std::string& name, int line, bool block_name) {
 }
 
 void CifReader::check_defined(const std::string& name, int line) {
-    if (!settings_.check_data_names || cif_.dictionary_.is_null()) return;
+    if (!settings_.check_data_names || cif_.dictionary_.is_null() || !cif_.dictionary_->has_definitions())
+        return;
     if (!cif_.dictionary_->is_defined(name)) errors_.add(CifError::undefined_data_name, line, name);
 }
 

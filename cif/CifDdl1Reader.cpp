@@ -1,0 +1,220 @@
+#include "cif/CifDdl1Reader.hpp"
+
+#include <charconv>
+#include <cstdlib>
+#include <unordered_set>
+
+#include "cif/Cif.hpp"
+#include "cif/CifConcreteDictionary.hpp"
+#include "cif/CifNames.hpp"
+
+namespace {
+
+// The values of an attribute, looped or not ("?" and "." count as absent).
+std::vector<std::string> values_of(const CifDataBlock& block, const char* tag) {
+    std::vector<std::string> result;
+    THandle<CifDataItem> item = block.find(tag);
+    if (item.is_null()) return result;
+    for (std::size_t n = 0; n < item->size(); ++n) result.emplace_back(item->value_view(n));
+    return result;
+}
+
+std::string value_of(const CifDataBlock& block, const char* tag) {
+    THandle<CifDataItem> item = block.find(tag);
+    if (item.is_null() || !item->has_value()) return std::string();
+    std::string_view value = item->value_view(0);
+    if (!item->is_quoted(0) && (value == "?" || value == ".")) return std::string();
+    return std::string(value);
+}
+
+int line_of(const CifDataBlock& block, const char* tag) {
+    THandle<CifDataItem> item = block.find(tag);
+    return item.is_null() || item->line() < 1 ? block.line() : item->line();
+}
+
+// One end of a numeric range; empty text is an open end.
+bool parse_bound(std::string_view text, bool& present, double& value) {
+    present = !text.empty();
+    if (!present) return true;
+    std::string copy(text);
+    char* end = nullptr;
+    value = std::strtod(copy.c_str(), &end);
+    return end != copy.c_str() && *end == '\0';
+}
+
+bool is_numeric_bound(std::string_view text) {
+    return text.empty() || text.find_first_not_of("+-.0123456789eE") == std::string_view::npos;
+}
+
+}  // namespace
+
+CifDdl1Reader::CifDdl1Reader(CifConcreteDictionary& dictionary, THandle<CifErrorContainer> errors,
+                             std::ostream* log)
+    : dictionary_(dictionary), errors_(errors), log_(log) {}
+
+void CifDdl1Reader::error(int code, int line, std::string text, std::string detail) {
+    if (errors_.is_null()) return;
+    errors_->add(CifError(static_cast<CifError::ErrorID>(code), line, std::move(text), std::move(detail)));
+}
+
+void CifDdl1Reader::read(std::string text) {
+    CifParserSettings settings;
+    settings.line_length = 0;
+    settings.check_data_names = false;
+    Cif cif;
+    cif.read_text(std::move(text), settings);
+    // Only errors of the text make the dictionary unfit; remarks and
+    // warnings (a missing final line end, say) go to the log.
+    for (const CifError& problem : *cif.errors()) {
+        if (problem.type() == CifError::error && !errors_.is_null()) {
+            errors_->add(problem);
+        } else if (log_ != nullptr) {
+            *log_ << problem.complete_message() << '\n';
+        }
+    }
+    for (const THandle<CifDataBlock>& block : cif.blocks()) {
+        if (cif_iequals(block->name(), "on_this_dictionary")) {
+            read_descriptor(*block);
+        } else {
+            read_definition(*block);
+        }
+    }
+    if (dictionary_.definitions_.empty()) error(CifError::not_a_dictionary, 1);
+    build_categories();
+    if (log_ != nullptr) {
+        *log_ << "Read dictionary " << dictionary_.descriptor_.text() << ": "
+              << dictionary_.definitions_.size() << " data names in " << dictionary_.categories_.size()
+              << " categories\n";
+    }
+}
+
+void CifDdl1Reader::read_descriptor(const CifDataBlock& block) {
+    dictionary_.descriptor_.name = value_of(block, "_dictionary_name");
+    dictionary_.descriptor_.version = value_of(block, "_dictionary_version");
+    dictionary_.descriptor_.date = value_of(block, "_dictionary_update");
+}
+
+void CifDdl1Reader::read_definition(const CifDataBlock& block) {
+    std::vector<std::string> names = values_of(block, "_name");
+    if (names.empty()) {
+        error(CifError::definition_without_name, block.line(), block.name());
+        return;
+    }
+    CifItemDefinition definition;
+    definition.line = block.line();
+    if (!read_attributes(block, definition)) return;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        CifItemDefinition copy = i + 1 < names.size() ? definition : std::move(definition);
+        copy.name = names[i];
+        add_definition(std::move(copy), block.line());
+    }
+}
+
+bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition& definition) {
+    const std::string label = value_of(block, "_name").empty() ? block.name() : value_of(block, "_name");
+    definition.category = cif_lowercase(value_of(block, "_category"));
+
+    definition.type_text = value_of(block, "_type");
+    if (definition.type_text == "numb") {
+        definition.type = CifItemDefinition::Type::numb;
+    } else if (definition.type_text == "char" || definition.type_text.empty()) {
+        definition.type = CifItemDefinition::Type::char_text;
+    } else if (definition.type_text == "null") {
+        definition.type = CifItemDefinition::Type::null;
+    } else {
+        error(CifError::dictionary_unknown_type, line_of(block, "_type"), label, definition.type_text);
+    }
+    for (const std::string& condition : values_of(block, "_type_conditions")) {
+        if (cif_iequals(condition, "esd") || cif_iequals(condition, "su"))
+            definition.uncertainty = CifItemDefinition::Uncertainty::allowed;
+    }
+
+    std::vector<std::string> values = values_of(block, "_enumeration");
+    std::vector<std::string> details = values_of(block, "_enumeration_detail");
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        definition.enumerations.push_back({values[i], i < details.size() ? details[i] : std::string()});
+    }
+    definition.enumeration_default = value_of(block, "_enumeration_default");
+
+    definition.range_text = value_of(block, "_enumeration_range");
+    if (!definition.range_text.empty()) {
+        std::string_view range = definition.range_text;
+        std::size_t colon = range.find(':');
+        bool valid = colon != std::string_view::npos;
+        if (valid && definition.type == CifItemDefinition::Type::numb) {
+            valid = is_numeric_bound(range.substr(0, colon)) && is_numeric_bound(range.substr(colon + 1)) &&
+                    parse_bound(range.substr(0, colon), definition.has_minimum, definition.minimum) &&
+                    parse_bound(range.substr(colon + 1), definition.has_maximum, definition.maximum) &&
+                    (!definition.has_minimum || !definition.has_maximum ||
+                     definition.minimum <= definition.maximum);
+        }
+        if (valid) {
+            definition.has_range = true;
+        } else {
+            error(CifError::dictionary_bad_range, line_of(block, "_enumeration_range"), label,
+                  definition.range_text);
+        }
+    }
+
+    std::string list = value_of(block, "_list");
+    if (list.empty() || cif_iequals(list, "no")) {
+        definition.list = CifItemDefinition::List::no;
+    } else if (cif_iequals(list, "yes")) {
+        definition.list = CifItemDefinition::List::yes;
+    } else if (cif_iequals(list, "both")) {
+        definition.list = CifItemDefinition::List::both;
+    } else {
+        error(CifError::dictionary_bad_range, line_of(block, "_list"), label, "_list " + list);
+    }
+    definition.list_reference = values_of(block, "_list_reference");
+    definition.list_mandatory = cif_iequals(value_of(block, "_list_mandatory"), "yes");
+    definition.list_link_parent = values_of(block, "_list_link_parent");
+    definition.list_link_child = values_of(block, "_list_link_child");
+
+    definition.units = value_of(block, "_units");
+    definition.units_detail = value_of(block, "_units_detail");
+    std::vector<std::string> examples = values_of(block, "_example");
+    std::vector<std::string> example_details = values_of(block, "_example_detail");
+    for (std::size_t i = 0; i < examples.size(); ++i) {
+        definition.examples.push_back({examples[i], i < example_details.size() ? example_details[i] : ""});
+    }
+    std::vector<std::string> related = values_of(block, "_related_item");
+    std::vector<std::string> functions = values_of(block, "_related_function");
+    for (std::size_t i = 0; i < related.size(); ++i) {
+        definition.related.push_back({related[i], i < functions.size() ? functions[i] : ""});
+    }
+    definition.definition = value_of(block, "_definition");
+    return true;
+}
+
+void CifDdl1Reader::add_definition(CifItemDefinition definition, int line) {
+    std::string key = cif_lowercase(definition.name);
+    auto [found, inserted] = dictionary_.index_.emplace(key, dictionary_.definitions_.size());
+    if (!inserted) {
+        error(CifError::dictionary_duplicate_definition, line, definition.name,
+              std::to_string(dictionary_.definitions_[found->second].line));
+        return;
+    }
+    dictionary_.definitions_.push_back(std::move(definition));
+}
+
+void CifDdl1Reader::build_categories() {
+    std::vector<CifItemDefinition>& definitions = dictionary_.definitions_;
+    std::unordered_set<std::string> known;
+    for (const CifItemDefinition& definition : definitions) {
+        if (!definition.is_category_overview()) continue;
+        dictionary_.categories_.push_back(definition.name);
+        known.insert(CifDictionary::plain_category_name(definition.name));
+    }
+    for (std::size_t i = 0; i < definitions.size(); ++i) {
+        const std::string& category = definitions[i].category;
+        if (category.empty()) continue;
+        dictionary_.members_[category].push_back(i);
+        if (!definitions[i].is_category_overview() && known.insert(category).second) {
+            dictionary_.categories_.push_back("_" + category + "_[]");
+            if (log_ != nullptr)
+                *log_ << "Remark: Line " << definitions[i].line << " : category " << category << " of "
+                      << definitions[i].name << " has no overview definition\n";
+        }
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "cif/CifErrorContainer.hpp"
+#include "support/THandle.hpp"
+
+class CifConcreteDictionary;
+class CifDataBlock;
+struct CifItemDefinition;
+
+// Fills a CifConcreteDictionary from DDL1 text: the text is read as CIF,
+// data_on_this_dictionary gives the descriptor and every other block is one
+// definition (a single or looped _name with the attributes _category,
+// _type, _type_conditions, _enumeration(_detail), _enumeration_default,
+// _enumeration_range, _list, _list_reference, _list_mandatory,
+// _list_link_parent, _list_link_child, _units, _units_detail,
+// _example(_detail), _related_item, _related_function, _definition).
+class CifDdl1Reader {
+public:
+    CifDdl1Reader(CifConcreteDictionary& dictionary, THandle<CifErrorContainer> errors, std::ostream* log);
+
+    void read(std::string text);
+
+private:
+    void read_descriptor(const CifDataBlock& block);
+    void read_definition(const CifDataBlock& block);
+    bool read_attributes(const CifDataBlock& block, CifItemDefinition& definition);
+    void add_definition(CifItemDefinition definition, int line);
+    void build_categories();
+    void error(int code, int line, std::string text = {}, std::string detail = {});
+
+    CifConcreteDictionary& dictionary_;
+    THandle<CifErrorContainer> errors_;
+    std::ostream* log_;
+};

@@ -1,0 +1,36 @@
+#include "cif/CifDictionary.hpp"
+
+#include "cif/CifNames.hpp"
+#include "cif/CifValueCheck.hpp"
+
+int CifDictionary::check_value(const std::string& data_name, const std::string& value, bool looped) const {
+    const CifItemDefinition* found = definition(data_name);
+    if (found == nullptr) return 0;
+    if (CifValueCheck::Result result = CifValueCheck::check_list(*found, looped)) return result.code;
+    return CifValueCheck::check(*found, value).code;
+}
+
+std::vector<CifDictionary::Enumeration> CifDictionary::enumerations(const std::string& data_name) const {
+    const CifItemDefinition* found = definition(data_name);
+    return found == nullptr ? std::vector<Enumeration>() : found->enumerations;
+}
+
+std::string CifDictionary::definition_text(const std::string& data_name) const {
+    const CifItemDefinition* found = definition(data_name);
+    return found == nullptr ? std::string() : found->definition;
+}
+
+std::string CifDictionary::category_of(const std::string& data_name) const {
+    const CifItemDefinition* found = definition(data_name);
+    return found == nullptr ? std::string() : found->category;
+}
+
+std::string CifDictionary::plain_category_name(const std::string& category) {
+    std::string_view name = category;
+    if (name.size() >= 3 && name.substr(name.size() - 3) == "_[]")
+        name.remove_suffix(3);
+    else if (name.size() >= 2 && name.substr(name.size() - 2) == "[]")
+        name.remove_suffix(2);
+    if (!name.empty() && name.front() == '_') name.remove_prefix(1);
+    return cif_lowercase(name);
+}

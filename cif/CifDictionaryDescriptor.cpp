@@ -1,0 +1,8 @@
+#include "cif/CifDictionaryDescriptor.hpp"
+
+std::string CifDictionaryDescriptor::text() const {
+    std::string result = name;
+    if (!version.empty()) result += (result.empty() ? "" : " ") + version;
+    if (!date.empty()) result += (result.empty() ? "(" : " (") + date + ")";
+    return result;
+}

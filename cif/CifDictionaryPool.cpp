@@ -1,0 +1,68 @@
+#include "cif/CifDictionaryPool.hpp"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "cif/CifNames.hpp"
+
+void CifDictionaryPool::insert(THandle<CifConcreteDictionary> dictionary) {
+    if (dictionary.is_null() || contains(dictionary)) return;
+    members_.push_back(dictionary);
+}
+
+void CifDictionaryPool::erase(THandle<CifConcreteDictionary> dictionary) {
+    auto found = std::find(members_.begin(), members_.end(), dictionary);
+    if (found != members_.end()) members_.erase(found);
+}
+
+bool CifDictionaryPool::contains(const THandle<CifConcreteDictionary>& dictionary) const {
+    return std::find(members_.begin(), members_.end(), dictionary) != members_.end();
+}
+
+bool CifDictionaryPool::is_defined(const std::string& data_name) const {
+    return definition(data_name) != nullptr;
+}
+
+const CifItemDefinition* CifDictionaryPool::definition(const std::string& data_name) const {
+    for (const THandle<CifConcreteDictionary>& member : members_) {
+        if (const CifItemDefinition* found = member->definition(data_name)) return found;
+    }
+    return nullptr;
+}
+
+bool CifDictionaryPool::has_definitions() const {
+    return std::any_of(members_.begin(), members_.end(), [](const THandle<CifConcreteDictionary>& member) {
+        return member->has_definitions();
+    });
+}
+
+std::string CifDictionaryPool::name() const {
+    std::string result;
+    for (const THandle<CifConcreteDictionary>& member : members_) {
+        if (!result.empty()) result += ", ";
+        result += member->name();
+    }
+    return result;
+}
+
+std::vector<std::string> CifDictionaryPool::categories() const {
+    std::vector<std::string> result;
+    std::unordered_set<std::string> seen;
+    for (const THandle<CifConcreteDictionary>& member : members_) {
+        for (const std::string& category : member->categories()) {
+            if (seen.insert(cif_lowercase(category)).second) result.push_back(category);
+        }
+    }
+    return result;
+}
+
+std::vector<std::string> CifDictionaryPool::category_items(const std::string& category) const {
+    std::vector<std::string> result;
+    std::unordered_set<std::string> seen;
+    for (const THandle<CifConcreteDictionary>& member : members_) {
+        for (const std::string& name : member->category_items(category)) {
+            if (seen.insert(cif_lowercase(name)).second) result.push_back(name);
+        }
+    }
+    return result;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cif/CifConcreteDictionary.hpp"
+#include "cif/CifDictionary.hpp"
+#include "support/THandle.hpp"
+
+// Several concrete dictionaries searched together, in insertion order: a
+// query is answered by the first member that defines the data name, so
+// when two members (two versions of one dictionary, say) define the same
+// name, the one inserted first wins. Members of the same name are both
+// kept; only the same dictionary object is never inserted twice. A pool
+// with no members defines nothing and is treated by readers as no
+// dictionary at all.
+class CifDictionaryPool : public CifDictionary {
+public:
+    using const_iterator = std::vector<THandle<CifConcreteDictionary>>::const_iterator;
+
+    CifDictionaryPool() = default;
+
+    // Appends the dictionary; a null handle or one already a member is ignored.
+    void insert(THandle<CifConcreteDictionary> dictionary);
+    // Removes the dictionary (compared by identity); absent ones are ignored.
+    void erase(THandle<CifConcreteDictionary> dictionary);
+    bool contains(const THandle<CifConcreteDictionary>& dictionary) const;
+
+    const_iterator begin() const { return members_.begin(); }
+    const_iterator end() const { return members_.end(); }
+    std::size_t size() const { return members_.size(); }
+    bool empty() const { return members_.empty(); }
+
+    bool is_defined(const std::string& data_name) const override;
+    const CifItemDefinition* definition(const std::string& data_name) const override;
+    bool has_definitions() const override;
+    std::string name() const override;
+    // The members' categories in member order, each name once.
+    std::vector<std::string> categories() const override;
+    // The category's data names from every member, each name once, in member order.
+    std::vector<std::string> category_items(const std::string& category) const override;
+
+private:
+    std::vector<THandle<CifConcreteDictionary>> members_;
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+// One permitted value of a data item as its dictionary lists it, with the
+// dictionary's explanation of it (empty when the dictionary gives none).
+struct CifEnumeration {
+    std::string value;
+    std::string detail;
+};

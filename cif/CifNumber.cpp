@@ -1,0 +1,82 @@
+#include "cif/CifNumber.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+// The length of the number part (sign, mantissa, exponent) at the start of
+// text, with the position of the mantissa's last digit and the exponent; 0
+// when text does not start with a number.
+struct Shape {
+    std::size_t length = 0;
+    int decimals = 0;  // digits after the point
+    long exponent = 0;
+};
+
+Shape number_shape(std::string_view text) {
+    Shape shape;
+    std::size_t i = 0;
+    const std::size_t n = text.size();
+    if (i < n && (text[i] == '+' || text[i] == '-')) ++i;
+    std::size_t digits = 0;
+    while (i < n && is_digit(text[i])) ++i, ++digits;
+    if (i < n && text[i] == '.') {
+        ++i;
+        while (i < n && is_digit(text[i])) ++i, ++digits, ++shape.decimals;
+    }
+    if (digits == 0) return Shape();
+    if (i < n && (text[i] == 'e' || text[i] == 'E')) {
+        std::size_t j = i + 1;
+        bool negative = false;
+        if (j < n && (text[j] == '+' || text[j] == '-')) negative = text[j++] == '-';
+        std::size_t first = j;
+        long exponent = 0;
+        while (j < n && is_digit(text[j])) {
+            if (exponent < 100000) exponent = exponent * 10 + (text[j] - '0');
+            ++j;
+        }
+        if (j == first) return Shape();  // "1e" is not a number
+        shape.exponent = negative ? -exponent : exponent;
+        i = j;
+    }
+    shape.length = i;
+    return shape;
+}
+
+}  // namespace
+
+CifNumber::Status CifNumber::classify(std::string_view text, bool& has_uncertainty) {
+    has_uncertainty = false;
+    Shape shape = number_shape(text);
+    if (shape.length == 0) return Status::not_a_number;
+    if (shape.length == text.size()) return Status::ok;
+    if (text[shape.length] != '(') return Status::not_a_number;
+    std::size_t i = shape.length + 1;
+    std::size_t first = i;
+    while (i < text.size() && is_digit(text[i])) ++i;
+    if (i == first || i + 1 != text.size() || text[i] != ')') return Status::bad_uncertainty;
+    has_uncertainty = true;
+    return Status::ok;
+}
+
+CifNumber CifNumber::parse(std::string_view text) {
+    CifNumber number;
+    number.status = classify(text, number.has_uncertainty);
+    if (!number.ok()) return number;
+    Shape shape = number_shape(text);
+    // strtod needs a terminated copy; numbers are short.
+    std::string mantissa(text.substr(0, shape.length));
+    number.value = std::strtod(mantissa.c_str(), nullptr);
+    if (number.has_uncertainty) {
+        std::string_view digits = text.substr(shape.length + 1, text.size() - shape.length - 2);
+        double units = 0.0;
+        for (char c : digits) units = units * 10.0 + (c - '0');
+        number.uncertainty = units * std::pow(10.0, static_cast<double>(shape.exponent - shape.decimals));
+    }
+    return number;
+}
