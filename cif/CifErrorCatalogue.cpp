@@ -25,7 +25,7 @@ constexpr CifErrorCatalogueEntry table[] = {
     {305, 2, "unterminated_quoted_string", "Quoted string not terminated: %1",
      "A value opened with a quote has no closing quote (followed by white space) on the same line; the value "
      "is taken to the end of the line. Triple-quoted strings of CIF 2.0 run to the end of the file."},
-    {306, 2, "unterminated_text_field", "Text field not terminated (taken to end at line: %2)",
+    {306, 2, "unterminated_text_field", "Text field not terminated; taken to end at line: %2",
      "A text field opened with a semicolon at the start of a line has no closing line beginning with a "
      "semicolon; it is closed before the next data_ heading or at the end of the file."},
     {307, 2, "loop_values_incomplete",
@@ -44,10 +44,10 @@ constexpr CifErrorCatalogueEntry table[] = {
     {311, 2, "data_outside_block", "Data %1 is outside any data block",
      "Data names, values and loops must follow a data_ heading; this text comes before the first one and is "
      "not kept."},
-    {312, 2, "duplicate_data_name", "Duplicate data name %1 (first at line: %2)",
+    {312, 2, "duplicate_data_name", "Duplicate data name %1, first at line: %2",
      "A data name may occur only once in a data block, in or out of a loop, regardless of case; the later "
      "occurrence is ignored."},
-    {313, 2, "duplicate_block_name", "Duplicate data block name %1 (first at line: %2)",
+    {313, 2, "duplicate_block_name", "Duplicate data block name %1, first at line: %2",
      "Block names must be unique in a file, regardless of case; the later block is still read and kept."},
     {314, 2, "reserved_word_global", "Reserved word global_ is not allowed",
      "global_ is reserved in CIF and may not appear in a CIF file (not even as an unquoted value); quote it "
@@ -137,7 +137,7 @@ constexpr CifErrorCatalogueEntry table[] = {
     {349, 2, "dictionary_bad_range", "Dictionary definition of %1 has an invalid range or enumeration %2",
      "The dictionary's range (min:max) or list of permitted values for the data item cannot be read; it is "
      "not used."},
-    {350, 2, "dictionary_duplicate_definition", "Dictionary defines %1 twice (first at line: %2)",
+    {350, 2, "dictionary_duplicate_definition", "Dictionary defines %1 twice, first at line: %2",
      "A dictionary has two definitions for the same data name; the first is used."},
     {351, 1, "dictionary_undefined_related_item",
      "Dictionary definition of %1 refers to %2, which is not defined",

@@ -38,9 +38,9 @@ TEST(CifErrorCatalogue, CodesTheEditorTreatsSpeciallyHaveTheirFixedRoles) {
 
 TEST(CifErrorCatalogue, MessagesFillInTextAndDetail) {
     CifError error(CifError::duplicate_data_name, 9, "_cell_length_a", "4");
-    EXPECT_EQ(error.message(), "Duplicate data name _cell_length_a (first at line: 4)");
+    EXPECT_EQ(error.message(), "Duplicate data name _cell_length_a, first at line: 4");
     EXPECT_EQ(error.complete_message(),
-              "Error: Line 9 : Duplicate data name _cell_length_a (first at line: 4)");
+              "Error: Line 9 : Duplicate data name _cell_length_a, first at line: 4");
     EXPECT_EQ(CifError(CifError::byte_order_mark, 1).complete_message(),
               "Remark: Line 1 : Byte-order mark ignored");
     CifError unknown(static_cast<CifError::ErrorID>(999), 3, "odd");

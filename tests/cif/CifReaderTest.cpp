@@ -95,7 +95,7 @@ TEST(CifReader, QuotesInsideValuesFollowTheCif11Rule) {
 TEST(CifReader, UnterminatedTextFieldStopsBeforeTheNextBlock) {
     THandle<Cif> cif = read("data_a\n_a\n;\ntext\ndata_b\n_b 1\n");
     EXPECT_EQ(messages(*cif), (Messages{{306, 3}}));
-    EXPECT_EQ(cif->errors()->begin()->message(), "Text field not terminated (taken to end at line: 4)");
+    EXPECT_EQ(cif->errors()->begin()->message(), "Text field not terminated; taken to end at line: 4");
     ASSERT_EQ(cif->blocks().size(), 2u);
     EXPECT_EQ(cif->block(0)->value("_a"), "\ntext");
     EXPECT_EQ(cif->block(1)->value("_b"), "1");
@@ -150,8 +150,8 @@ TEST(CifReader, DuplicatesKeepTheFirstAndNameItsLine) {
     THandle<Cif> cif = read("data_x\n_a 1\n_A 2\nloop_\n_a\n_b\n3 4\ndata_X\n_a 5\n");
     EXPECT_EQ(messages(*cif), (Messages{{312, 3}, {312, 5}, {313, 8}}));
     auto it = cif->errors()->begin();
-    EXPECT_EQ(it->message(), "Duplicate data name _A (first at line: 2)");
-    EXPECT_EQ((it + 2)->message(), "Duplicate data block name X (first at line: 1)");
+    EXPECT_EQ(it->message(), "Duplicate data name _A, first at line: 2");
+    EXPECT_EQ((it + 2)->message(), "Duplicate data block name X, first at line: 1");
     EXPECT_EQ(cif->block(0)->value("_a"), "1");
     EXPECT_EQ(cif->block(0)->value("_b"), "4");
     ASSERT_EQ(cif->blocks().size(), 2u);
