@@ -74,6 +74,36 @@ public:
     bool parseAllowed(QcbsRichTextEdit* editor) const { return !notParsed_.contains(editor); }
     void setParseAllowed(QcbsRichTextEdit* editor, bool allowed);
 
+    // --- Parsing and error processing (QcbsMainWindowParsing.cpp) ---
+    // The pool of enabled dictionaries that every check uses. The dictionary
+    // files are read on the first call that finds any; until then each call
+    // searches again, and the output pane says once where and how to add one.
+    THandle<CifDictionary> dictionary();
+    // Checks the current editor's text: a new Cif on dictionary(), read with
+    // the shared parser settings, the mandatory and consistency checks, the
+    // error list and output pane filled, the block chooser and the tree
+    // refilled. A null handle when the editor has never been given a file.
+    THandle<Cif> parse();
+    // The same for a file on disk (a document being loaded): the messages
+    // reach the error list only when `showErrors`; the tools stay as they
+    // are. A file that cannot be opened gives an empty document.
+    THandle<Cif> parse(std::string filename, bool showErrors);
+    // The consistency checker's findings join the document's messages (only
+    // with the option "consistency checks").
+    void consistency_check(THandle<Cif> cif);
+    // The document's messages into the error list, with the limits on runs
+    // of consecutive warnings and errors, and the totals into the output pane.
+    virtual void processErrors(THandle<Cif> cif);
+    // The block chooser: a header counting the blocks, then one item per
+    // block; the placeholder block is neither counted nor named.
+    void fillBlocksCombo(THandle<Cif> cif);
+    // Whether the editor's text was checked by parse(), and its line count
+    // at the last check (-1 before any).
+    bool isParsed(QcbsRichTextEdit* editor) const { return parsed_.contains(editor); }
+    int parsedLineCount(QcbsRichTextEdit* editor) const { return parsedLines_.value(editor, -1); }
+    // The block the publication wizard adds to a document without blocks.
+    static QString placeholderBlockName() { return "data_added_by_tessary"; }
+
     // The main windows shown at present.
     static int instances();
     // The main window that was active last; null once it closed.
@@ -281,4 +311,16 @@ private:
     bool cifToolsOn_ = false;
 
     static QPointer<QcbsMainWindow> lastActive_;
+
+    // --- Parsing and error processing (QcbsMainWindowParsing.cpp) ---
+    THandle<Cif> newDocument(QcbsRichTextEdit* editor);
+    void finishCheck(QcbsRichTextEdit* editor, THandle<Cif> cif, bool showErrors);
+    void noteLinesAtCheck(QcbsRichTextEdit* editor);
+    void writeMissingDictionaryNote();
+    // Hands the new document to the tree of blocks beside the editor.
+    void loadBoxView();
+
+    QSet<QcbsRichTextEdit*> parsed_;
+    QMap<QcbsRichTextEdit*, int> parsedLines_;
+    bool missingDictionaryNoted_ = false;
 };

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cif/CifParserSettings.hpp"
+#include "cif/CifWriteSettings.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
@@ -44,12 +46,17 @@ public:
     bool consistencyChecks() const { return consistencyChecks_; }
     void setConsistencyChecks(bool on) { consistencyChecks_ = on; }
 
-    // The line-length limits of the CIF reader's and printer's settings. One
-    // setting ("line length limit") feeds both; the reader's copy is saved.
-    int parserLineLength() const { return parserLineLength_; }
-    void setParserLineLength(int length) { parserLineLength_ = length; }
-    int writeLineLength() const { return writeLineLength_; }
-    void setWriteLineLength(int length) { writeLineLength_ = length; }
+    // How every check reads a text and every print writes one. Only the
+    // line-length limits come from the settings: one setting ("line length
+    // limit") feeds both, and the reader's copy is saved.
+    const CifParserSettings& parserSettings() const { return parserSettings_; }
+    CifParserSettings& parserSettings() { return parserSettings_; }
+    const CifWriteSettings& writeSettings() const { return writeSettings_; }
+    CifWriteSettings& writeSettings() { return writeSettings_; }
+    int parserLineLength() const { return parserSettings_.line_length; }
+    void setParserLineLength(int length) { parserSettings_.line_length = length; }
+    int writeLineLength() const { return writeSettings_.line_length; }
+    void setWriteLineLength(int length) { writeSettings_.line_length = length; }
 
     THandle<QcbsDictionaryLoader> dictionaryLoader() const { return dictionaryLoader_; }
     THandle<QcbsDictionarySettings> dictionarySettings() const { return dictionarySettings_; }
@@ -62,7 +69,7 @@ public:
     const std::vector<std::string>& mandatoryCrystalItems() const { return mandatoryCrystalItems_; }
 
     // The CIF library's default line length of its reader and printer.
-    static constexpr int DefaultLineLength = 80;
+    static constexpr int DefaultLineLength = CifParserSettings().line_length;
 
 private:
     void findBrowserScript();
@@ -73,8 +80,8 @@ private:
     bool lineNumbers_ = false;
     bool saveBackup_ = false;
     bool consistencyChecks_ = true;
-    int parserLineLength_ = DefaultLineLength;
-    int writeLineLength_ = DefaultLineLength;
+    CifParserSettings parserSettings_;
+    CifWriteSettings writeSettings_;
     THandle<QcbsDictionaryLoader> dictionaryLoader_;
     THandle<QcbsDictionarySettings> dictionarySettings_;
     THandle<QcbsFontStyleSettings> fontStyles_;

@@ -1,0 +1,272 @@
+// The main window's check of a document: the editor's text (or a file being
+// loaded) read into a Cif, its messages turned into error-list entries and
+// output-pane lines, and the block chooser refilled.
+#include <QApplication>
+#include <QComboBox>
+#include <QHash>
+#include <QSplitter>
+#include <QTabWidget>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <fstream>
+#include <sstream>
+
+#include "application/QcbsMainWindow.hpp"
+#include "application/QcbsMainWindowActions.hpp"
+#include "editor/QcbsLineNumberedTextEdit.hpp"
+#include "editor/QcbsRichTextEdit.hpp"
+#include "editor/QcbsSyntaxHighlighter_CIF.hpp"
+#include "validation/QcbsErrorListView.hpp"
+
+namespace {
+
+// The bytes handed to the reader: Latin-1 for a CIF 1.1 text, UTF-8 for a
+// CIF 2.0 text or one that Latin-1 cannot hold.
+std::string documentBytes(const QcbsRichTextEdit* editor) {
+    QString text = editor->document()->toRawText();
+    // Raw text keeps every character as typed (a no-break space stays one),
+    // but ends its lines with Unicode separators.
+    for (QChar& c : text)
+        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator) c = u'\n';
+    bool latin1 = true;
+    for (const QChar c : text) {
+        if (c.unicode() > 0xff) {
+            latin1 = false;
+            break;
+        }
+    }
+    const QByteArray bytes = latin1 && !text.startsWith("#\\#CIF_2.0") ? text.toLatin1() : text.toUtf8();
+    return bytes.toStdString();
+}
+
+bool isPlaceholder(const THandle<CifDataBlock>& block) {
+    return "data_" + QString::fromStdString(block->name()).toLower() ==
+           QcbsMainWindow::placeholderBlockName();
+}
+
+}  // namespace
+
+THandle<CifDictionary> QcbsMainWindow::dictionary() {
+    // The dictionary classes of the CIF library are not there yet: until
+    // they are, every check is a syntax check.
+    return THandle<CifDictionary>();
+}
+
+THandle<Cif> QcbsMainWindow::newDocument(QcbsRichTextEdit* editor) {
+    THandle<Cif> cif(new Cif(dictionary()));
+    documents_[editor] = cif;
+    return cif;
+}
+
+THandle<Cif> QcbsMainWindow::parse() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr || !fileNames_.contains(editor)) return THandle<Cif>();
+
+    std::string text = documentBytes(editor);
+    THandle<Cif> cif = newDocument(editor);
+    cif->read_text(std::move(text), sharedData_->parserSettings());
+    cif->check_mandatory(sharedData_->mandatoryPublicationItems(), sharedData_->mandatoryCrystalItems());
+    parsed_.insert(editor);
+    noteLinesAtCheck(editor);
+    // The tools that depend on the document (the crystal wizard) follow it.
+    enableTools(tabs_->currentWidget());
+    finishCheck(editor, cif, true);
+    return cif;
+}
+
+THandle<Cif> QcbsMainWindow::parse(std::string filename, bool showErrors) {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return THandle<Cif>();
+
+    THandle<Cif> cif = newDocument(editor);
+    // A file that cannot be opened reads as an empty stream.
+    std::ifstream file(filename, std::ios::binary);
+    cif->read(file, sharedData_->parserSettings());
+    cif->check_mandatory(sharedData_->mandatoryPublicationItems(), sharedData_->mandatoryCrystalItems());
+    noteLinesAtCheck(editor);
+    updateCrystalWizard();
+    finishCheck(editor, cif, showErrors);
+    return cif;
+}
+
+void QcbsMainWindow::finishCheck(QcbsRichTextEdit* editor, THandle<Cif> cif, bool showErrors) {
+    consistency_check(cif);
+    if (showErrors) processErrors(cif);
+    fillBlocksCombo(cif);
+    loadBoxView();
+    // The error list now matches the text: double-clicks highlight again.
+    editor->reopenErrorHighlighting();
+}
+
+void QcbsMainWindow::noteLinesAtCheck(QcbsRichTextEdit* editor) {
+    parsedLines_[editor] = editor->lines();
+    if (!editor->isLoading()) return;
+    // A text still coming in (the file that was just read) has its full line
+    // count, and a text unchanged since the check, only once it is in.
+    connect(
+        editor, &QcbsRichTextEdit::textLoaded, this,
+        [this, editor] {
+            parsedLines_[editor] = editor->lines();
+            editor->reopenErrorHighlighting();
+        },
+        Qt::SingleShotConnection);
+}
+
+void QcbsMainWindow::reparse() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr || !fileNames_.contains(editor)) return;
+    statusBarMessage("Parsing CIF...");
+    if (editor->isLoading()) {
+        // Checked once the whole text is in; a second request adds nothing.
+        connect(editor, &QcbsRichTextEdit::textLoaded, this, &QcbsMainWindow::reparse,
+                static_cast<Qt::ConnectionType>(Qt::SingleShotConnection | Qt::UniqueConnection));
+        return;
+    }
+    if (editor->document()->isEmpty()) return;
+    writeToOutputPane("<p> </p>", true);
+    writeToOutputPane("Checking CIF ...", true);
+    parse();
+    statusBarMessage("Ready");
+}
+
+void QcbsMainWindow::consistency_check(THandle<Cif> cif) {
+    if (!sharedData_->consistencyChecks() || cif.is_null()) return;
+    // The consistency checker of the CIF library is not there yet; its
+    // findings will join the document's messages here.
+}
+
+void QcbsMainWindow::processErrors(THandle<Cif> cif) {
+    errorList_->removeAll();
+    if (cif.is_null()) return;
+    const CifErrorContainer& errors = *cif->errors();
+    if (errors.empty()) {
+        writeToOutputPane("No errors, warnings or remarks.", true);
+        return;
+    }
+
+    QcbsRichTextEdit* editor = currentEditor();
+    QTextDocument* text = editor->document();
+    // Sorting once at the end, and painting once, keeps a long list linear.
+    errorList_->setUpdatesEnabled(false);
+    errorList_->setSortingEnabled(false);
+
+    // Remarks about a data name (303, 304) go to its first occurrence in the
+    // text. The search runs on the document, not the editor, so the user's
+    // cursor, selection and scroll position never move.
+    QHash<QString, int> firstOccurrence;
+    const auto relocated = [&](const CifError& error) {
+        const QString name = QString::fromStdString(error.text());
+        auto found = firstOccurrence.find(name);
+        if (found == firstOccurrence.end()) {
+            const QTextCursor at = name.isEmpty() ? QTextCursor() : text->find(name, 0);
+            found = firstOccurrence.insert(name, at.isNull() ? -1 : at.blockNumber() + 1);
+        }
+        const int line = found.value();
+        if (line < 0 || cif->block_at_line(line) != cif->block_at_line(error.line())) return error.line();
+        return line;
+    };
+
+    const int limit = max_consec_error;
+    int warningRun = 0;
+    int errorRun = 0;
+    int previousWarning = -99;
+    int previousError = -99;
+    bool stopped = false;
+    for (auto it = errors.begin(); it != errors.end() && !stopped; ++it) {
+        const CifError& error = *it;
+        const int line = error.line();
+        const QString message = QString::fromStdString(error.message());
+        switch (error.type()) {
+            case CifError::remark: {
+                const bool search = error.id() == CifError::calculated_value_differs ||
+                                    error.id() == CifError::count_mismatch;
+                errorList_->addRemark(message, search ? relocated(error) : line, error.id());
+                break;
+            }
+            case CifError::warning: {
+                // Validation reply items (_vrf_...) answer a validation
+                // report; no dictionary defines them, and that is no fault.
+                if (error.id() == CifError::undefined_data_name &&
+                    error.text().find("_vrf") != std::string::npos)
+                    break;
+                if (line == previousWarning + 1)
+                    ++warningRun;
+                else if (line > previousWarning + 1)
+                    warningRun = 1;
+                if (warningRun <= limit) errorList_->addWarning(message, line, error.id());
+                previousWarning = line;
+                if (warningRun == limit + 1) {
+                    errorList_->addWarning("(warnings omitted)", line, CifError::warnings_omitted);
+                    ++warningRun;
+                }
+                break;
+            }
+            case CifError::error: {
+                errorList_->addError(message, line, error.id());
+                if (line == previousError + 1)
+                    ++errorRun;
+                else if (line > previousError + 1)
+                    errorRun = 0;
+                previousError = line;
+                if (errorRun >= limit) {
+                    writeToOutputPane(
+                        "Check stopped at line " + QString::number(line) + ": fix previous errors first.",
+                        false);
+                    stopped = true;
+                }
+                break;
+            }
+            default:
+                writeToOutputPane("(misc error/info): ", true);
+                break;
+        }
+    }
+    errorList_->setSortingEnabled(true);
+    errorList_->sortByColumn(0, Qt::AscendingOrder);
+    errorList_->setUpdatesEnabled(true);
+
+    writeToOutputPane("Total errors: " + QString::number(errors.errors_of_type(CifError::error)) +
+                          "; warnings: " + QString::number(errors.errors_of_type(CifError::warning)) +
+                          "; remarks: " + QString::number(errors.errors_of_type(CifError::remark)),
+                      true);
+}
+
+void QcbsMainWindow::fillBlocksCombo(THandle<Cif> cif) {
+    QComboBox* combo = blocksCombo();
+    combo->clear();
+    const std::size_t count = cif.is_null() ? 0 : cif->block_count();
+    const bool placeholderFirst = count > 0 && isPlaceholder(cif->block(0));
+    if (count == 0 || (count == 1 && placeholderFirst)) {
+        combo->addItem(QcbsMainWindowActions::noBlocksText());
+        combo->setEnabled(false);
+        return;
+    }
+    combo->setEnabled(true);
+    QStringList items;
+    items.reserve(static_cast<qsizetype>(count) + 1);
+    items << "Blocks:   " + QString::number(count - (placeholderFirst ? 1 : 0));
+    // Item i + 1 stands for block i, so a placeholder keeps an empty item.
+    for (const THandle<CifDataBlock>& block : cif->blocks())
+        items << (isPlaceholder(block) ? QString() : QString::fromStdString(block->name()));
+    combo->addItems(items);
+    combo->setCurrentIndex(0);
+}
+
+void QcbsMainWindow::blockComboSelected(int index) {
+    // A jump menu, not a state: the header shows again at once.
+    blocksCombo()->setCurrentIndex(0);
+    if (index == 0) {
+        QApplication::beep();
+        return;
+    }
+    // On the visualiser page the choice will zoom to that block's structure
+    // once the 3-D view exists; nothing else happens there.
+    if (tabs_->currentWidget() != editorPage_) return;
+    const THandle<Cif> cif = currentCif();
+    if (cif.is_null() || index < 1 || static_cast<std::size_t>(index) > cif->block_count()) return;
+    const THandle<CifDataBlock> block = cif->block(static_cast<unsigned>(index - 1));
+    const QString name = QString::fromStdString(block->name());
+    if (block->line() >= 0) emit requestGotoLine(block->line(), name);
+}
+
+void QcbsMainWindow::writeMissingDictionaryNote() {}
