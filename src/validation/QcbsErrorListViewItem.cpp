@@ -1,45 +1,31 @@
 #include "validation/QcbsErrorListViewItem.hpp"
 
-namespace {
-
-// The texts up to the last non-null one, as a row built with fewer texts has.
-QStringList texts(const QString& t0, const QString& t1, const QString& t2, const QString& t3,
-                  const QString& t4, const QString& t5, const QString& t6, const QString& t7) {
-    QStringList list{t0, t1, t2, t3, t4, t5, t6, t7};
-    while (!list.isEmpty() && list.last().isNull()) list.removeLast();
-    return list;
-}
-
-void setTexts(QTreeWidgetItem& item, const QStringList& list) {
-    for (int column = 0; column < list.size(); ++column) item.setText(column, list[column]);
-}
-
-}  // namespace
+#include "validation/QcbsListViewTexts.hpp"
 
 QcbsErrorListViewItem::QcbsErrorListViewItem(QTreeWidget* parent, const QString& t0, const QString& t1,
                                              const QString& t2, const QString& t3, const QString& t4,
                                              const QString& t5, const QString& t6, const QString& t7)
-    : QTreeWidgetItem(parent, texts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
+    : QTreeWidgetItem(parent, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
 
 QcbsErrorListViewItem::QcbsErrorListViewItem(QTreeWidget* parent, QTreeWidgetItem* after, const QString& t0,
                                              const QString& t1, const QString& t2, const QString& t3,
                                              const QString& t4, const QString& t5, const QString& t6,
                                              const QString& t7)
     : QTreeWidgetItem(parent, after) {
-    setTexts(*this, texts(t0, t1, t2, t3, t4, t5, t6, t7));
+    setListViewTexts(*this, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7));
 }
 
 QcbsErrorListViewItem::QcbsErrorListViewItem(QTreeWidgetItem* parent, const QString& t0, const QString& t1,
                                              const QString& t2, const QString& t3, const QString& t4,
                                              const QString& t5, const QString& t6, const QString& t7)
-    : QTreeWidgetItem(parent, texts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
+    : QTreeWidgetItem(parent, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
 
 QcbsErrorListViewItem::QcbsErrorListViewItem(QTreeWidgetItem* parent, QTreeWidgetItem* after,
                                              const QString& t0, const QString& t1, const QString& t2,
                                              const QString& t3, const QString& t4, const QString& t5,
                                              const QString& t6, const QString& t7)
     : QTreeWidgetItem(parent, after) {
-    setTexts(*this, texts(t0, t1, t2, t3, t4, t5, t6, t7));
+    setListViewTexts(*this, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7));
 }
 
 CifError::ErrorID QcbsErrorListViewItem::identifier(int column) const {

@@ -2,16 +2,9 @@
 
 #include <QTreeWidget>
 
-namespace {
+#include "validation/QcbsListViewTexts.hpp"
 
-// The non-null texts, in column order; a null text ends nothing, it is only
-// left out, as a row built with fewer texts would have it.
-QStringList texts(const QString& t0, const QString& t1, const QString& t2, const QString& t3,
-                  const QString& t4, const QString& t5, const QString& t6, const QString& t7) {
-    QStringList list{t0, t1, t2, t3, t4, t5, t6, t7};
-    while (!list.isEmpty() && list.last().isNull()) list.removeLast();
-    return list;
-}
+namespace {
 
 QString sortText(const QTreeWidgetItem& item, int column) {
     if (const auto* keyed = dynamic_cast<const QcbsKeyListViewItem*>(&item)) return keyed->key(column);
@@ -23,29 +16,27 @@ QString sortText(const QTreeWidgetItem& item, int column) {
 QcbsKeyListViewItem::QcbsKeyListViewItem(QTreeWidget* parent, const QString& t0, const QString& t1,
                                          const QString& t2, const QString& t3, const QString& t4,
                                          const QString& t5, const QString& t6, const QString& t7)
-    : QTreeWidgetItem(parent, texts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
+    : QTreeWidgetItem(parent, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
 
 QcbsKeyListViewItem::QcbsKeyListViewItem(QTreeWidget* parent, QTreeWidgetItem* after, const QString& t0,
                                          const QString& t1, const QString& t2, const QString& t3,
                                          const QString& t4, const QString& t5, const QString& t6,
                                          const QString& t7)
     : QTreeWidgetItem(parent, after) {
-    const QStringList list = texts(t0, t1, t2, t3, t4, t5, t6, t7);
-    for (int column = 0; column < list.size(); ++column) setText(column, list[column]);
+    setListViewTexts(*this, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7));
 }
 
 QcbsKeyListViewItem::QcbsKeyListViewItem(QTreeWidgetItem* parent, const QString& t0, const QString& t1,
                                          const QString& t2, const QString& t3, const QString& t4,
                                          const QString& t5, const QString& t6, const QString& t7)
-    : QTreeWidgetItem(parent, texts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
+    : QTreeWidgetItem(parent, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7)) {}
 
 QcbsKeyListViewItem::QcbsKeyListViewItem(QTreeWidgetItem* parent, QTreeWidgetItem* after, const QString& t0,
                                          const QString& t1, const QString& t2, const QString& t3,
                                          const QString& t4, const QString& t5, const QString& t6,
                                          const QString& t7)
     : QTreeWidgetItem(parent, after) {
-    const QStringList list = texts(t0, t1, t2, t3, t4, t5, t6, t7);
-    for (int column = 0; column < list.size(); ++column) setText(column, list[column]);
+    setListViewTexts(*this, listViewTexts(t0, t1, t2, t3, t4, t5, t6, t7));
 }
 
 QString QcbsKeyListViewItem::key(int column, bool /*ascending*/) const {
