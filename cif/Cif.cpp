@@ -43,30 +43,50 @@ void Cif::read_text(std::string text, const CifParserSettings& settings) {
 
 void Cif::check_mandatory(const std::vector<std::string>& document_names,
                           const std::vector<std::string>& block_names) {
-    auto listed = [](const std::vector<std::string>& names, const std::string& name) {
-        return std::any_of(names.begin(), names.end(),
-                           [&](const std::string& n) { return cif_iequals(n, name); });
+    auto present_in = [](const CifDataBlock& block, const std::string& name) {
+        return !block.find(name).is_null();
+    };
+    auto holds_crystal_data = [](const CifDataBlock& block) {
+        static const char* const categories[] = {"cell",     "atom_site",   "chemical",
+                                                 "symmetry", "space_group", "exptl_crystal",
+                                                 "diffrn",   "refine",      "refln"};
+        return std::any_of(std::begin(categories), std::end(categories),
+                           [&](const char* category) { return block.has_item_with_category(category); });
     };
     int first_line = blocks_.empty() || blocks_.front()->line() < 1 ? 1 : blocks_.front()->line();
+    auto in_document = [&](const std::string& name) {
+        return std::any_of(blocks_.begin(), blocks_.end(),
+                           [&](const THandle<CifDataBlock>& block) { return present_in(*block, name); });
+    };
+    std::vector<CifError> found;
     for (const std::string& name : document_names) {
-        if (listed(block_names, name)) continue;  // checked per block below
-        bool present = std::any_of(blocks_.begin(), blocks_.end(), [&](const THandle<CifDataBlock>& block) {
-            return !block->find(name).is_null();
-        });
-        if (!present) errors_->add(CifError(CifError::mandatory_item_missing, first_line, name));
+        if (!in_document(name)) found.emplace_back(CifError::mandatory_item_missing, first_line, name);
     }
+    bool any_crystal_block = false;
     for (const THandle<CifDataBlock>& block : blocks_) {
+        if (!holds_crystal_data(*block)) continue;
+        any_crystal_block = true;
         for (const std::string& name : block_names) {
-            if (block->find(name).is_null()) {
-                errors_->add(CifError(CifError::mandatory_item_missing, std::max(block->line(), 1), name));
-            }
+            if (!present_in(*block, name))
+                found.emplace_back(CifError::mandatory_item_missing, std::max(block->line(), 1), name);
         }
     }
-    if (blocks_.empty()) {
+    if (!any_crystal_block) {
         for (const std::string& name : block_names) {
-            errors_->add(CifError(CifError::mandatory_item_missing, 1, name));
+            if (!in_document(name)) found.emplace_back(CifError::mandatory_item_missing, first_line, name);
         }
     }
+    // A name on both lists is reported once per line.
+    std::vector<CifError> unique;
+    for (const CifError& error : found) {
+        bool seen = std::any_of(unique.begin(), unique.end(), [&](const CifError& other) {
+            return other.line() == error.line() && cif_iequals(other.text(), error.text());
+        });
+        if (!seen) unique.push_back(error);
+    }
+    std::stable_sort(unique.begin(), unique.end(),
+                     [](const CifError& a, const CifError& b) { return a.line() < b.line(); });
+    for (const CifError& error : unique) errors_->add(error);
 }
 
 THandle<CifDataBlock> Cif::block(unsigned int n) const {

@@ -33,10 +33,15 @@ public:
     // The same for text already in memory.
     void read_text(std::string text, const CifParserSettings& settings = CifParserSettings());
 
-    // Adds a message (code 347) for every listed data name the document
-    // lacks: names of the first list may be in any block (one message, at
-    // the first block); names of the second list must be in every block
-    // (one message per block lacking it, at its heading).
+    // Adds a warning 347 (text: the data name) for every listed data name
+    // the document lacks. Names of the first list (publication items) may be
+    // in any block: one message each, on the line of the first block's
+    // heading. Names of the second list (crystal items) must be in every
+    // block that holds crystal data (an item of cell, atom_site, chemical,
+    // symmetry, space_group, exptl_crystal, diffrn, refine or refln): one
+    // message per such block lacking it, on its heading; when no block holds
+    // crystal data they are checked like the first list. A name is reported
+    // once per line. Empty lists add nothing.
     void check_mandatory(const std::vector<std::string>& document_names,
                          const std::vector<std::string>& block_names);
 

@@ -1,5 +1,6 @@
 #include "cif/CifDdl1Reader.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <unordered_set>
@@ -184,6 +185,10 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
         definition.related.push_back({related[i], i < functions.size() ? functions[i] : ""});
     }
     definition.definition = value_of(block, "_definition");
+    definition.enumeration_concatenated =
+        !definition.enumerations.empty() && definition.definition.find("concatenated") != std::string::npos &&
+        std::all_of(definition.enumerations.begin(), definition.enumerations.end(),
+                    [](const CifEnumeration& entry) { return entry.value.size() == 1; });
     return true;
 }
 

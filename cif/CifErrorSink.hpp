@@ -20,6 +20,16 @@ public:
         errors_.emplace_back(id, line, std::move(text), std::move(detail));
     }
 
+    void add(CifError error) {
+        if (errors_.size() >= limit_) {
+            overflowed_ = true;
+            return;
+        }
+        errors_.push_back(std::move(error));
+    }
+
+    // Whether further messages are dropped.
+    bool full() const { return errors_.size() >= limit_; }
     std::vector<CifError>& errors() { return errors_; }
     bool overflowed() const { return overflowed_; }
 

@@ -35,6 +35,10 @@ struct CifItemDefinition {
     Uncertainty uncertainty = Uncertainty::none;
     std::vector<CifEnumeration> enumerations;
     std::string enumeration_default;
+    // The value is a run of the single-letter codes of the enumeration
+    // ("SG" for S and G), as definitions that speak of a concatenated series
+    // of codes allow (_atom_site_refinement_flags).
+    bool enumeration_concatenated = false;
     // _enumeration_range min:max, either end may be open; for char items the
     // ends are compared as texts.
     bool has_range = false;

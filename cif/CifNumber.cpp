@@ -72,11 +72,12 @@ CifNumber CifNumber::parse(std::string_view text) {
     // strtod needs a terminated copy; numbers are short.
     std::string mantissa(text.substr(0, shape.length));
     number.value = std::strtod(mantissa.c_str(), nullptr);
+    number.unit = std::pow(10.0, static_cast<double>(shape.exponent - shape.decimals));
     if (number.has_uncertainty) {
         std::string_view digits = text.substr(shape.length + 1, text.size() - shape.length - 2);
         double units = 0.0;
         for (char c : digits) units = units * 10.0 + (c - '0');
-        number.uncertainty = units * std::pow(10.0, static_cast<double>(shape.exponent - shape.decimals));
+        number.uncertainty = units * number.unit;
     }
     return number;
 }

@@ -17,11 +17,15 @@ struct CifNumber {
     Status status = Status::not_a_number;
     double value = 0.0;
     double uncertainty = 0.0;  // 0 when none is given
+    double unit = 1.0;         // the value of one unit in the last digit written (0.001 for 1.234)
     bool has_uncertainty = false;
 
     bool ok() const { return status == Status::ok; }
 
     static CifNumber parse(std::string_view text);
+    // The uncertainty, or half a unit of the last digit when none is given:
+    // what a reader may assume of a value written without one.
+    double effective_uncertainty() const { return has_uncertainty ? uncertainty : unit / 2.0; }
     // Whether the text is a CIF number with or without an uncertainty,
     // without computing its value (the fast path of value checks).
     static Status classify(std::string_view text, bool& has_uncertainty);

@@ -11,6 +11,9 @@ struct CifParserSettings {
     bool allow_save_frames = false;
     // Report data names the dictionary does not define (code 320).
     bool check_data_names = true;
+    // Check values and loops against the dictionary's definitions (types,
+    // enumerations, ranges, loop rules and keys).
+    bool check_values = true;
     // CIF 1.1 limits data names and block names to 75 characters.
     int max_name_length = 75;
     // Deepest nesting of CIF 2.0 lists and tables read.

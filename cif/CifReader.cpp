@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "cif/Cif.hpp"
+#include "cif/CifBlockValidator.hpp"
+#include "cif/CifLineIndex.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextCheck.hpp"
 
@@ -40,6 +42,8 @@ bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
 CifReader::CifReader(Cif& cif, const CifParserSettings& settings)
     : cif_(cif), settings_(settings), errors_(settings.max_messages == 0 ? 1 : settings.max_messages) {}
+
+CifReader::~CifReader() = default;
 
 void CifReader::read(std::string text) {
     CifErrorSink check_errors(settings_.max_messages == 0 ? 1 : settings_.max_messages);
@@ -184,6 +188,7 @@ void CifReader::finish_block(bool at_end) {
     if (block_.is_null()) return;  // comments before the first block go to it
     if (at_end) take_comments(block_.get(), CifCommentable::following_comment);
     block_->set_lines(block_->line(), std::max(block_->line(), previous_end_), previous_end_);
+    validate(*block_);
     block_ = THandle<CifDataBlock>();
     last_item_ = THandle<CifDataItem>();
 }
@@ -222,10 +227,13 @@ void CifReader::check_name(const std::string& name, int line, bool block_name) {
                 std::to_string(settings_.max_name_length));
 }
 
-void CifReader::check_defined(const std::string& name, int line) {
-    if (!settings_.check_data_names || cif_.dictionary_.is_null() || !cif_.dictionary_->has_definitions())
-        return;
-    if (!cif_.dictionary_->is_defined(name)) errors_.add(CifError::undefined_data_name, line, name);
+void CifReader::validate(const CifDataBlock& block) {
+    const THandle<CifDictionary>& dictionary = cif_.dictionary_;
+    if (dictionary.is_null() || !dictionary->has_definitions()) return;
+    if (!settings_.check_data_names && !settings_.check_values) return;
+    if (lines_ == nullptr) lines_ = std::make_unique<CifLineIndex>(store_->text());
+    CifBlockValidator(*dictionary, *lines_, errors_, settings_.check_data_names, settings_.check_values)
+        .validate(block);
 }
 
 CifValueRef CifReader::reference(const CifToken& token) const {
@@ -272,7 +280,6 @@ CifToken CifReader::on_name(const CifToken& token) {
         errors_.add(CifError::data_name_without_value, token.line, item->name());
     }
     if (block->add_item(item)) {
-        check_defined(item->name(), token.line);
         last_item_ = item;
         last_item_line_ = lexer_->last_end_line();
     } else {
@@ -371,7 +378,6 @@ CifToken CifReader::on_loop(const CifToken& token) {
             continue;
         }
         kept.push_back(item);
-        check_defined(item->name(), item->line());
     }
     if (!kept.empty()) block->add_loop(kept);
     return t;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <unordered_map>
 
@@ -14,6 +15,7 @@
 class Cif;
 class CifDataBlock;
 class CifDataItem;
+class CifLineIndex;
 class CifTextStore;
 
 // Builds a document's blocks from its text: prepares the bytes (line ends,
@@ -23,6 +25,7 @@ class CifTextStore;
 class CifReader {
 public:
     CifReader(Cif& cif, const CifParserSettings& settings);
+    ~CifReader();
 
     void read(std::string text);
 
@@ -44,7 +47,8 @@ private:
     void take_comments(CifCommentable* target,
                        CifCommentable::CommentType type = CifCommentable::preceding_comment);
     void check_name(const std::string& name, int line, bool block_name);
-    void check_defined(const std::string& name, int line);
+    // Checks a finished block against the document's dictionary.
+    void validate(const CifDataBlock& block);
     CifValueRef reference(const CifToken& token) const;
     CifValueRef unknown_value();
 
@@ -65,4 +69,5 @@ private:
     bool unknown_added_ = false;
     CifValueRef unknown_;
     std::unordered_map<std::string, int> block_lines_;  // lower-case block name -> heading line
+    std::unique_ptr<CifLineIndex> lines_;               // built when the first block is checked
 };

@@ -17,7 +17,15 @@ Result problem(CifError::ErrorID code, std::string detail = {}, CifError::ErrorT
     return result;
 }
 
+bool is_code_run(const CifItemDefinition& definition, std::string_view value) {
+    return std::all_of(value.begin(), value.end(), [&](char c) {
+        return std::any_of(definition.enumerations.begin(), definition.enumerations.end(),
+                           [&](const CifEnumeration& entry) { return entry.value[0] == c; });
+    });
+}
+
 Result check_enumeration(const CifItemDefinition& definition, std::string_view value) {
+    if (definition.enumeration_concatenated && is_code_run(definition, value)) return Result();
     const CifEnumeration* case_match = nullptr;
     for (const CifEnumeration& entry : definition.enumerations) {
         if (entry.value == value) return Result();
@@ -39,7 +47,15 @@ Result check_enumeration(const CifItemDefinition& definition, std::string_view v
 Result check_number(const CifItemDefinition& definition, std::string_view value) {
     bool has_uncertainty = false;
     CifNumber::Status status = CifNumber::classify(value, has_uncertainty);
-    if (status == CifNumber::Status::not_a_number) return problem(CifError::number_unreadable);
+    if (status == CifNumber::Status::not_a_number) {
+        // A value that starts like a number is a malformed one; anything
+        // else is text where a number belongs.
+        std::size_t i = !value.empty() && (value[0] == '+' || value[0] == '-') ? 1 : 0;
+        if (i < value.size() && value[i] == '.') ++i;
+        bool numeric_start = i < value.size() && value[i] >= '0' && value[i] <= '9';
+        return numeric_start ? problem(CifError::number_unreadable)
+                             : problem(CifError::wrong_value_type, definition.type_text);
+    }
     if (status == CifNumber::Status::bad_uncertainty) return problem(CifError::uncertainty_unreadable);
     if (has_uncertainty && definition.uncertainty == CifItemDefinition::Uncertainty::none)
         return problem(CifError::uncertainty_not_allowed);

@@ -32,8 +32,8 @@ CheckOptions CheckOptions::parse(const std::vector<std::string>& arguments) {
             name = argument.substr(0, equals);
             value = argument.substr(equals + 1);
             has_value = true;
-        } else if (argument.size() > 2 && argument[0] == '-' && argument[1] == 'j') {
-            name = "-j";
+        } else if (argument.size() > 2 && argument[0] == '-' && (argument[1] == 'j' || argument[1] == 'd')) {
+            name = argument.substr(0, 2);
             value = argument.substr(2);
             has_value = true;
         }
@@ -59,6 +59,20 @@ CheckOptions CheckOptions::parse(const std::vector<std::string>& arguments) {
             if (!take_value() || !read_number(value, 1, options.jobs)) {
                 options.problem = "-j needs a number of threads, at least 1";
             }
+        } else if (name == "-d" || name == "--dictionary") {
+            if (!take_value() || value.empty()) {
+                options.problem = "-d needs the name of a dictionary file";
+            } else {
+                options.dictionaries.push_back(value);
+            }
+        } else if (name == "--mandatory") {
+            if (!take_value() || value.empty()) {
+                options.problem = "--mandatory needs the name of a mandatory-items file";
+            } else {
+                options.mandatory_file = value;
+            }
+        } else if (name == "--no-consistency") {
+            options.consistency = false;
         } else {
             options.problem = "unknown option " + argument;
         }
@@ -76,6 +90,14 @@ const char* CheckOptions::usage() {
            "A FILE of - reads standard input.\n"
            "\n"
            "Options:\n"
+           "  -d FILE, --dictionary FILE\n"
+           "                    check data names and values against a DDL1 dictionary (repeatable);\n"
+           "                    TESSARY_DICTIONARIES (files or directories of *.dic, separated by :)\n"
+           "                    adds dictionaries before these\n"
+           "  --mandatory FILE  report the data items a mandatory-items file lists and a file lacks\n"
+           "                    (sections data_all, data_publication, data_crystal)\n"
+           "  --no-consistency  skip the cross-checks of values (cell volume, density, formula,\n"
+           "                    space group, counts, atom labels)\n"
            "  --json            print the messages and counts as JSON\n"
            "  --line-length N   report lines longer than N characters (default 80; 0: only CIF's 2048)\n"
            "  -j N, --jobs N    check N files at a time (default 1)\n"

@@ -11,7 +11,10 @@ struct CheckOptions {
     int jobs = 1;
     bool help = false;
     bool version = false;
-    std::string problem;  // set when the command line is not usable
+    std::vector<std::string> dictionaries;  // -d FILE, in the order given
+    std::string mandatory_file;             // --mandatory FILE
+    bool consistency = true;                // off with --no-consistency
+    std::string problem;                    // set when the command line is not usable
 
     // Reads the arguments after the program name.
     static CheckOptions parse(const std::vector<std::string>& arguments);

@@ -7,13 +7,19 @@
 #include <iostream>
 
 #include "cif/Cif.hpp"
+#include "cif/ORMACifConsistencyChecker.hpp"
+#include "tools/SharedDictionary.hpp"
 
 FileCheckResult FileCheck::check(const std::string& file) const {
     FileCheckResult result;
     result.file = file;
     CifParserSettings settings;
-    settings.line_length = line_length_;
-    Cif cif;
+    settings.line_length = settings_.line_length;
+    THandle<CifDictionary> dictionary;
+    if (settings_.dictionary != nullptr)
+        dictionary = THandle<CifDictionary>(new SharedDictionary(*settings_.dictionary));
+    THandle<Cif> document(new Cif(dictionary));
+    Cif& cif = *document;
     if (file == "-") {
         cif.read(std::cin, settings);
     } else {
@@ -29,6 +35,8 @@ FileCheckResult FileCheck::check(const std::string& file) const {
         }
         cif.read(stream, settings);
     }
+    cif.check_mandatory(settings_.publication_items, settings_.crystal_items);
+    if (settings_.consistency) ORMACifConsistencyChecker(document).check_cif();
     for (const CifError& message : *cif.errors()) {
         result.messages.push_back(message);
         if (message.type() == CifError::error) ++result.errors;

@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <mutex>
 #include <optional>
@@ -10,7 +12,9 @@
 
 #include "tools/CheckOptions.hpp"
 #include "tools/CheckReport.hpp"
+#include "tools/DictionaryFiles.hpp"
 #include "tools/FileCheck.hpp"
+#include "tools/MandatoryItems.hpp"
 
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
@@ -35,7 +39,26 @@ int main(int argc, char** argv) {
     std::mutex mutex;
     std::condition_variable ready;
     std::atomic<std::size_t> next_file{0};
-    FileCheck checker(options.line_length);
+    FileCheckSettings settings;
+    settings.line_length = options.line_length;
+    settings.consistency = options.consistency;
+    bool dictionaries_ok = true;
+    THandle<CifDictionaryPool> pool = DictionaryFiles::load(
+        DictionaryFiles::resolve(std::getenv("TESSARY_DICTIONARIES"), options.dictionaries), std::cerr,
+        dictionaries_ok);
+    if (!dictionaries_ok) return 2;
+    if (!pool->empty()) settings.dictionary = pool.get();
+    if (!options.mandatory_file.empty()) {
+        std::ifstream stream(options.mandatory_file);
+        if (!stream) {
+            std::cerr << "tessary-check: cannot read mandatory-items file " << options.mandatory_file << '\n';
+            return 2;
+        }
+        MandatoryItems items = MandatoryItems::read(stream);
+        settings.publication_items = std::move(items.publication);
+        settings.crystal_items = std::move(items.crystal);
+    }
+    FileCheck checker(settings);
     auto work = [&]() {
         for (std::size_t i = next_file++; i < count; i = next_file++) {
             FileCheckResult result = checker.check(options.files[i]);

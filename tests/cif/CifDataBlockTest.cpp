@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "tests/cif/CifTestSupport.hpp"
@@ -284,16 +285,30 @@ TEST(Cif, BlocksByNumberNameAndNewBlocks) {
     EXPECT_EQ((*cif->block_at_line(1))->name(), "first");
 }
 
-TEST(Cif, MandatoryNamesAreCheckedPerDocumentAndPerBlock) {
-    THandle<Cif> cif = read("data_a\n_publ_author 1\n_cell_length_a 2\ndata_b\n_other 3\n");
+TEST(Cif, MandatoryNamesAreCheckedPerDocumentAndPerCrystalBlock) {
+    // Publication items may be in any block; crystal items in every block
+    // that holds crystal data (here a and c, not the text-only block b).
+    THandle<Cif> cif =
+        read("data_a\n_publ_author 1\n_cell_length_a 2\ndata_b\n_other 3\ndata_c\n_cell_length_b 4\n");
     cif->check_mandatory(Names{"_publ_author", "_journal_name"}, Names{"_cell_length_a"});
-    std::vector<std::pair<int, int>> found = cif_test::messages(*cif);
-    EXPECT_EQ(found, (cif_test::Messages{{347, 1}, {347, 4}}));
+    EXPECT_EQ(cif_test::messages(*cif), (cif_test::Messages{{347, 1}, {347, 6}}));
     EXPECT_EQ(cif->errors()->begin()->text(), "_journal_name");
     EXPECT_EQ((*cif->errors())[1].text(), "_cell_length_a");
+    EXPECT_EQ((*cif->errors())[1].type(), CifError::warning);
     THandle<Cif> unchanged = read("data_a\n_x 1\n");
     unchanged->check_mandatory(Names(), Names());
     EXPECT_TRUE(unchanged->errors()->empty());
+}
+
+TEST(Cif, CrystalItemsOfADocumentWithoutCrystalDataAreNeededOnceAndANameOnBothListsOncePerLine) {
+    THandle<Cif> cif = read("data_text\n_publ_section_title 'x'\ndata_more\n_journal_name_full 'y'\n");
+    cif->check_mandatory(Names{"_cell_volume"}, Names{"_cell_volume", "_publ_section_title"});
+    EXPECT_EQ(cif_test::messages(*cif), (cif_test::Messages{{347, 1}}));
+    THandle<Cif> empty = read("");
+    empty->check_mandatory(Names{"_a"}, Names{"_b"});
+    EXPECT_EQ(std::count_if(empty->errors()->begin(), empty->errors()->end(),
+                            [](const CifError& e) { return e.id() == CifError::mandatory_item_missing; }),
+              2);
 }
 
 }  // namespace

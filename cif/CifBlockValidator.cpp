@@ -1,0 +1,218 @@
+#include "cif/CifBlockValidator.hpp"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "cif/CifNames.hpp"
+
+namespace {
+
+// Whether a loop column satisfies a _list_reference: the name itself, or
+// for a reference ending in "_" (a family such as _refln_index_) any name
+// that begins with it.
+bool satisfies(std::string_view column, std::string_view reference) {
+    if (!reference.empty() && reference.back() == '_') return cif_istarts_with(column, reference);
+    return cif_iequals(column, reference);
+}
+
+bool loop_has(const CifDataBlock::ItemList& loop, std::string_view reference) {
+    return std::any_of(loop.begin(), loop.end(),
+                       [&](const THandle<CifDataItem>& item) { return satisfies(item->name(), reference); });
+}
+
+std::string joined(const std::vector<std::string>& names) {
+    std::string result;
+    for (const std::string& name : names) result += (result.empty() ? "" : ", ") + name;
+    return result;
+}
+
+}  // namespace
+
+CifBlockValidator::CifBlockValidator(const CifDictionary& dictionary, const CifLineIndex& lines,
+                                     CifErrorSink& sink, bool names, bool values)
+    : dictionary_(dictionary), lines_(lines), sink_(sink), names_(names), values_(values) {}
+
+void CifBlockValidator::validate(const CifDataBlock& block) {
+    linked_.clear();
+    for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it) {
+        if (!(*it)->is_looped()) validate_single(**it);
+    }
+    for (const CifDataBlock::ItemList& loop : block.loops()) validate_loop(loop);
+    if (values_) check_parents(block);
+}
+
+void CifBlockValidator::check_parents(const CifDataBlock& block) {
+    for (const auto& [item, definition] : linked_) {
+        THandle<CifDataItem> parent;
+        for (const std::string& name : definition->list_link_parent) {
+            parent = block.find(name);
+            if (!parent.is_null()) break;
+        }
+        if (parent.is_null()) {
+            sink_.add(CifError::required_item_missing, item->line(), item->name(),
+                      definition->list_link_parent[0]);
+            continue;
+        }
+        std::unordered_set<std::string_view> known;
+        for (std::size_t n = 0; n < parent->size(); ++n) known.insert(parent->value_view(n));
+        std::unordered_set<std::string_view> reported;
+        for (std::size_t n = 0; n < item->size(); ++n) {
+            std::string_view value = item->value_view(n);
+            if (CifValueCheck::is_null_value(value, item->is_quoted(n)) || known.count(value) != 0 ||
+                !reported.insert(value).second)
+                continue;
+            if (sink_.full()) return;
+            sink_.add(CifError::parent_value_missing, value_line(*item, n), item->name(), std::string(value));
+        }
+    }
+}
+
+void CifBlockValidator::report(const CifValueCheck::Result& result, int line, const std::string& name) {
+    sink_.add(CifError(static_cast<CifError::ErrorID>(result.code), result.type, line, name, result.detail));
+}
+
+int CifBlockValidator::value_line(const CifDataItem& item, std::size_t n) const {
+    CifValueRef ref = item.values()[n];
+    if (ref.added()) return std::max(item.line(), 1);
+    return lines_.line_at(ref.offset);
+}
+
+void CifBlockValidator::validate_single(const CifDataItem& item) {
+    const CifItemDefinition* definition = dictionary_.definition(item.name());
+    if (definition == nullptr) {
+        if (!dictionary_.is_defined(item.name())) {
+            if (names_) sink_.add(CifError::undefined_data_name, item.line(), item.name());
+            return;
+        }
+    } else if (values_) {
+        if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
+            report(result, item.line(), item.name());
+        if (!definition->list_link_parent.empty()) linked_.emplace_back(&item, definition);
+    }
+    if (values_) check_values(item, definition);
+}
+
+void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
+    std::vector<const CifItemDefinition*> definitions;
+    definitions.reserve(loop.size());
+    for (const THandle<CifDataItem>& item : loop) {
+        const CifItemDefinition* definition = dictionary_.definition(item->name());
+        definitions.push_back(definition);
+        if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
+            sink_.add(CifError::undefined_data_name, item->line(), item->name());
+    }
+    if (!values_) return;
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        if (definitions[i] == nullptr) continue;
+        if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
+            report(result, loop[i]->line(), loop[i]->name());
+        if (!definitions[i]->list_link_parent.empty()) linked_.emplace_back(loop[i].get(), definitions[i]);
+    }
+    check_loop_keys(loop, definitions);
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        if (definitions[i] != nullptr || dictionary_.is_defined(loop[i]->name()))
+            check_values(*loop[i], definitions[i]);
+    }
+}
+
+void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
+                                        const std::vector<const CifItemDefinition*>& definitions) {
+    // One category per loop, and within it one key: columns that refer to
+    // different keys (_atom_site_label, _atom_site_aniso_label) are rows of
+    // different lists even where the dictionary files them under one category.
+    std::size_t first = loop.size();
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const CifItemDefinition* definition = definitions[i];
+        if (definition == nullptr || definition->category.empty()) continue;
+        if (first == loop.size()) {
+            first = i;
+            continue;
+        }
+        const CifItemDefinition* head = definitions[first];
+        bool mixed = definition->category != head->category;
+        if (!mixed && !definition->list_reference.empty()) {
+            for (std::size_t j = first; j < i && !mixed; ++j) {
+                const CifItemDefinition* other = definitions[j];
+                mixed = other != nullptr && !other->list_reference.empty() &&
+                        other->list_reference != definition->list_reference;
+            }
+        }
+        if (mixed) {
+            sink_.add(CifError::loop_mixes_categories, loop[i]->line(),
+                      loop[first]->name() + ", " + loop[i]->name());
+            break;
+        }
+    }
+
+    std::unordered_set<std::string> reported;
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const CifItemDefinition* definition = definitions[i];
+        if (definition == nullptr) continue;
+        for (const std::string& reference : definition->list_reference) {
+            if (loop_has(loop, reference) || !reported.insert(cif_lowercase(reference)).second) continue;
+            std::string key = reference;
+            if (!reference.empty() && reference.back() == '_') {
+                std::vector<std::string> family;
+                for (const std::string& name : dictionary_.category_items(definition->category)) {
+                    if (cif_istarts_with(name, reference)) family.push_back(name);
+                }
+                if (!family.empty()) key = joined(family);
+            }
+            sink_.add(CifError::loop_key_missing, loop[i]->line(), loop[i]->name(), key);
+        }
+    }
+    // Columns that neither refer to a key nor link to a parent are keyed by
+    // the mandatory items of their category.
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const CifItemDefinition* definition = definitions[i];
+        if (definition == nullptr || !definition->list_reference.empty() ||
+            !definition->list_link_parent.empty() || definition->category.empty())
+            continue;
+        for (const std::string& mandatory : mandatory_items(definition->category)) {
+            if (loop_has(loop, mandatory)) continue;
+            bool covered = std::any_of(reported.begin(), reported.end(), [&](const std::string& reference) {
+                return satisfies(mandatory, reference);
+            });
+            if (covered || !reported.insert(cif_lowercase(mandatory)).second) continue;
+            sink_.add(CifError::loop_key_missing, loop[i]->line(), loop[i]->name(), mandatory);
+        }
+    }
+}
+
+const std::vector<std::string>& CifBlockValidator::mandatory_items(const std::string& category) {
+    auto found = mandatory_.find(category);
+    if (found != mandatory_.end()) return found->second;
+    std::vector<std::string> names;
+    for (const std::string& name : dictionary_.category_items(category)) {
+        const CifItemDefinition* definition = dictionary_.definition(name);
+        if (definition != nullptr && definition->list_mandatory) names.push_back(name);
+    }
+    return mandatory_.emplace(category, std::move(names)).first->second;
+}
+
+void CifBlockValidator::check_values(const CifDataItem& item, const CifItemDefinition* definition) {
+    const std::size_t size = item.size();
+    const CifTextStore& store = *item.store();
+    const CifValueColumn& values = item.values();
+    for (std::size_t n = 0; n < size; ++n) {
+        CifValueRef ref = values[n];
+        CifValueCheck::Result result;
+        if (definition == nullptr) {
+            // A dictionary that answers only check_value.
+            int code = dictionary_.check_value(item.name(), std::string(store.view(ref)), item.is_looped());
+            if (code != 0) result.code = code;
+        } else if (ref.compound()) {
+            if (definition->type == CifItemDefinition::Type::numb)
+                result =
+                    CifValueCheck::Result{CifError::wrong_value_type, CifError::error, definition->type_text};
+        } else {
+            result = CifValueCheck::check(*definition, store.view(ref), ref.quoted());
+        }
+        if (!result) continue;
+        if (sink_.full()) {
+            report(result, 0, item.name());  // records that messages were dropped
+            return;
+        }
+        report(result, value_line(item, n), item.name());
+    }
+}

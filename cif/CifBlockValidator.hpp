@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "cif/CifDataBlock.hpp"
+#include "cif/CifDictionary.hpp"
+#include "cif/CifErrorSink.hpp"
+#include "cif/CifLineIndex.hpp"
+#include "cif/CifValueCheck.hpp"
+
+// Checks the items and loops of a block against a dictionary, each finding
+// on the line of what it is about (a value's own line, also inside a loop):
+// data names the dictionary does not define (320); every value against its
+// definition (CifValueCheck); the loop rules of DDL1 (_list: 327, 328);
+// loops that mix categories or rows of different keys (329); loops that
+// lack the item their columns refer to (_list_reference) or an item their
+// category makes mandatory (_list_mandatory), both 358; items whose parent
+// (_list_link_parent) the block lacks (357) and values not found among the
+// parent's values (360, once per value).
+class CifBlockValidator {
+public:
+    // lines gives the lines of values read from text; names and values say
+    // which checks run.
+    CifBlockValidator(const CifDictionary& dictionary, const CifLineIndex& lines, CifErrorSink& sink,
+                      bool names, bool values);
+
+    void validate(const CifDataBlock& block);
+
+private:
+    void validate_single(const CifDataItem& item);
+    void validate_loop(const CifDataBlock::ItemList& loop);
+    void check_loop_keys(const CifDataBlock::ItemList& loop,
+                         const std::vector<const CifItemDefinition*>& defs);
+    void check_values(const CifDataItem& item, const CifItemDefinition* definition);
+    void check_parents(const CifDataBlock& block);
+    void report(const CifValueCheck::Result& result, int line, const std::string& name);
+    int value_line(const CifDataItem& item, std::size_t n) const;
+    const std::vector<std::string>& mandatory_items(const std::string& category);
+
+    const CifDictionary& dictionary_;
+    const CifLineIndex& lines_;
+    CifErrorSink& sink_;
+    bool names_;
+    bool values_;
+    std::unordered_map<std::string, std::vector<std::string>> mandatory_;  // category -> its mandatory items
+    // Items of the current block that name a parent, with their definitions.
+    std::vector<std::pair<const CifDataItem*, const CifItemDefinition*>> linked_;
+};

@@ -1,0 +1,175 @@
+#include "cif/Spacegroup.hpp"
+
+#include <gemmi/symmetry.hpp>
+#include <stdexcept>
+
+namespace {
+
+const char* const unknown_symbol = "Unknown";
+
+const char* const system_names[] = {"?",          "triclinic",    "monoclinic", "orthorhombic",
+                                    "tetragonal", "rhombohedral", "trigonal",   "hexagonal",
+                                    "cubic"};
+
+std::string trimmed(const std::string& text) {
+    std::size_t first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string::npos) return std::string();
+    std::size_t last = text.find_last_not_of(" \t\r\n");
+    return text.substr(first, last - first + 1);
+}
+
+// Symbols as older files write them: full symbols of the orthorhombic and
+// higher groups ("P 21/b 21/c 21/a", "I 4/m 2/m 2/m") give their short
+// form by dropping the 2/ and 21/ parts.
+std::string short_form(const std::string& text) {
+    std::string result;
+    int dropped = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bool part_start = i == 0 || text[i - 1] == ' ';
+        if (part_start && text.compare(i, 2, "2/") == 0 && i + 2 < text.size()) {
+            i += 1;
+            ++dropped;
+            continue;
+        }
+        if (part_start && text.compare(i, 3, "21/") == 0 && i + 3 < text.size()) {
+            i += 2;
+            ++dropped;
+            continue;
+        }
+        result += text[i];
+    }
+    return dropped >= 2 ? result : std::string();
+}
+
+// Cubic symbols written before the bar of -3 was required ("F d 3 m",
+// "I m 3", "P a 3"): the 3 after a lattice or glide part becomes -3.
+std::string barred_three(const std::string& text) {
+    std::string compact;
+    for (char c : text) {
+        if (c != ' ') compact += c;
+    }
+    std::size_t three = compact.find('3');
+    if (three == std::string::npos || three < 2 || compact[three - 1] == '-' || (three + 1 < compact.size() && compact[three + 1] == '1') ||
+        (three + 1 < compact.size() && compact[three + 1] == '2'))
+        return std::string();
+    return compact.substr(0, three) + "-" + compact.substr(three);
+}
+
+const gemmi::SpaceGroup* find_name(const std::string& text) {
+    if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_name(text)) return found;
+    std::string reduced = short_form(text);
+    if (!reduced.empty()) {
+        if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_name(reduced)) return found;
+    }
+    std::string barred = barred_three(reduced.empty() ? text : reduced);
+    if (!barred.empty()) {
+        const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_name(barred);
+        if (found != nullptr && found->number >= 195) return found;
+    }
+    return nullptr;
+}
+
+const gemmi::SpaceGroup* find(const std::string& symbol) {
+    // Subscripts written as 6(3), or with the CIF markup 6~3~, read as 63.
+    std::string text;
+    for (char c : trimmed(symbol)) {
+        if (c != '(' && c != ')' && c != '~' && c != '^') text += c;
+    }
+    if (text.empty()) return nullptr;
+    // gemmi reads a bare number as a CCP4 number; only 1-230 are wanted here.
+    if (text.find_first_not_of("0123456789") == std::string::npos) {
+        if (text.size() > 3) return nullptr;
+        int number = std::stoi(text);
+        if (number < 1 || number > 230) return nullptr;
+        return &gemmi::get_spacegroup_reference_setting(number);
+    }
+    return find_name(text);
+}
+
+}  // namespace
+
+Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, const std::string& hint)
+    : symbol_(unknown_symbol), given_number_(number), given_symbol_(hint) {
+    std::vector<gemmi::Op> ops;
+    try {
+        for (const std::string& text : operators) {
+            std::string triplet = trimmed(text);
+            if (triplet.size() >= 2 && (triplet.front() == '\'' || triplet.front() == '"') &&
+                triplet.back() == triplet.front())
+                triplet = triplet.substr(1, triplet.size() - 2);
+            gemmi::Op op = gemmi::parse_triplet(triplet);
+            if (op.det_rot() == 0) throw std::runtime_error("singular operator");
+            ops.push_back(op.wrap());
+        }
+    } catch (const std::exception&) {
+        readable_ = false;
+        return;
+    }
+    if (ops.empty()) return;
+    gemmi::GroupOps group = gemmi::split_centering_vectors(ops);
+    if (group.cen_ops.empty()) group.cen_ops.push_back({0, 0, 0});
+    if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_ops(group)) {
+        symbol_ = found->xhm();
+        number_ = found->number;
+    }
+}
+
+int Spacegroup::nsettings(int number) {
+    if (number < 1 || number > 230) return 0;
+    int count = 0;
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) count += group.number == number;
+    return count;
+}
+
+std::string Spacegroup::orma_symbol(int number, int setting) {
+    if (number < 1 || number > 230 || setting < 1) return std::string();
+    int seen = 0;
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) {
+        if (group.number == number && ++seen == setting) return group.xhm();
+    }
+    return std::string();
+}
+
+std::string Spacegroup::derive_orma_symbol(const std::string& symbol) {
+    const gemmi::SpaceGroup* found = find(symbol);
+    return found == nullptr ? std::string(unknown_symbol) : found->xhm();
+}
+
+std::string Spacegroup::name_space_separated(const std::string& symbol) {
+    const gemmi::SpaceGroup* found = find(symbol);
+    return found == nullptr ? trimmed(symbol) : found->xhm();
+}
+
+int Spacegroup::number_of(const std::string& symbol) {
+    const gemmi::SpaceGroup* found = find(symbol);
+    return found == nullptr ? 0 : found->number;
+}
+
+int Spacegroup::crystal_system(int number) {
+    if (number < 1 || number > 230) return unknown_system;
+    if (number <= 2) return triclinic;
+    if (number <= 15) return monoclinic;
+    if (number <= 74) return orthorhombic;
+    if (number <= 142) return tetragonal;
+    if (number <= 167) {
+        switch (number) {
+            case 146:
+            case 148:
+            case 155:
+            case 160:
+            case 161:
+            case 166:
+            case 167:
+                return rhombohedral;
+            default:
+                return trigonal;
+        }
+    }
+    if (number <= 194) return hexagonal;
+    return cubic;
+}
+
+const char* Spacegroup::crystal_system_name(int index) {
+    if (index < 0 || index > cubic) return system_names[0];
+    return system_names[index];
+}

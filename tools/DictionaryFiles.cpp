@@ -1,0 +1,63 @@
+#include "tools/DictionaryFiles.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "cif/CifNames.hpp"
+
+std::vector<std::string> DictionaryFiles::resolve(const char* environment,
+                                                  const std::vector<std::string>& named) {
+    namespace fs = std::filesystem;
+    std::vector<std::string> files;
+    std::string list = environment == nullptr ? std::string() : environment;
+    std::size_t start = 0;
+    while (start <= list.size()) {
+        std::size_t stop = list.find(':', start);
+        if (stop == std::string::npos) stop = list.size();
+        std::string entry = list.substr(start, stop - start);
+        start = stop + 1;
+        if (entry.empty()) continue;
+        std::error_code error;
+        if (!fs::is_directory(entry, error)) {
+            files.push_back(entry);
+            continue;
+        }
+        std::vector<std::string> found;
+        for (const fs::directory_entry& file : fs::directory_iterator(entry, error)) {
+            if (file.is_regular_file(error) && cif_lowercase(file.path().extension().string()) == ".dic")
+                found.push_back(file.path().string());
+        }
+        std::sort(found.begin(), found.end(), [](const std::string& a, const std::string& b) {
+            return cif_lowercase(a) < cif_lowercase(b);
+        });
+        files.insert(files.end(), found.begin(), found.end());
+    }
+    files.insert(files.end(), named.begin(), named.end());
+    return files;
+}
+
+THandle<CifDictionaryPool> DictionaryFiles::load(const std::vector<std::string>& files,
+                                                 std::ostream& problems, bool& ok) {
+    ok = true;
+    THandle<CifDictionaryPool> pool(new CifDictionaryPool());
+    for (const std::string& file : files) {
+        std::ifstream stream(file, std::ios::binary);
+        if (!stream) {
+            problems << "tessary-check: cannot read dictionary " << file << '\n';
+            ok = false;
+            continue;
+        }
+        THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
+        THandle<CifErrorContainer> errors(new CifErrorContainer());
+        dictionary->read(stream, errors, nullptr);
+        if (!errors->empty()) {
+            problems << "tessary-check: errors loading dictionary " << file << '\n';
+            for (const CifError& error : *errors) problems << "  " << error.complete_message() << '\n';
+            ok = false;
+            continue;
+        }
+        pool->insert(dictionary);
+    }
+    return pool;
+}

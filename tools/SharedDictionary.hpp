@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cif/CifDictionary.hpp"
+
+// A dictionary that answers from another one owned elsewhere. Handles count
+// without locks, so each thread checks its files through a handle of its
+// own view of one read-only pool instead of sharing the pool's handle.
+class SharedDictionary : public CifDictionary {
+public:
+    explicit SharedDictionary(const CifDictionary& target) : target_(target) {}
+
+    bool is_defined(const std::string& name) const override { return target_.is_defined(name); }
+    const CifItemDefinition* definition(const std::string& name) const override {
+        return target_.definition(name);
+    }
+    bool has_definitions() const override { return target_.has_definitions(); }
+    int check_value(const std::string& name, const std::string& value, bool looped) const override {
+        return target_.check_value(name, value, looped);
+    }
+    std::string name() const override { return target_.name(); }
+    std::vector<std::string> categories() const override { return target_.categories(); }
+    std::vector<std::string> category_items(const std::string& category) const override {
+        return target_.category_items(category);
+    }
+
+private:
+    const CifDictionary& target_;
+};
