@@ -394,8 +394,7 @@ void QcbsMainWindow::makeConnections() {
 void QcbsMainWindow::makeEditorPage() {
     editorPage_ = new QSplitter(Qt::Horizontal);
     editorPage_->setObjectName("editorpage");
-    // The dictionary pool of the loader joins here once dictionaries are read.
-    editorPane_ = new QcbsLineNumberedTextEdit(THandle<CifDictionary>(), "editor", sharedData_->fontStyles(),
+    editorPane_ = new QcbsLineNumberedTextEdit(dictionary(), "editor", sharedData_->fontStyles(),
                                                sharedData_->lineNumbers(), editorPage_);
     editorPane_->setObjectName("editorpane");
     connect(actions_->action(QcbsMainWindowActions::EditZoomOut), &QAction::triggered, editorPane_,

@@ -13,6 +13,9 @@
 
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
+#include "cif/ORMACifConsistencyChecker.hpp"
+#include "dictionaries/QcbsDictionaryLoader.hpp"
+#include "dictionaries/QcbsDictionarySettings.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "editor/QcbsSyntaxHighlighter_CIF.hpp"
@@ -47,9 +50,31 @@ bool isPlaceholder(const THandle<CifDataBlock>& block) {
 }  // namespace
 
 THandle<CifDictionary> QcbsMainWindow::dictionary() {
-    // The dictionary classes of the CIF library are not there yet: until
-    // they are, every check is a syntax check.
-    return THandle<CifDictionary>();
+    const THandle<QcbsDictionaryLoader> loader = sharedData_->dictionaryLoader();
+    const THandle<CifDictionaryPool> all = loader->load(sharedData_->programDirectory());
+    if (!loader->loaded()) writeMissingDictionaryNote();
+    const THandle<CifDictionary> enabled = sharedData_->dictionarySettings()->loadSettings(all);
+    // Dictionaries found after the editor was made reach its highlighting too.
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor != nullptr && editor->highlighter() != nullptr &&
+        !(editor->highlighter()->dictionary() == enabled))
+        editor->setDictionary(enabled);
+    return enabled;
+}
+
+void QcbsMainWindow::writeMissingDictionaryNote() {
+    if (missingDictionaryNoted_) return;
+    missingDictionaryNoted_ = true;
+    QStringList directories = QcbsDictionaryLoader::searchDirectories(sharedData_->programDirectory());
+    for (QString& directory : directories) directory = directory.toHtmlEscaped();
+    writeToOutputPane("No dictionary found: checking syntax only. Dictionaries (*.dic) were searched in: " +
+                          directories.join(", ") + ".",
+                      true);
+    writeToOutputPane(
+        QString("To check data names and values, copy a dictionary such as cif_core.dic into one of "
+                "these directories, or name its directory in the environment variable ") +
+            QcbsDictionaryLoader::environmentVariable() + ".",
+        true);
 }
 
 THandle<Cif> QcbsMainWindow::newDocument(QcbsRichTextEdit* editor) {
@@ -131,8 +156,8 @@ void QcbsMainWindow::reparse() {
 
 void QcbsMainWindow::consistency_check(THandle<Cif> cif) {
     if (!sharedData_->consistencyChecks() || cif.is_null()) return;
-    // The consistency checker of the CIF library is not there yet; its
-    // findings will join the document's messages here.
+    ORMACifConsistencyChecker checker(cif);
+    checker.check_cif();
 }
 
 void QcbsMainWindow::processErrors(THandle<Cif> cif) {
@@ -268,5 +293,3 @@ void QcbsMainWindow::blockComboSelected(int index) {
     const QString name = QString::fromStdString(block->name());
     if (block->line() >= 0) emit requestGotoLine(block->line(), name);
 }
-
-void QcbsMainWindow::writeMissingDictionaryNote() {}

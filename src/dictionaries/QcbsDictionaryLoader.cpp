@@ -1,5 +1,75 @@
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 
-QcbsDictionaryLoader::QcbsDictionaryLoader() = default;
+#include <QDir>
+#include <QFile>
+#include <fstream>
+
+#include "application/ORMALogQString.hpp"
+#include "cif/CifConcreteDictionary.hpp"
+#include "support/ORMALog.hpp"
+
+namespace {
+
+void debugLine(const QString& text) {
+    if (!ORMALog::wants(1)) return;
+    ORMALog::start_debug_line(1) << text;
+    ORMALog::end_debug_line();
+}
+
+}  // namespace
+
+QcbsDictionaryLoader::QcbsDictionaryLoader()
+    : pool_(new CifDictionaryPool()), errors_(new CifErrorContainer()) {}
 
 QcbsDictionaryLoader::~QcbsDictionaryLoader() = default;
+
+QStringList QcbsDictionaryLoader::searchDirectories(const QString& programDirectory) {
+    QStringList candidates;
+    const QString named = qEnvironmentVariable(environmentVariable());
+    for (const QString& directory : named.split(':', Qt::SkipEmptyParts)) candidates << directory;
+    // Beside an installed program, then in a development tree or an
+    // application bundle.
+    for (const char* suffix : {"/dict", "/../../dict", "/../Resources/dict", "/../../../libCif/dictionaries",
+                               "/../../libCif/dictionaries"})
+        candidates << programDirectory + suffix;
+
+    QStringList directories;
+    for (const QString& candidate : candidates) {
+        // A directory named twice would give each of its dictionaries twice.
+        const QString path = QDir::cleanPath(candidate);
+        if (!directories.contains(path)) directories << path;
+    }
+    return directories;
+}
+
+THandle<CifDictionaryPool> QcbsDictionaryLoader::load(const QString& programDirectory) {
+    if (loaded_) return pool_;
+    for (const QString& path : searchDirectories(programDirectory)) readDirectory(path);
+    return pool_;
+}
+
+void QcbsDictionaryLoader::readDirectory(const QString& path) {
+    debugLine("QcbsDictionaryLoader - Searching for dictionaries in: " + path);
+    const QDir directory(path, "*.dic", QDir::Name | QDir::IgnoreCase, QDir::Files | QDir::Readable);
+    if (!directory.exists()) return;
+    for (const QString& name : directory.entryList()) readFile(directory.filePath(name));
+}
+
+void QcbsDictionaryLoader::readFile(const QString& path) {
+    debugLine("QcbsDictionaryLoader - Dictionary found in: " + path);
+    std::ifstream stream(QFile::encodeName(path).constData(), std::ios::binary);
+    THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
+    THandle<CifErrorContainer> errors(new CifErrorContainer());
+    dictionary->read(stream, errors, nullptr);
+    if (!errors->empty()) {
+        emit outputMessageRequest("Errors loading dictionary: " + path, false);
+        for (const CifError& error : *errors) {
+            errors_->add(error);
+            emit outputMessageRequest(QString::fromStdString(error.complete_message()), false);
+        }
+        return;
+    }
+    emit outputMessageRequest("Loaded dictionary: " + path, false);
+    loaded_ = true;
+    pool_->insert(dictionary);
+}

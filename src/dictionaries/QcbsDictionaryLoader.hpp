@@ -2,17 +2,46 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
-// Finds the dictionary files (*.dic) in the dictionary directories next to
-// the program and reads them, once, into one pool of all dictionaries. One
-// loader exists per program, in the data shared by the main windows.
+#include "cif/CifDictionaryPool.hpp"
+#include "cif/CifErrorContainer.hpp"
+#include "support/THandle.hpp"
+
+// Finds the dictionary files (*.dic) in the dictionary directories and reads
+// them, once, into one pool of all dictionaries. The directories named by
+// TESSARY_DICTIONARIES (separated by ":") come first, then those next to the
+// program. One loader exists per program, in the data shared by the main
+// windows.
 class QcbsDictionaryLoader : public QObject {
     Q_OBJECT
 public:
     QcbsDictionaryLoader();
     ~QcbsDictionaryLoader() override;
 
+    // The pool of all dictionaries. The files are read by the first call
+    // that reads at least one cleanly; until then every call searches again.
+    // A dictionary with errors is reported and left out.
+    THandle<CifDictionaryPool> load(const QString& programDirectory);
+    // The errors of every dictionary that could not be used.
+    THandle<CifErrorContainer> errors() const { return errors_; }
+    // Whether a dictionary has been read cleanly.
+    bool loaded() const { return loaded_; }
+
+    // The directories load() searches, in order, normalised, each once.
+    static QStringList searchDirectories(const QString& programDirectory);
+    // The environment variable naming further dictionary directories.
+    static const char* environmentVariable() { return "TESSARY_DICTIONARIES"; }
+
 signals:
     // One progress line for the output pane; the loader always sends false.
     void outputMessageRequest(const QString& message, bool flag);
+
+private:
+    void readDirectory(const QString& path);
+    void readFile(const QString& path);
+
+    THandle<CifDictionaryPool> pool_;
+    THandle<CifErrorContainer> errors_;
+    bool loaded_ = false;
 };

@@ -186,7 +186,6 @@ TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
         {A::FindNext, "Find next"},
         {A::Replace, "Replace"},
         {A::GoToLine, "Go to line"},
-        {A::Reparse, "Checking a CIF"},
         {A::ItemHelp, "Data item help"},
         {A::PublicationWizard, "The publication wizard"},
         {A::CrystalWizard, "The crystal wizard"},
@@ -240,8 +239,10 @@ TEST_F(MainWindowActions, AcceleratorsTypedInTheEditorReachTheWindow) {
     // Ctrl+K would delete to the end of the line in a plain text editor.
     QTest::keyClicks(editor, "data_a");
     editor->setCursorPosition(0, 0);
+    window_.setFileName(editor, "typed.cif");
     QTest::keyClick(editor, Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(statusMessage(window_), "Checking a CIF is not available yet.");
+    EXPECT_EQ(statusMessage(window_), "Ready");
+    EXPECT_TRUE(window_.isParsed(editor));
     EXPECT_EQ(editor->toPlainText(), "data_a");
     QTest::keyClick(editor, Qt::Key_F, Qt::ControlModifier);
     EXPECT_EQ(statusMessage(window_), "Find is not available yet.");

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QString>
+#include <QStringList>
+
+// Writes a small DDL1 dictionary that defines the given data names (all of
+// category "test", numbers).
+inline void writeDictionary(const QString& path, const QString& name, const QString& version,
+                            const QStringList& dataNames = {"_test_value"}) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) return;
+    QByteArray text = "data_on_this_dictionary\n    _dictionary_name " + name.toLatin1() +
+                      "\n    _dictionary_version " + version.toLatin1() +
+                      "\n    _dictionary_update 2024-01-01\n";
+    for (const QString& dataName : dataNames) {
+        text += "\ndata_" + dataName.mid(1).toLatin1() + "\n    _name '" + dataName.toLatin1() +
+                "'\n    _category test\n    _type numb\n";
+    }
+    file.write(text);
+}
+
+// A file that is not a dictionary: a block with data but no definition.
+inline void writeBrokenDictionary(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) return;
+    file.write("data_nothing_here\n    _some_item 'unterminated\n");
+}
+
+// Sets or clears an environment variable for the life of the object.
+class ScopedEnvironment {
+public:
+    ScopedEnvironment(const char* name, const QByteArray& value)
+        : name_(name), had_(qEnvironmentVariableIsSet(name)), previous_(qgetenv(name)) {
+        if (value.isNull())
+            qunsetenv(name);
+        else
+            qputenv(name, value);
+    }
+    ~ScopedEnvironment() {
+        if (had_)
+            qputenv(name_, previous_);
+        else
+            qunsetenv(name_);
+    }
+
+private:
+    const char* name_;
+    bool had_;
+    QByteArray previous_;
+};
