@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include "application/QcbsContactAuthor.hpp"
+#include "application/QcbsDocumentEncoding.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
 #include "cif/Cif.hpp"
 #include "support/THandle.hpp"
@@ -258,6 +259,54 @@ public slots:
 
 signals:
     void requestGotoLine(int line, QString blockName);
+
+    // --- Document operations (QcbsMainWindowDocument.cpp) ---
+public:
+    // Whether opening a file replaces this window's document (the option
+    // "reuse window") rather than opening another window.
+    static bool reuseWindow() { return reuse_window; }
+    // Gives the editor a new untitled name ("x:/dummy/untitled" + number +
+    // ".cif", a path that cannot exist, so that Save turns into Save As).
+    void fileNewUntitled();
+    // Reads a file into this window's editor and, with `check`, checks it
+    // once the whole text is in (documentLoaded() follows); without `check`
+    // (a template) the text is only read. `interactive` allows the question
+    // about a file that does not look like a CIF. False when the file was
+    // already open or could not be read.
+    bool load(const QString& filename, bool interactive, bool check);
+    // The same in a new main window; a file already open is refused.
+    bool loadInNewWindow(const QString& filename, bool interactive, bool check);
+    // Whether some main window holds the file (the same file on disk,
+    // however it is named).
+    static bool fileAlreadyOpen(const QString& filename);
+    // Whether the window holds no document worth keeping: none at all, or
+    // an untitled one that is empty and unmodified.
+    bool isBlank() const;
+    // The encoding an editor's file was read in and is written back in.
+    QcbsDocumentEncoding documentEncoding(QcbsRichTextEdit* editor) const {
+        return encodings_.value(editor);
+    }
+    static bool isUntitled(const QString& filename) { return filename.startsWith(untitledPrefix()); }
+    static QString untitledPrefix() { return "x:/dummy/untitled"; }
+
+signals:
+    // A loaded file is wholly in the editor (and checked, when asked).
+    void documentLoaded(const QString& filename);
+
+private:
+    bool saveDocument();
+    bool saveDocumentAs();
+    bool writeDocument(QcbsRichTextEdit* editor, const QString& filename);
+    void finishLoad(int serial, const QString& filename, bool check);
+    void clearDocument(QcbsRichTextEdit* editor);
+    void resetBlocksCombo();
+    void openDroppedFiles(const QStringList& files);
+    QString askSaveFileName(const QString& proposed);
+
+    QMap<QcbsRichTextEdit*, QcbsDocumentEncoding> encodings_;
+    // Counts the loads begun, so that a load overtaken by another (or by a
+    // close) is not finished.
+    int loadSerial_ = 0;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -7,34 +7,6 @@
 #include "application/QcbsMainWindow.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 
-// --- documents -------------------------------------------------------------------------
-
-void QcbsMainWindow::fileNew() { fileNew(reuse_window); }
-
-void QcbsMainWindow::fileNew(bool /*replace*/) { showNotAvailable("Starting a new document"); }
-
-void QcbsMainWindow::fileOpen() { showNotAvailable("Opening files"); }
-
-void QcbsMainWindow::fileOpen(const QString& filename, bool /*interactive*/) {
-    showNotAvailable("Opening " + filename);
-}
-
-void QcbsMainWindow::fileSave() { showNotAvailable("Saving files"); }
-
-void QcbsMainWindow::fileSaveAs() { showNotAvailable("Save As"); }
-
-void QcbsMainWindow::filePrint() { showNotAvailable("Printing"); }
-
-// Nothing can be saved yet, so there is nothing to ask: the close goes ahead.
-bool QcbsMainWindow::fileClose() {
-    showNotAvailable("Closing documents");
-    return true;
-}
-
-void QcbsMainWindow::fileLoadRecent(int /*index*/) { showNotAvailable("Opening recent files"); }
-
-void QcbsMainWindow::processDropEvent(QDropEvent* /*event*/) { showNotAvailable("Opening dropped files"); }
-
 // --- editing and search ----------------------------------------------------------------
 
 void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }

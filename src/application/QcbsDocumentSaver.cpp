@@ -1,0 +1,82 @@
+#include "application/QcbsDocumentSaver.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <cstdio>
+
+namespace {
+
+// rename(2) replaces an existing target in one step, so an older backup is
+// never gone while the file is not yet in its place.
+bool renameReplacing(const QString& from, const QString& to) {
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+// Makes the directory's new entry (the rename) durable as well.
+void syncDirectory(const QString& fileName) {
+    const int fd = ::open(QFile::encodeName(QFileInfo(fileName).absolutePath()).constData(),
+                          O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    ::fsync(fd);
+    ::close(fd);
+}
+
+bool writeAll(QSaveFile& file, const QByteArray& bytes, QString& error) {
+    if (!file.open(QIODevice::WriteOnly)) {
+        error = file.errorString();
+        return false;
+    }
+    if (file.write(bytes) != bytes.size() || !file.flush()) {
+        error = file.errorString();
+        file.cancelWriting();
+        return false;
+    }
+    if (::fsync(file.handle()) != 0) {
+        error = "could not sync the file to the disk";
+        file.cancelWriting();
+        return false;
+    }
+    if (!file.commit()) {
+        error = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+QString QcbsDocumentSaver::backupName(const QString& fileName) {
+    const qsizetype dot = fileName.indexOf(u'.', 1);
+    if (dot < 0) return fileName + "_backup";
+    return fileName.left(dot) + "_backup" + fileName.mid(dot);
+}
+
+QcbsDocumentSaver::Result QcbsDocumentSaver::save(const QString& fileName, const QByteArray& bytes,
+                                                  bool backup) {
+    Result result;
+    bool movedToBackup = false;
+    QFile::Permissions permissions;
+    if (backup && QFileInfo::exists(fileName)) {
+        result.backupName = backupName(fileName);
+        permissions = QFile::permissions(fileName);
+        movedToBackup = renameReplacing(fileName, result.backupName);
+        result.backupFailed = !movedToBackup;
+    }
+
+    QSaveFile file(fileName);
+    result.saved = writeAll(file, bytes, result.error);
+    if (!result.saved) {
+        // The old content goes back to its name; should that fail too, it
+        // is still whole at the backup name.
+        if (movedToBackup) renameReplacing(result.backupName, fileName);
+        return result;
+    }
+    // A file made afresh after the backup rename keeps the old file's permissions.
+    if (movedToBackup) QFile::setPermissions(fileName, permissions);
+    syncDirectory(fileName);
+    return result;
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// Writes a document's bytes over its file so that no failure of the disk can
+// cost the old content: the bytes go to a temporary file in the same
+// directory, are flushed and synced, and only then is that file renamed over
+// the old one. With a backup asked for, the old file is first renamed to its
+// backup name (replacing an older backup); when the write then fails, it is
+// renamed back. Whatever fails, the old content stays byte for byte at the
+// file's name or, failing that, at the backup name.
+class QcbsDocumentSaver {
+public:
+    struct Result {
+        bool saved = false;
+        // A backup was asked for but the old file could not be renamed to
+        // backupName; the save itself went on.
+        bool backupFailed = false;
+        QString backupName;
+        // Why the write failed, for the log.
+        QString error;
+    };
+
+    // The whole path with "_backup" inserted before the first "." at index 1
+    // or later, so that a dot in a directory name takes it
+    // ("a.b/c.cif" -> "a_backup.b/c.cif"); a path without such a dot gets
+    // "_backup" at its end.
+    static QString backupName(const QString& fileName);
+
+    static Result save(const QString& fileName, const QByteArray& bytes, bool backup);
+};

@@ -1,0 +1,487 @@
+// The main window's document operations: new, open and load, save with a
+// backup, save as, close, recent files, dropped files and printing.
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTimer>
+#include <QUrl>
+
+#include "application/ORMALogQString.hpp"
+#include "application/QcbsDocumentLines.hpp"
+#include "application/QcbsDocumentPrinter.hpp"
+#include "application/QcbsDocumentSaver.hpp"
+#include "application/QcbsMainWindow.hpp"
+#include "application/QcbsMainWindowActions.hpp"
+#include "application/QcbsUtilities.hpp"
+#include "editor/QcbsRichTextEdit.hpp"
+#include "support/ORMALog.hpp"
+#include "validation/QcbsCoreCifFileValidator.hpp"
+#include "validation/QcbsErrorListView.hpp"
+#include "views/QcbsCifBoxView.hpp"
+#include "widgets/RecentFilesMenu.hpp"
+
+namespace {
+
+const char* const kFileFilter = "CIF (*.cif);;All Files (*)";
+
+void debugLine(const QString& text) {
+    if (!ORMALog::wants(1)) return;
+    ORMALog::start_debug_line(1) << text;
+    ORMALog::end_debug_line();
+}
+
+void loadLog(const QString& text) { debugLine("QcbsMainWindow::load - " + text); }
+
+QString quoted(const QString& name) { return "\"" + name + "\""; }
+
+// The same name quoted for the output pane, which shows rich text.
+QString quotedHtml(const QString& name) { return quoted(name).toHtmlEscaped(); }
+
+// A message box with buttons of exactly these texts and roles; returns the
+// index of the button chosen (the escape button's when the box is closed).
+int ask(QWidget* parent, QMessageBox::Icon icon, const QString& caption, const QString& text,
+        const QList<std::pair<QString, QMessageBox::ButtonRole>>& buttons, int defaultButton,
+        int escapeButton) {
+    QMessageBox box(icon, caption, text, QMessageBox::NoButton, parent);
+    QList<QPushButton*> made;
+    for (const auto& [label, role] : buttons) made << box.addButton(label, role);
+    box.setDefaultButton(made.at(defaultButton));
+    box.setEscapeButton(made.at(escapeButton));
+    box.exec();
+    const int chosen = static_cast<int>(made.indexOf(qobject_cast<QPushButton*>(box.clickedButton())));
+    return chosen < 0 ? escapeButton : chosen;
+}
+
+// The wait cursor while the program works without answering.
+class WaitCursor {
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+bool sameFile(const QString& a, const QString& b) {
+    const QFileInfo first(a);
+    const QFileInfo second(b);
+    const QString canonical = first.canonicalFilePath();
+    if (!canonical.isEmpty()) return canonical == second.canonicalFilePath();
+    return first.absoluteFilePath() == second.absoluteFilePath();
+}
+
+// Whether a file of this name could be written: its directory exists and
+// the file (or, for a new file, the directory) is writable.
+bool canWriteTo(const QString& filename) {
+    const QFileInfo file(filename);
+    const QFileInfo directory(file.absolutePath());
+    if (!directory.isDir()) return false;
+    if (file.exists()) return file.isFile() && file.isWritable();
+    return directory.isWritable();
+}
+
+int untitledCount = 0;  // one running number for the untitled files of all windows
+
+}  // namespace
+
+// --- new -------------------------------------------------------------------------------
+
+void QcbsMainWindow::fileNew() { fileNew(reuseWindow()); }
+
+void QcbsMainWindow::fileNew(bool replace) {
+    const bool open = fileNames_.contains(currentEditor());
+    if (!replace && open) {
+        newWindow();
+        return;
+    }
+    if (replace && open && !fileClose()) return;
+    errorList_->removeAll();
+    if (start_with_template && !template_file.isEmpty()) {
+        if (load(template_file, false, false)) {
+            // The copy is a new document: saving must never overwrite the template.
+            setFileName(currentEditor(), untitledPrefix() + QString::number(++untitledCount) + ".cif");
+            setParseAllowed(currentEditor(), true);
+            enableParseTools(true);
+            writeToOutputPane("(Note, template files are not automatically parsed for errors)", true);
+            return;
+        }
+        fileNewUntitled();
+        statusBarMessage("Could not open template file");
+        return;
+    }
+    fileNewUntitled();
+}
+
+void QcbsMainWindow::fileNewUntitled() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return;
+    const QString name = untitledPrefix() + QString::number(++untitledCount) + ".cif";
+    setFileName(editor, name);
+    encodings_[editor] = QcbsDocumentEncoding();
+    setParseAllowed(editor, true);
+    resetBlocksCombo();
+    writeToOutputPane("<br>Starting new file " + quotedHtml(name), true);
+    enableFileTools(true);
+    enableTools(tabs_->currentWidget());
+}
+
+bool QcbsMainWindow::isBlank() const {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr || !fileNames_.contains(editor)) return true;
+    return isUntitled(fileName(editor)) && !editor->isModified() && !editor->isLoading() &&
+           editor->document()->isEmpty();
+}
+
+// --- open and load ---------------------------------------------------------------------
+
+void QcbsMainWindow::fileOpen() {
+    QString directory;
+    const QString current = fileName(currentEditor());
+    if (!current.isEmpty() && !isUntitled(current)) directory = QFileInfo(current).absolutePath();
+    QFileDialog dialog(this, "Open", directory, kFileFilter);
+    dialog.setObjectName("openfiledialog");
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    if (dialog.exec() != QDialog::Accepted) return;
+    for (const QString& name : dialog.selectedFiles()) fileOpen(name, true);
+}
+
+void QcbsMainWindow::fileOpen(const QString& filename, bool interactive) {
+    if (filename.isEmpty()) return;
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return;
+    if (!reuseWindow() && !isBlank()) {
+        loadInNewWindow(filename, interactive, true);
+        return;
+    }
+    // The document goes only when the new one can take its place; a file
+    // already open is refused by load() with this document kept.
+    if (!fileAlreadyOpen(filename)) {
+        if (fileNames_.contains(editor) && !fileClose()) return;
+    }
+    if (!load(filename, interactive, true) && !fileNames_.contains(editor)) fileNewUntitled();
+}
+
+bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check) {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return false;
+    loadLog("filename: " + filename);
+    if (fileAlreadyOpen(filename)) {
+        loadLog("file already open ");
+        QMessageBox::information(this, "Information", "That file is already open.");
+        return false;
+    }
+    QFile file(filename);
+    QByteArray bytes;
+    bool opened = !QFileInfo(filename).isDir() && file.open(QIODevice::ReadOnly);
+    if (opened) {
+        bytes = file.readAll();
+        opened = file.error() == QFileDevice::NoError;
+    }
+    if (!opened) {
+        loadLog("failed");
+        QMessageBox::critical(this, "Error", "Could not open file " + quoted(filename));
+        return false;
+    }
+    file.close();
+    loadLog("file opened ok ");
+    writeToOutputPane("Reading CIF " + quotedHtml(filename), true);
+
+    const QcbsCoreCifFileValidator::Verdict verdict = QcbsCoreCifFileValidator::examine(bytes);
+    if (verdict != QcbsCoreCifFileValidator::LooksLikeCif) {
+        loadLog("not a CIF: the file " + QcbsCoreCifFileValidator::describe(verdict));
+        writeToOutputPane("Warning: " + quotedHtml(filename) + " does not appear to be a valid CIF.", true);
+        if (interactive)
+            ask(this, QMessageBox::Warning, "Warning",
+                "File " + quoted(filename) + " does not appear to be a valid CIF.",
+                {{"Continue", QMessageBox::AcceptRole}}, 0, 0);
+    }
+
+    // The visualiser page is made with the window; it shows the document
+    // once the user turns to it.
+    loadLog("creating visualiser view");
+
+    loadLog("copying file text to editor");
+    statusBarMessage("Reading...  ");
+    const int serial = ++loadSerial_;
+    {
+        const WaitCursor wait;
+        QString text;
+        encodings_[editor] = QcbsDocumentEncoding::detect(bytes, &text);
+        bytes.clear();
+        QcbsDocumentLines::Read read = QcbsDocumentLines::fromFileText(std::move(text));
+        setFileName(editor, filename);
+        setParseAllowed(editor, check);
+        documents_.remove(editor);
+
+        // The line count is known before the text is in: the output pane
+        // gets it now, so that it comes before the check's messages.
+        loadLog("setting up UI");
+        writeToOutputPane("Read " + QString::number(read.lines) + (read.lines == 1 ? " line." : " lines."),
+                          true);
+
+        // A big text goes into the editor in slices of the event loop; the
+        // check runs once the whole text is in (at once for a small text).
+        connect(
+            editor, &QcbsRichTextEdit::textLoaded, this,
+            [this, serial, filename, check] { finishLoad(serial, filename, check); },
+            Qt::SingleShotConnection);
+        editor->loadText(read.text);
+    }
+    if (check && recentFiles != nullptr) recentFiles->addFile(filename);
+    enableFileTools(true);
+    enableTools(tabs_->currentWidget());
+    return true;
+}
+
+void QcbsMainWindow::finishLoad(int serial, const QString& filename, bool check) {
+    // A later load or a close took the editor meanwhile.
+    if (serial != loadSerial_) return;
+    if (check) {
+        const WaitCursor wait;
+        loadLog("parsing CIF");
+        statusBarMessage("Parsing CIF...  ");
+        parse();
+    }
+    statusBarMessage("Ready");
+    loadLog("successful");
+    statusLineNumber();
+    emit documentLoaded(filename);
+}
+
+bool QcbsMainWindow::loadInNewWindow(const QString& filename, bool interactive, bool check) {
+    debugLine("QcbsMainWindow::loadInNewWindow - filename: " + filename);
+    if (fileAlreadyOpen(filename)) {
+        QMessageBox::information(this, "Information", "The file " + quoted(filename) + " is already open.");
+        return false;
+    }
+    debugLine("QcbsMainWindow::loadInNewWindow - creating new window ");
+    auto* window = new QcbsMainWindow(sharedData_, StartEmpty);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
+    const bool loaded = window->load(filename, interactive, check);
+    // A window that got no document is not left behind.
+    if (!loaded) window->close();
+    debugLine("QcbsMainWindow::loadInNewWindow - finished ");
+    return loaded;
+}
+
+bool QcbsMainWindow::fileAlreadyOpen(const QString& filename) {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        const auto* window = qobject_cast<QcbsMainWindow*>(widget);
+        if (window == nullptr) continue;
+        for (const QString& open : window->fileNames_)
+            if (!isUntitled(open) && sameFile(open, filename)) return true;
+    }
+    return false;
+}
+
+// --- save ------------------------------------------------------------------------------
+
+void QcbsMainWindow::fileSave() { saveDocument(); }
+
+void QcbsMainWindow::fileSaveAs() { saveDocumentAs(); }
+
+bool QcbsMainWindow::saveDocument() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return false;
+    if (editor->isLoading()) {
+        // Saving now would write only the part read so far.
+        statusBarMessage("The file is still being read; it can be saved once it is in.");
+        return false;
+    }
+    const QString name = fileName(editor);
+    if (name.isEmpty() || !QFileInfo::exists(name)) return saveDocumentAs();
+    return writeDocument(editor, name);
+}
+
+bool QcbsMainWindow::saveDocumentAs() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return false;
+    if (editor->isLoading()) {
+        statusBarMessage("The file is still being read; it can be saved once it is in.");
+        return false;
+    }
+    const QString current = fileName(editor);
+    QString name = current.isEmpty() || isUntitled(current) ? QString("new.cif") : current;
+    for (;;) {
+        name = askSaveFileName(name);
+        if (name.isEmpty()) return false;
+        if (!QFileInfo::exists(name)) break;
+        const int answer = ask(this, QMessageBox::Question, programQName(),
+                               name + " already exists\nDo you want to replace it?",
+                               {{"Yes", QMessageBox::YesRole}, {"No", QMessageBox::NoRole}}, 0, 1);
+        if (answer == 0) break;
+    }
+    if (!canWriteTo(name)) {
+        QMessageBox::critical(this, "Error", "Could not write to this file (check permissions)");
+        return false;
+    }
+    // The document takes the new name only once it is there, so that a
+    // failed Save As leaves Save pointing at the file that holds it.
+    if (!writeDocument(editor, name)) return false;
+    setFileName(editor, name);
+    if (recentFiles != nullptr) recentFiles->addFile(name);
+    return true;
+}
+
+QString QcbsMainWindow::askSaveFileName(const QString& proposed) {
+    QFileDialog dialog(this, "Save As", proposed, kFileFilter);
+    dialog.setObjectName("savefiledialog");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    // The replace question is the window's own.
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return QString();
+    return dialog.selectedFiles().first();
+}
+
+bool QcbsMainWindow::writeDocument(QcbsRichTextEdit* editor, const QString& filename) {
+    const QString text = QcbsDocumentLines::toFileText(*editor->document());
+    QcbsDocumentEncoding encoding = encodings_.value(editor);
+    // A character Latin-1 cannot hold is never dropped: such a text is
+    // written as UTF-8.
+    const bool widened = !encoding.canEncode(text);
+    if (widened) encoding = QcbsDocumentEncoding(QcbsDocumentEncoding::Utf8);
+
+    const QcbsDocumentSaver::Result result =
+        QcbsDocumentSaver::save(filename, encoding.encode(text), sharedData_->saveBackup());
+    if (result.backupFailed)
+        QMessageBox::warning(this, "Error",
+                             "Could not write backup copy of this file:\n" + result.backupName);
+    if (!result.saved) {
+        debugLine("QcbsMainWindow::fileSave - failed: " + result.error);
+        QMessageBox::critical(this, "Error",
+                              "Could not write to this file. Check file permissions, or use 'Save As' to "
+                              "make a copy");
+        return false;
+    }
+    encodings_[editor] = encoding;
+    if (widened)
+        writeToOutputPane("Saved " + quotedHtml(filename) +
+                              " as UTF-8: the text holds characters that Latin-1 cannot represent.",
+                          true);
+    editor->setModified(false);
+    statusLineNumber();
+    return true;
+}
+
+// --- close -----------------------------------------------------------------------------
+
+bool QcbsMainWindow::fileClose() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return true;
+    if (editor->isModified()) {
+        const int answer = ask(
+            this, QMessageBox::Question, programQName(), "Save changes to current file?",
+            {{"Yes", QMessageBox::YesRole}, {"No", QMessageBox::NoRole}, {"Cancel", QMessageBox::RejectRole}},
+            0, 2);
+        if (answer == 2) return false;
+        // A save that fails or is cancelled keeps the document open.
+        if (answer == 0 && !saveDocument()) return false;
+    }
+    clearDocument(editor);
+    return true;
+}
+
+void QcbsMainWindow::clearDocument(QcbsRichTextEdit* editor) {
+    ++loadSerial_;  // a load still running is not finished
+    if (editor->isLoading())
+        editor->loadText(QString());
+    else
+        editor->clear();  // also forgets the undo history
+    editor->clearErrorHighlighting();
+    editor->setModified(false);
+    fileNames_.remove(editor);
+    documents_.remove(editor);
+    encodings_.remove(editor);
+    notParsed_.remove(editor);
+    errorList_->removeAll();
+    resetBlocksCombo();
+    boxView_->showNoItems();
+    enableFileTools(false);
+    enableParseTools(false);
+    updateCaption();
+    statusLineNumber();
+}
+
+void QcbsMainWindow::resetBlocksCombo() {
+    QComboBox* blocks = blocksCombo();
+    blocks->clear();
+    blocks->addItem(QcbsMainWindowActions::noBlocksText());
+    blocks->setEnabled(false);
+}
+
+// --- recent and dropped files ----------------------------------------------------------
+
+void QcbsMainWindow::fileLoadRecent(int index) {
+    if (recentFiles == nullptr) return;
+    const QString name = recentFiles->filename(index);
+    if (name.isEmpty()) return;
+    if (!QFileInfo::exists(name)) {
+        QMessageBox::critical(this, "Error", "The file " + quoted(name) + " no longer exists.");
+        return;
+    }
+    if (fileAlreadyOpen(name)) {
+        QMessageBox::information(this, "Information", "The file " + quoted(name) + " is already open.");
+        return;
+    }
+    fileOpen(name, true);
+}
+
+void QcbsMainWindow::processDropEvent(QDropEvent* event) {
+    QStringList files;
+    if (event->mimeData() != nullptr)
+        for (const QUrl& url : event->mimeData()->urls())
+            if (url.isLocalFile()) files << url.toLocalFile();
+    if (files.isEmpty()) return;
+    // The files open once the drop is over: a question asked inside the drop
+    // would hold up the program the files were dragged from.
+    QTimer::singleShot(0, this, [this, files] { openDroppedFiles(files); });
+}
+
+void QcbsMainWindow::openDroppedFiles(const QStringList& files) {
+    if (reuseWindow() && files.size() > 1) {
+        QMessageBox::information(this, "Information",
+                                 "Your preferences are set for single window mode, only one file can be "
+                                 "dropped in.");
+        return;
+    }
+    for (const QString& name : files) fileOpen(name, true);
+}
+
+// --- print -----------------------------------------------------------------------------
+
+void QcbsMainWindow::filePrint() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return;
+    if (editor->isLoading()) {
+        statusBarMessage("The file is still being read; it can be printed once it is in.");
+        return;
+    }
+    const QString name = fileName(editor);
+    const QString title = name.isEmpty()     ? QString("new.cif")
+                          : isUntitled(name) ? QFileInfo(name).fileName()
+                                             : name;
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(QFileInfo(title).fileName());
+    QPrintDialog dialog(&printer, this);
+    dialog.setObjectName("printdialog");
+    if (dialog.exec() != QDialog::Accepted) return;
+    const WaitCursor wait;
+    const int pages = QcbsDocumentPrinter(title, editor->font()).print(&printer, *editor->document());
+    if (pages == 0)
+        statusBarMessage("Could not print " + title);
+    else
+        statusBarMessage("Printed " + QString::number(pages) + (pages == 1 ? " page." : " pages."));
+}
