@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "cif/CifLoopChecker.hpp"
 #include "cif/CifNames.hpp"
 
 namespace {
@@ -28,9 +29,14 @@ std::string joined(const std::vector<std::string>& names) {
 
 }  // namespace
 
-CifBlockValidator::CifBlockValidator(const CifDictionary& dictionary, const CifLineIndex& lines,
-                                     CifErrorSink& sink, bool names, bool values)
-    : dictionary_(dictionary), lines_(lines), sink_(sink), names_(names), values_(values) {}
+CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
+                                     const std::unordered_set<const CifDataItem*>* checked)
+    : reporter_(reporter),
+      dictionary_(reporter.dictionary()),
+      sink_(reporter.sink()),
+      names_(names),
+      values_(values),
+      checked_(checked) {}
 
 void CifBlockValidator::validate(const CifDataBlock& block) {
     linked_.clear();
@@ -62,19 +68,10 @@ void CifBlockValidator::check_parents(const CifDataBlock& block) {
                 !reported.insert(value).second)
                 continue;
             if (sink_.full()) return;
-            sink_.add(CifError::parent_value_missing, value_line(*item, n), item->name(), std::string(value));
+            sink_.add(CifError::parent_value_missing, reporter_.value_line(*item, n), item->name(),
+                      std::string(value));
         }
     }
-}
-
-void CifBlockValidator::report(const CifValueCheck::Result& result, int line, const std::string& name) {
-    sink_.add(CifError(static_cast<CifError::ErrorID>(result.code), result.type, line, name, result.detail));
-}
-
-int CifBlockValidator::value_line(const CifDataItem& item, std::size_t n) const {
-    CifValueRef ref = item.values()[n];
-    if (ref.added()) return std::max(item.line(), 1);
-    return lines_.line_at(ref.offset);
 }
 
 void CifBlockValidator::validate_single(const CifDataItem& item) {
@@ -86,10 +83,10 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
         }
     } else if (values_) {
         if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
-            report(result, item.line(), item.name());
+            reporter_.report(result, item.line(), item.name());
         if (!definition->list_link_parent.empty()) linked_.emplace_back(&item, definition);
     }
-    if (values_) check_values(item, definition);
+    if (values_) reporter_.check_all(item, definition);
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
@@ -105,14 +102,22 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (definitions[i] == nullptr) continue;
         if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
-            report(result, loop[i]->line(), loop[i]->name());
+            reporter_.report(result, loop[i]->line(), loop[i]->name());
         if (!definitions[i]->list_link_parent.empty()) linked_.emplace_back(loop[i].get(), definitions[i]);
     }
     check_loop_keys(loop, definitions);
+    if (checked_ != nullptr && checked_->count(loop.front().get()) != 0) return;
+    const std::string& text = loop.front()->store()->text();
+    CifLoopChecker checker(reporter_, text.data(), text.size());
+    std::size_t rows = loop.front()->size();
     for (std::size_t i = 0; i < loop.size(); ++i) {
-        if (definitions[i] != nullptr || dictionary_.is_defined(loop[i]->name()))
-            check_values(*loop[i], definitions[i]);
+        if (loop[i]->size() == rows) {
+            checker.add(*loop[i], definitions[i]);
+        } else if (definitions[i] != nullptr || dictionary_.is_defined(loop[i]->name())) {
+            reporter_.check_all(*loop[i], definitions[i]);  // not a loop the reader built
+        }
     }
+    checker.check_rows(0, rows);
 }
 
 void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
@@ -188,31 +193,4 @@ const std::vector<std::string>& CifBlockValidator::mandatory_items(const std::st
         if (definition != nullptr && definition->list_mandatory) names.push_back(name);
     }
     return mandatory_.emplace(category, std::move(names)).first->second;
-}
-
-void CifBlockValidator::check_values(const CifDataItem& item, const CifItemDefinition* definition) {
-    const std::size_t size = item.size();
-    const CifTextStore& store = *item.store();
-    const CifValueColumn& values = item.values();
-    for (std::size_t n = 0; n < size; ++n) {
-        CifValueRef ref = values[n];
-        CifValueCheck::Result result;
-        if (definition == nullptr) {
-            // A dictionary that answers only check_value.
-            int code = dictionary_.check_value(item.name(), std::string(store.view(ref)), item.is_looped());
-            if (code != 0) result.code = code;
-        } else if (ref.compound()) {
-            if (definition->type == CifItemDefinition::Type::numb)
-                result =
-                    CifValueCheck::Result{CifError::wrong_value_type, CifError::error, definition->type_text};
-        } else {
-            result = CifValueCheck::check(*definition, store.view(ref), ref.quoted());
-        }
-        if (!result) continue;
-        if (sink_.full()) {
-            report(result, 0, item.name());  // records that messages were dropped
-            return;
-        }
-        report(result, value_line(item, n), item.name());
-    }
 }

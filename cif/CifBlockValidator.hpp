@@ -1,15 +1,14 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifDictionary.hpp"
-#include "cif/CifErrorSink.hpp"
-#include "cif/CifLineIndex.hpp"
-#include "cif/CifValueCheck.hpp"
+#include "cif/CifValueReporter.hpp"
 
 // Checks the items and loops of a block against a dictionary, each finding
 // on the line of what it is about (a value's own line, also inside a loop):
@@ -22,10 +21,10 @@
 // parent's values (360, once per value).
 class CifBlockValidator {
 public:
-    // lines gives the lines of values read from text; names and values say
-    // which checks run.
-    CifBlockValidator(const CifDictionary& dictionary, const CifLineIndex& lines, CifErrorSink& sink,
-                      bool names, bool values);
+    // names and values say which checks run; values of the items in
+    // checked were checked already (by the reader, while reading a loop).
+    CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
+                      const std::unordered_set<const CifDataItem*>* checked = nullptr);
 
     void validate(const CifDataBlock& block);
 
@@ -34,17 +33,15 @@ private:
     void validate_loop(const CifDataBlock::ItemList& loop);
     void check_loop_keys(const CifDataBlock::ItemList& loop,
                          const std::vector<const CifItemDefinition*>& defs);
-    void check_values(const CifDataItem& item, const CifItemDefinition* definition);
     void check_parents(const CifDataBlock& block);
-    void report(const CifValueCheck::Result& result, int line, const std::string& name);
-    int value_line(const CifDataItem& item, std::size_t n) const;
     const std::vector<std::string>& mandatory_items(const std::string& category);
 
+    CifValueReporter& reporter_;
     const CifDictionary& dictionary_;
-    const CifLineIndex& lines_;
     CifErrorSink& sink_;
     bool names_;
     bool values_;
+    const std::unordered_set<const CifDataItem*>* checked_;
     std::unordered_map<std::string, std::vector<std::string>> mandatory_;  // category -> its mandatory items
     // Items of the current block that name a parent, with their definitions.
     std::vector<std::pair<const CifDataItem*, const CifItemDefinition*>> linked_;

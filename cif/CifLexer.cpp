@@ -111,14 +111,14 @@ CifToken CifLexer::next() {
 }
 
 std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::size_t width,
-                                        std::size_t& column) {
+                                        std::size_t& column, std::size_t max_count) {
     const bool* ends = version_ >= 2 ? word_ends.cif2 : word_ends.cif1;
     std::size_t limit = settings_.max_token_size < CifValueRef::length_mask ? settings_.max_token_size
                                                                             : CifValueRef::length_mask;
     const char* p = p_;
     int line = line_;
     std::size_t count = 0;
-    for (;;) {
+    while (count < max_count) {
         char c = *p;
         while (c == ' ' || c == '\t' || c == '\n') {
             if (c == '\n') ++line;

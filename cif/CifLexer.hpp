@@ -26,8 +26,10 @@ public:
     // Reads plain unquoted values straight into the columns, row by row from
     // `column` on, while they come; stops before anything else (a quoted
     // value, a name, a comment, a word that may be reserved), which next()
-    // then returns. The fast path for the rows of large loops.
-    std::size_t read_plain_values(CifValueColumn* const* columns, std::size_t width, std::size_t& column);
+    // then returns, or after max_count values. The fast path for the rows of
+    // large loops.
+    std::size_t read_plain_values(CifValueColumn* const* columns, std::size_t width, std::size_t& column,
+                                  std::size_t max_count = static_cast<std::size_t>(-1));
 
     // Comments met since the reader last took them, in text order.
     std::vector<CifComment>& comments() { return comments_; }

@@ -9,8 +9,10 @@
 #include "cif/Cif.hpp"
 #include "cif/CifBlockValidator.hpp"
 #include "cif/CifLineIndex.hpp"
+#include "cif/CifLoopChecker.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextCheck.hpp"
+#include "cif/CifValueReporter.hpp"
 
 namespace {
 
@@ -227,13 +229,39 @@ void CifReader::check_name(const std::string& name, int line, bool block_name) {
                 std::to_string(settings_.max_name_length));
 }
 
+CifValueReporter& CifReader::reporter() {
+    if (reporter_ == nullptr) {
+        lines_ = std::make_unique<CifLineIndex>(store_->text());
+        reporter_ = std::make_unique<CifValueReporter>(*cif_.dictionary_, *lines_, errors_);
+    }
+    return *reporter_;
+}
+
+bool CifReader::checks_values() const {
+    const THandle<CifDictionary>& dictionary = cif_.dictionary_;
+    return settings_.check_values && !dictionary.is_null() && dictionary->has_definitions();
+}
+
 void CifReader::validate(const CifDataBlock& block) {
     const THandle<CifDictionary>& dictionary = cif_.dictionary_;
     if (dictionary.is_null() || !dictionary->has_definitions()) return;
     if (!settings_.check_data_names && !settings_.check_values) return;
-    if (lines_ == nullptr) lines_ = std::make_unique<CifLineIndex>(store_->text());
-    CifBlockValidator(*dictionary, *lines_, errors_, settings_.check_data_names, settings_.check_values)
+    CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_)
         .validate(block);
+}
+
+std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& block,
+                                                        const std::vector<THandle<CifDataItem>>& columns) {
+    if (!checks_values()) return nullptr;
+    auto checker = std::make_unique<CifLoopChecker>(reporter(), store_->text().data(), store_->text().size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const std::string& name = columns[i]->name();
+        bool taken = !block.find(name).is_null();
+        for (std::size_t j = 0; j < i && !taken; ++j) taken = cif_iequals(columns[j]->name(), name);
+        if (!taken) checker->add(*columns[i], cif_.dictionary_->definition(name));
+    }
+    if (checker->empty()) return nullptr;
+    return checker;
 }
 
 CifValueRef CifReader::reference(const CifToken& token) const {
@@ -335,12 +363,21 @@ CifToken CifReader::on_loop(const CifToken& token) {
     const std::size_t width = targets.size();
     std::size_t column = 0;
     std::size_t count = 0;
+    // Values are checked a batch of rows at a time, while their text is
+    // still in the cache.
+    std::unique_ptr<CifLoopChecker> checker = loop_checker(*block, columns);
+    const std::size_t batch = checker == nullptr ? static_cast<std::size_t>(-1) : std::size_t(1) << 15;
+    std::size_t checked_rows = 0;
     for (;;) {
         if (t.kind != CifToken::value) break;
         targets[column]->push_back(reference(t));
         if (++column == width) column = 0;
         ++count;
-        count += lexer_->read_plain_values(targets.data(), width, column);
+        count += lexer_->read_plain_values(targets.data(), width, column, batch);
+        if (checker != nullptr && count / width >= checked_rows + batch / width) {
+            checker->check_rows(checked_rows, count / width);
+            checked_rows = count / width;
+        }
         t = next();
     }
     int last_value_line = previous_end_;
@@ -378,6 +415,10 @@ CifToken CifReader::on_loop(const CifToken& token) {
             continue;
         }
         kept.push_back(item);
+    }
+    if (checker != nullptr) {
+        checker->check_rows(checked_rows, columns.front()->size());
+        if (!kept.empty()) checked_loops_.insert(kept.front().get());
     }
     if (!kept.empty()) block->add_loop(kept);
     return t;

@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "cif/CifCommentable.hpp"
 #include "cif/CifErrorSink.hpp"
@@ -16,6 +18,8 @@ class Cif;
 class CifDataBlock;
 class CifDataItem;
 class CifLineIndex;
+class CifLoopChecker;
+class CifValueReporter;
 class CifTextStore;
 
 // Builds a document's blocks from its text: prepares the bytes (line ends,
@@ -49,6 +53,13 @@ private:
     void check_name(const std::string& name, int line, bool block_name);
     // Checks a finished block against the document's dictionary.
     void validate(const CifDataBlock& block);
+    // Whether values are checked against a dictionary while reading.
+    bool checks_values() const;
+    CifValueReporter& reporter();
+    // A checker for the values of a loop about to be read (null when values
+    // are not checked); columns whose names are taken already are left out.
+    std::unique_ptr<CifLoopChecker> loop_checker(const CifDataBlock& block,
+                                                 const std::vector<THandle<CifDataItem>>& columns);
     CifValueRef reference(const CifToken& token) const;
     CifValueRef unknown_value();
 
@@ -70,4 +81,6 @@ private:
     CifValueRef unknown_;
     std::unordered_map<std::string, int> block_lines_;  // lower-case block name -> heading line
     std::unique_ptr<CifLineIndex> lines_;               // built when the first block is checked
+    std::unique_ptr<CifValueReporter> reporter_;
+    std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read
 };

@@ -31,6 +31,12 @@ public:
         return chunks_.empty() ? single_ : chunks_[n >> chunk_bits][n & (chunk_size - 1)];
     }
 
+    // The values as runs of consecutive entries, for loops over millions of
+    // them: run k holds the entries from k * chunk_size on (all of them when
+    // there is one run), the same for every column of the same length.
+    std::size_t run_count() const { return chunks_.empty() ? (size_ == 0 ? 0 : 1) : chunks_.size(); }
+    const CifValueRef* run(std::size_t k) const { return chunks_.empty() ? &single_ : chunks_[k].get(); }
+
     void push_back(CifValueRef ref) {
         if (next_ != limit_) {
             *next_++ = ref;

@@ -49,7 +49,8 @@ std::string barred_three(const std::string& text) {
         if (c != ' ') compact += c;
     }
     std::size_t three = compact.find('3');
-    if (three == std::string::npos || three < 2 || compact[three - 1] == '-' || (three + 1 < compact.size() && compact[three + 1] == '1') ||
+    if (three == std::string::npos || three < 2 || compact[three - 1] == '-' ||
+        (three + 1 < compact.size() && compact[three + 1] == '1') ||
         (three + 1 < compact.size() && compact[three + 1] == '2'))
         return std::string();
     return compact.substr(0, three) + "-" + compact.substr(three);

@@ -1,0 +1,43 @@
+#include "cif/CifLoopChecker.hpp"
+
+#include <algorithm>
+
+CifLoopChecker::CifLoopChecker(CifValueReporter& reporter, const char* text, std::size_t text_size)
+    : reporter_(reporter), text_(text), text_size_(text_size) {}
+
+void CifLoopChecker::add(const CifDataItem& item, const CifItemDefinition* definition) {
+    if (definition == nullptr) {
+        // A dictionary that answers only check_value: every value gets the full check.
+        if (reporter_.dictionary().is_defined(item.name()))
+            columns_.push_back({&item, nullptr, CifColumnCheck()});
+        return;
+    }
+    CifColumnCheck quick(*definition);
+    if (!quick.accepts_everything()) columns_.push_back({&item, definition, quick});
+}
+
+void CifLoopChecker::check_rows(std::size_t first, std::size_t last) {
+    if (stopped_ || columns_.empty()) return;
+    // Column by column over rows the reader has just read (still in the
+    // cache), so that each column's quick look runs as one tight loop.
+    while (first < last) {
+        const std::size_t k = first / CifValueColumn::chunk_size;
+        const std::size_t begin = k * CifValueColumn::chunk_size;
+        const std::size_t stop = std::min(last, begin + CifValueColumn::chunk_size);
+        for (const Column& column : columns_) {
+            const CifValueRef* run = column.item->values().run(k);
+            std::size_t i = first - begin;
+            const std::size_t end = stop - begin;
+            while (i < end) {
+                i += column.quick.first_doubtful(run + i, end - i, text_, text_size_);
+                if (i == end) break;
+                if (!reporter_.check(*column.item, column.definition, begin + i)) {
+                    stopped_ = true;
+                    return;
+                }
+                ++i;
+            }
+        }
+        first = stop;
+    }
+}
