@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include "../dictionaries/DictionaryTestSupport.hpp"
+#include "CheckTestSupport.hpp"
 #include "GuiTestSupport.hpp"
 #include "MainWindowTestSupport.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
@@ -14,20 +15,6 @@
 #include "visualiser/QcbsVisSorter.hpp"
 
 namespace {
-
-// One entry of the error list as "line: message".
-using Entries = QStringList;
-
-Entries entriesUnder(const QcbsErrorListView* list, const QString& heading) {
-    Entries entries;
-    for (int i = 0; i < list->topLevelItemCount(); ++i) {
-        const QTreeWidgetItem* top = list->topLevelItem(i);
-        if (top->text(0) != heading) continue;
-        for (int j = 0; j < top->childCount(); ++j)
-            entries << top->child(j)->text(0).mid(4).trimmed() + ": " + top->child(j)->text(1);
-    }
-    return entries;
-}
 
 THandle<Cif> documentWith(const std::vector<CifError>& messages, const std::string& text = {}) {
     THandle<Cif> cif(new Cif());
@@ -42,13 +29,6 @@ CifError errorAt(int line) {
 }
 CifError warningAt(int line, const std::string& name = "_made_up") {
     return CifError(CifError::undefined_data_name, CifError::warning, line, name);
-}
-
-void typeLines(QWidget* editor, const QStringList& lines) {
-    for (const QString& line : lines) {
-        QTest::keyClicks(editor, line);
-        QTest::keyClick(editor, Qt::Key_Return);
-    }
 }
 
 // A window on a fresh settings directory and no dictionary.
