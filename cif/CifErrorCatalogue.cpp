@@ -78,7 +78,7 @@ constexpr CifErrorCatalogueEntry table[] = {
      "such."},
     {325, 2, "value_out_of_range", "Value of %1 is outside the permitted range %2",
      "The dictionary limits the data item's value to a range and the value lies outside it."},
-    {326, 2, "value_not_enumerated", "Value of %1 is not one of the permitted values",
+    {326, 2, "value_not_enumerated", "Value of %1 is not one of the permitted values%2",
      "The dictionary lists the values the data item may take and the value is not among them."},
     {327, 2, "item_must_be_looped", "Data item %1 must be in a loop",
      "The dictionary says that the data item is always given as a loop column."},

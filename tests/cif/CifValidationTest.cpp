@@ -1,0 +1,253 @@
+// Checking a document against a dictionary while it is read: each finding
+// with its code, kind and the line of what it is about.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "cif/CifNumber.hpp"
+#include "tests/cif/CifTestSupport.hpp"
+#include "tests/cif/DictionaryTestSupport.hpp"
+
+namespace {
+
+using cif_test::Messages;
+using cif_test::messages;
+using cif_test::read_checked;
+
+TEST(CifValidation, DataNamesTheDictionaryLacksAreWarnedOnTheirOwnLines) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n"              // 1
+        "_cell_length_a 5.0\n"  // 2
+        "_cell_lenght_b 5.0\n"  // 3
+        "_vrf_PLAT029_a\n"      // 4
+        ";\nanswer\n;\n"        // 5-7
+        "loop_\n"               // 8
+        "_atom_site_label\n"    // 9
+        "_atom_site_colour\n"   // 10
+        "C1 red\n");            // 11
+    EXPECT_EQ(messages(*cif), (Messages{{320, 3}, {320, 4}, {320, 10}}));
+    EXPECT_EQ((*cif->errors())[0].type(), CifError::warning);
+    EXPECT_EQ((*cif->errors())[1].text(), "_vrf_PLAT029_a");  // the editor drops these, the library does not
+    EXPECT_EQ((*cif->errors())[2].message(), "Created non-standard data item _atom_site_colour");
+}
+
+TEST(CifValidation, NumbersAreCheckedForTheirFormAndUncertainty) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n"
+        "_cell_length_a 10.234(2)\n"     // 2: fine
+        "_cell_length_b four\n"          // 3: text where a number belongs
+        "_cell_length_c 10,234(2)\n"     // 4: a malformed number
+        "_cell_angle_alpha 90.0(0.3)\n"  // 5: uncertainty not in digits of the last place
+        "_cell_angle_beta 101.2(3\n"     // 6: unclosed uncertainty
+        "_cell_angle_gamma ?\n"          // 7: unknown is always fine
+        "_cell_formula_units_Z 4(1)\n"   // 8: Z carries no uncertainty
+        "_atom_site_fract_x .\n");       // 9: so is inapplicable (but _list yes: 327)
+    EXPECT_EQ(messages(*cif), (Messages{{324, 3}, {354, 4}, {355, 5}, {355, 6}, {343, 8}, {327, 9}}));
+    EXPECT_EQ((*cif->errors())[0].message(),
+              "Value of _cell_length_b is not of the type the dictionary gives (numb)");
+    for (const char* good : {"1.5e3(2)", "+2", ".5", "5.", "1E-2", "0.0012(3)", "12.5e+01"}) {
+        THandle<Cif> fine = read_checked(std::string("data_a\n_cell_length_a ") + good + "\n");
+        EXPECT_TRUE(fine->errors()->empty()) << good;
+    }
+    for (const char* bad : {"1e", "--1", "1.2.3", "1(2)3", "'?'", "1.5()", "(3)", "1 .5x"}) {
+        THandle<Cif> wrong = read_checked(std::string("data_a\n_cell_angle_beta ") + bad + "\n");
+        EXPECT_FALSE(wrong->errors()->empty()) << bad;
+        EXPECT_EQ(wrong->errors()->begin()->line(), 2) << bad;
+    }
+}
+
+TEST(CifValidation, EnumeratedValuesMatchExactlyAndACaseDifferenceIsOnlyAWarning) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n_exptl_absorpt_correction_type multi-scan\n"
+        "data_b\n_exptl_absorpt_correction_type Multi-Scan\n"
+        "data_c\n_exptl_absorpt_correction_type multiscan\n");
+    EXPECT_EQ(messages(*cif), (Messages{{326, 4}, {326, 6}}));
+    const CifError& near = (*cif->errors())[0];
+    const CifError& wrong = (*cif->errors())[1];
+    EXPECT_EQ(near.type(), CifError::warning);
+    EXPECT_EQ(near.message(),
+              "Value of _exptl_absorpt_correction_type is not one of the permitted values (differs in case "
+              "from multi-scan)");
+    EXPECT_EQ(wrong.type(), CifError::error);
+    EXPECT_EQ(wrong.detail(), " (analytical, multi-scan, none)");
+
+    // Codes of a concatenated series may be combined.
+    THandle<Cif> flags =
+        read_checked("data_a\nloop_\n_atom_site_label\n_atom_site_refinement_flags\nC1 SP\nC2 .\nC3 SX\n");
+    EXPECT_EQ(messages(*flags), (Messages{{326, 7}}));
+}
+
+TEST(CifValidation, RangesAllowThreeUncertaintiesBeyondTheirEnds) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n"
+        "_cell_angle_alpha 180.2(1)\n"  // 2: within 3u of 180
+        "_cell_angle_beta 180.5(1)\n"   // 3: beyond
+        "_cell_angle_gamma -0.1\n"      // 4: no uncertainty, no slack
+        "_cell_length_a -0.0002(1)\n"   // 5: within 3u of 0
+        "_cell_formula_units_Z 0\n"     // 6: at least 1
+        "loop_\n_atom_site_label\n_atom_site_occupancy\n"
+        "C1 1.02(1)\n"    // 10
+        "C2 1.05(1)\n");  // 11
+    EXPECT_EQ(messages(*cif), (Messages{{325, 3}, {325, 4}, {325, 6}, {325, 11}}));
+    EXPECT_EQ((*cif->errors())[0].message(),
+              "Value of _cell_angle_beta is outside the permitted range 0.0:180.0");
+}
+
+TEST(CifValidation, LoopRulesOfTheDictionaryHold) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n"
+        "_atom_site_label C1\n"  // 2: must be looped (warning)
+        "loop_\n"                // 3
+        "_cell_length_a\n"       // 4: must not be looped
+        "5.0\n"                  // 5
+        "data_b\n"               // 6
+        "loop_\n"                // 7
+        "_atom_site_label\n"     // 8
+        "_atom_site_fract_x\n"   // 9
+        "_atom_type_symbol\n"    // 10: another category
+        "C1 0.5 C\n");           // 11
+    EXPECT_EQ(messages(*cif), (Messages{{327, 2}, {328, 4}, {329, 10}}));
+    EXPECT_EQ((*cif->errors())[0].type(), CifError::warning);
+    EXPECT_EQ((*cif->errors())[1].type(), CifError::error);
+    EXPECT_EQ((*cif->errors())[2].text(), "_atom_site_label, _atom_type_symbol");
+
+    // One category, but rows of two lists: atom sites and their anisotropic parameters.
+    THandle<Cif> mixed = read_checked(
+        "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\n_atom_site_aniso_U_11\nC1 0.1 0.02\n");
+    EXPECT_EQ(messages(*mixed), (Messages{{329, 5}, {358, 5}}));
+}
+
+TEST(CifValidation, LoopsNeedTheItemsTheirColumnsReferToAndTheMandatoryOnes) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n"
+        "loop_\n"                  // 2
+        "_atom_site_aniso_U_11\n"  // 3: refers to _atom_site_aniso_label
+        "_atom_site_aniso_U_22\n"  // 4
+        "0.02 0.03\n"              // 5
+        "loop_\n"                  // 6
+        "_refln_index_h\n"         // 7: _refln_index_l is mandatory too
+        "_refln_index_k\n"         // 8
+        "1 2\n"                    // 9
+        "loop_\n"                  // 10
+        "_refln_F_squared_meas\n"  // 11: refers to the whole _refln_index_ family
+        "12.5\n");                 // 12
+    EXPECT_EQ(messages(*cif), (Messages{{358, 3}, {358, 7}, {358, 11}}));
+    EXPECT_EQ((*cif->errors())[0].message(),
+              "Loop of _atom_site_aniso_U_11 lacks its key data item _atom_site_aniso_label");
+    EXPECT_EQ((*cif->errors())[1].detail(), "_refln_index_l");
+    EXPECT_EQ((*cif->errors())[2].detail(), "_refln_index_h, _refln_index_k, _refln_index_l");
+
+    // Complete loops, and items that may stand alone, pass.
+    THandle<Cif> fine = read_checked(
+        "data_a\n_publ_author_name 'A. Author'\n_publ_author_address 'Somewhere'\n"
+        "loop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_squared_meas\n_refln_observed_"
+        "status\n"
+        "1 2 3 12.5 o\n-1 0 2 3.25 <\n");
+    EXPECT_TRUE(fine->errors()->empty()) << fine->errors()->begin()->complete_message();
+}
+
+TEST(CifValidation, ChildItemsNeedTheirParentAndItsValues) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n"
+        "loop_\n"                   // 2
+        "_atom_site_label\n"        // 3
+        "_atom_site_type_symbol\n"  // 4: no _atom_type_symbol in the block
+        "C1 C\n"                    // 5
+        "loop_\n"                   // 6
+        "_atom_site_aniso_label\n"  // 7
+        "_atom_site_aniso_U_11\n"   // 8
+        "C1 0.02\n"                 // 9
+        "N9 0.03\n"                 // 10: no such site
+        "N9 0.04\n");               // 11: reported once
+    EXPECT_EQ(messages(*cif), (Messages{{357, 4}, {360, 10}}));
+    EXPECT_EQ((*cif->errors())[0].message(),
+              "Data item _atom_site_type_symbol requires _atom_type_symbol, which is missing");
+    EXPECT_EQ((*cif->errors())[1].message(),
+              "Value N9 of _atom_site_aniso_label has no matching row in its parent item");
+
+    THandle<Cif> typed = read_checked(
+        "data_a\nloop_\n_atom_type_symbol\nC\nloop_\n_atom_site_label\n_atom_site_type_symbol\nC1 C\nN1 N\n");
+    EXPECT_EQ(messages(*typed), (Messages{{360, 9}}));
+}
+
+TEST(CifValidation, LoopedValuesAreReportedOnTheirOwnLinesAlsoDeepInALargeLoop) {
+    std::string text =
+        "data_a\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_observed_status\n";
+    const int rows = 40000;  // more rows than one batch of checked values
+    for (int r = 0; r < rows; ++r) {
+        if (r == 3) {
+            text += "1 2\n3 o\n";  // a row over two lines
+        } else if (r == rows - 2) {
+            text += "1 2 3 z\n";  // a bad code
+        } else if (r == rows - 1) {
+            text += "1 2 x7 o\n";  // a bad number
+        } else {
+            text += "1 2 3 o\n";
+        }
+    }
+    text += "_cell_length_a 'x'\n";
+    THandle<Cif> cif = read_checked(text);
+    const int last_row_line = 6 + rows + 1;  // the split row adds one line
+    EXPECT_EQ(messages(*cif),
+              (Messages{{326, last_row_line - 1}, {324, last_row_line}, {324, last_row_line + 1}}));
+
+    THandle<Cif> split =
+        read_checked("data_a\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n1 2\n3.5e\n");
+    EXPECT_EQ(messages(*split), (Messages{{354, 7}}));
+}
+
+TEST(CifValidation, ValidateAnswersWithTheCodeOfTheFirstProblem) {
+    THandle<Cif> cif = read_checked(
+        "data_a\n_cell_length_a 5\n_exptl_absorpt_correction_type none\n_local_thing 3\n"
+        "loop_\n_atom_site_label\n_atom_site_occupancy\nC1 1\n");
+    THandle<CifDataBlock> block = cif->block(0);
+    THandle<CifDataItem> length = block->find("_cell_length_a");
+    EXPECT_EQ(length->validate("5.1(2)"), 0);
+    EXPECT_EQ(length->validate("?"), 0);
+    EXPECT_EQ(length->validate("-1"), CifError::value_out_of_range);
+    EXPECT_EQ(length->validate("five"), CifError::wrong_value_type);
+    EXPECT_EQ(block->find("_exptl_absorpt_correction_type")->validate("numerical"),
+              CifError::value_not_enumerated);
+    EXPECT_EQ(block->find("_exptl_absorpt_correction_type")->validate("None"),
+              CifError::value_not_enumerated);
+    EXPECT_EQ(block->find("_local_thing")->validate("anything"), 0);
+    EXPECT_EQ(block->find("_atom_site_occupancy")->validate("0.5(1)"), 0);
+    EXPECT_EQ(block->find("_atom_site_occupancy")->validate("2"), CifError::value_out_of_range);
+    // An item that must not be looped is refused in a loop whatever its value.
+    cif->block(0)->create_loop({"_cell_length_a", "_atom_site_label"});
+    EXPECT_EQ(block->find("_cell_length_a")->validate("5"), CifError::item_must_not_be_looped);
+}
+
+TEST(CifValidation, SettingsSwitchTheNameAndValueChecksApart) {
+    const std::string text = "data_a\n_cell_length_a x\n_unknown 1\n";
+    CifParserSettings names_only;
+    names_only.check_values = false;
+    THandle<Cif> cif(new Cif(cif_test::test_pool()));
+    cif->read_text(text, names_only);
+    EXPECT_EQ(messages(*cif), (Messages{{320, 3}}));
+    CifParserSettings values_only;
+    values_only.check_data_names = false;
+    THandle<Cif> other(new Cif(cif_test::test_pool()));
+    other->read_text(text, values_only);
+    EXPECT_EQ(messages(*other), (Messages{{324, 2}}));
+}
+
+TEST(CifNumber, ReadsValueUncertaintyAndLastDigit) {
+    CifNumber n = CifNumber::parse("10.234(5)");
+    ASSERT_TRUE(n.ok());
+    EXPECT_DOUBLE_EQ(n.value, 10.234);
+    EXPECT_NEAR(n.uncertainty, 0.005, 1e-12);
+    EXPECT_NEAR(n.unit, 0.001, 1e-12);
+    CifNumber e = CifNumber::parse("-12.3e2(4)");
+    EXPECT_DOUBLE_EQ(e.value, -1230.0);
+    EXPECT_NEAR(e.uncertainty, 40.0, 1e-9);
+    CifNumber plain = CifNumber::parse("90");
+    EXPECT_FALSE(plain.has_uncertainty);
+    EXPECT_DOUBLE_EQ(plain.effective_uncertainty(), 0.5);
+    EXPECT_EQ(CifNumber::parse("1.2(").status, CifNumber::Status::bad_uncertainty);
+    EXPECT_EQ(CifNumber::parse("x1").status, CifNumber::Status::not_a_number);
+    EXPECT_EQ(CifNumber::parse("").status, CifNumber::Status::not_a_number);
+}
+
+}  // namespace
