@@ -71,11 +71,7 @@ const gemmi::SpaceGroup* find_name(const std::string& text) {
 }
 
 const gemmi::SpaceGroup* find(const std::string& symbol) {
-    // Subscripts written as 6(3), or with the CIF markup 6~3~, read as 63.
-    std::string text;
-    for (char c : trimmed(symbol)) {
-        if (c != '(' && c != ')' && c != '~' && c != '^') text += c;
-    }
+    std::string text = trimmed(symbol);
     if (text.empty()) return nullptr;
     // gemmi reads a bare number as a CCP4 number; only 1-230 are wanted here.
     if (text.find_first_not_of("0123456789") == std::string::npos) {
@@ -84,7 +80,13 @@ const gemmi::SpaceGroup* find(const std::string& symbol) {
         if (number < 1 || number > 230) return nullptr;
         return &gemmi::get_spacegroup_reference_setting(number);
     }
-    return find_name(text);
+    if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_name(text)) return found;
+    // Subscripts written as 6(3), or with the CIF markup 6~3~, read as 63.
+    std::string plain;
+    for (char c : text) {
+        if (c != '(' && c != ')' && c != '~' && c != '^') plain += c;
+    }
+    return find_name(plain);
 }
 
 }  // namespace

@@ -1,0 +1,106 @@
+// Space groups: settings, symbols as users write them, crystal systems, and
+// the group that a list of symmetry operators forms.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "cif/Spacegroup.hpp"
+
+namespace {
+
+TEST(Spacegroup, GroupsHaveTheirTabulatedSettings) {
+    EXPECT_EQ(Spacegroup::nsettings(14), 9);  // three cell choices for each of three unique axes
+    EXPECT_GE(Spacegroup::nsettings(1), 1);
+    EXPECT_EQ(Spacegroup::orma_symbol(1, 1), "P 1");
+    EXPECT_EQ(Spacegroup::nsettings(0), 0);
+    EXPECT_EQ(Spacegroup::nsettings(231), 0);
+    EXPECT_EQ(Spacegroup::orma_symbol(14, 1), "P 1 21/c 1");
+    EXPECT_EQ(Spacegroup::orma_symbol(14, 2), "P 1 21/n 1");
+    EXPECT_EQ(Spacegroup::orma_symbol(62, 1), "P n m a");
+    EXPECT_EQ(Spacegroup::orma_symbol(14, 10), "");
+    EXPECT_EQ(Spacegroup::orma_symbol(0, 1), "");
+    // Every setting of every group has a symbol of its own, found again from itself.
+    std::set<std::string> seen;
+    int settings = 0;
+    for (int number = 1; number <= 230; ++number) {
+        ASSERT_GE(Spacegroup::nsettings(number), 1) << number;
+        for (int s = 1; s <= Spacegroup::nsettings(number); ++s, ++settings) {
+            std::string symbol = Spacegroup::orma_symbol(number, s);
+            EXPECT_TRUE(seen.insert(symbol).second) << symbol;
+            EXPECT_EQ(Spacegroup::derive_orma_symbol(symbol), symbol);
+            EXPECT_EQ(Spacegroup::number_of(Spacegroup::name_space_separated(symbol)), number);
+        }
+    }
+    EXPECT_GT(settings, 500);
+}
+
+TEST(Spacegroup, SymbolsAreRecognisedAsUsersWriteThem) {
+    for (const char* written :
+         {"P 21/c", "P21/c", "P 1 21/c 1", "p 21/c", "P 1 2(1)/c 1", "P 1 2~1~/c 1", "14"}) {
+        EXPECT_EQ(Spacegroup::derive_orma_symbol(written), "P 1 21/c 1") << written;
+        EXPECT_EQ(Spacegroup::number_of(written), 14) << written;
+    }
+    EXPECT_EQ(Spacegroup::derive_orma_symbol("Fd3m"), "F d -3 m:1");  // the bar of older cubic symbols
+    EXPECT_EQ(Spacegroup::derive_orma_symbol("I m 3 m"), "I m -3 m");
+    EXPECT_EQ(Spacegroup::derive_orma_symbol("P 21/b 21/c 21/a"), "P b c a");  // a full symbol
+    EXPECT_EQ(Spacegroup::derive_orma_symbol("P 4/n"), "P 4/n:1");
+    EXPECT_EQ(Spacegroup::derive_orma_symbol("P 4/n:2"), "P 4/n:2");
+    for (const char* unknown : {"P 21/x", "", "?", "Q 1", "231", "0", "P 1 2"}) {
+        EXPECT_EQ(Spacegroup::derive_orma_symbol(unknown), "Unknown") << unknown;
+        EXPECT_EQ(Spacegroup::number_of(unknown), 0) << unknown;
+    }
+    EXPECT_EQ(Spacegroup::name_space_separated("P212121"), "P 21 21 21");
+    EXPECT_EQ(Spacegroup::name_space_separated("  not a group "), "not a group");
+}
+
+TEST(Spacegroup, CrystalSystemsIndexTheWizardsList) {
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(2)), "triclinic");
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(14)), "monoclinic");
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(62)), "orthorhombic");
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(139)), "tetragonal");
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(148)), "rhombohedral");
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(152)), "trigonal");
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(194)), "hexagonal");
+    EXPECT_STREQ(Spacegroup::crystal_system_name(Spacegroup::crystal_system(225)), "cubic");
+    EXPECT_EQ(Spacegroup::crystal_system(0), 0);
+    EXPECT_STREQ(Spacegroup::crystal_system_name(99), "?");
+    // Boundaries of the systems.
+    EXPECT_EQ(Spacegroup::crystal_system(3), Spacegroup::monoclinic);
+    EXPECT_EQ(Spacegroup::crystal_system(16), Spacegroup::orthorhombic);
+    EXPECT_EQ(Spacegroup::crystal_system(75), Spacegroup::tetragonal);
+    EXPECT_EQ(Spacegroup::crystal_system(143), Spacegroup::trigonal);
+    EXPECT_EQ(Spacegroup::crystal_system(168), Spacegroup::hexagonal);
+    EXPECT_EQ(Spacegroup::crystal_system(195), Spacegroup::cubic);
+}
+
+TEST(Spacegroup, OperatorsGiveTheirGroupInAnyOrderAndForm) {
+    Spacegroup p21c({"x, y, z", "-x, y+1/2, -z+1/2", "-x, -y, -z", "x, -y-1/2, z-1/2"}, 14, "P 21/c");
+    EXPECT_EQ(p21c.symbol(), "P 1 21/c 1");
+    EXPECT_EQ(p21c.number(), 14);
+    EXPECT_EQ(p21c.given_number(), 14);
+    EXPECT_EQ(p21c.given_symbol(), "P 21/c");
+    Spacegroup reordered({"'-X,-Y,-Z'", "X,-Y+1/2,Z+1/2", "x,y,z", "-x,1/2+y,1/2-z"});
+    EXPECT_EQ(reordered.symbol(), "P 1 21/c 1");
+    Spacegroup p21n({"x,y,z", "-x+1/2,y+1/2,-z+1/2", "-x,-y,-z", "x+1/2,-y+1/2,z+1/2"});
+    EXPECT_EQ(p21n.symbol(), "P 1 21/n 1");
+    // Centring translations given as operators of their own.
+    Spacegroup c2c({"x,y,z", "-x,y,-z+1/2", "x+1/2,y+1/2,z", "-x+1/2,y+1/2,-z+1/2", "-x,-y,-z", "x,-y,z+1/2",
+                    "-x+1/2,-y+1/2,-z", "x+1/2,-y+1/2,z+1/2"});
+    EXPECT_EQ(c2c.symbol(), "C 1 2/c 1");
+    EXPECT_EQ(Spacegroup({"x,y,z"}).symbol(), "P 1");
+}
+
+TEST(Spacegroup, OperatorsThatFormNoGroupOrCannotBeReadGiveUnknown) {
+    Spacegroup unreadable({"x, y, z", "u, v"});
+    EXPECT_FALSE(unreadable.operators_readable());
+    EXPECT_EQ(unreadable.symbol(), "Unknown");
+    Spacegroup incomplete({"x,y,z", "-y,x,z"});  // a fourfold axis without its square
+    EXPECT_TRUE(incomplete.operators_readable());
+    EXPECT_EQ(incomplete.symbol(), "Unknown");
+    EXPECT_EQ(Spacegroup({}).symbol(), "Unknown");
+    EXPECT_EQ(Spacegroup({"x,y,z", "0,0,0"}).symbol(), "Unknown");  // a singular matrix
+}
+
+}  // namespace
