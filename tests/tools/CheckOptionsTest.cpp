@@ -19,6 +19,23 @@ TEST(CheckOptions, ReadsOptionsInBothFormsAndKeepsFilesInOrder) {
     EXPECT_EQ(options.files, std::vector<std::string>{"-odd.cif"});
 }
 
+TEST(CheckOptions, DictionariesMandatoryItemsAndConsistencyChecks) {
+    CheckOptions options = CheckOptions::parse(
+        {"-d", "core.dic", "-dlocal.dic", "--dictionary=third.dic", "--dictionary", "fourth.dic", "a.cif"});
+    EXPECT_TRUE(options.problem.empty());
+    EXPECT_EQ(options.dictionaries,
+              (std::vector<std::string>{"core.dic", "local.dic", "third.dic", "fourth.dic"}));
+    EXPECT_TRUE(options.consistency);
+    EXPECT_TRUE(options.mandatory_file.empty());
+    options = CheckOptions::parse({"--mandatory", "items.txt", "--no-consistency", "a.cif"});
+    EXPECT_EQ(options.mandatory_file, "items.txt");
+    EXPECT_FALSE(options.consistency);
+    EXPECT_TRUE(options.dictionaries.empty());
+    EXPECT_FALSE(CheckOptions::parse({"a.cif", "-d"}).problem.empty());
+    EXPECT_FALSE(CheckOptions::parse({"--dictionary=", "a.cif"}).problem.empty());
+    EXPECT_FALSE(CheckOptions::parse({"a.cif", "--mandatory"}).problem.empty());
+}
+
 TEST(CheckOptions, UnusableCommandLinesNameTheProblem) {
     EXPECT_EQ(CheckOptions::parse({}).problem, "no file named");
     EXPECT_EQ(CheckOptions::parse({"--frobnicate", "a.cif"}).problem, "unknown option --frobnicate");

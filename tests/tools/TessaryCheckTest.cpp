@@ -18,6 +18,8 @@ protected:
     void SetUp() override {
         dir_ = fs::temp_directory_path() / ("tessary-check-test-" + std::to_string(::getpid()));
         fs::create_directories(dir_);
+        // Dictionaries come only from the command line in these tests.
+        ::unsetenv("TESSARY_DICTIONARIES");
         write("clean.cif", "data_a\n_cell_length_a 5.0\nloop_\n_x\n1\n2\n");
         write("broken.cif", "data_b\n_a 1\n_b 'open\nloop_\n_x\n_y\n1 2 3\n");
     }
@@ -97,6 +99,57 @@ TEST_F(CheckFiles, JsonReportsTheSameCounts) {
     EXPECT_NE(out.find("\"errors\": 2, \"warnings\": 0, \"remarks\": 0, \"unreadable\": 0}"),
               std::string::npos)
         << out;
+}
+
+TEST_F(CheckFiles, DictionariesCheckNamesAndValuesOnTheLinesOfTheValues) {
+    const std::string dictionary = std::string(TESSARY_SOURCE_DIR) + "/tests/data/tessary_test.dic";
+    write("sites.cif",
+          "data_s\n_cell_length_a 5.0(1)\n_cell_lenght_b 5.0\nloop_\n_atom_site_label\n_atom_site_fract_x\n"
+          "C1 0.1\nC2 0.2x\n");
+    std::string out, err;
+    EXPECT_EQ(run("-d " + dictionary + " " + path("sites.cif"), out, err), 1);
+    std::string s = path("sites.cif");
+    EXPECT_EQ(out, s + ":3: warning [320]: Created non-standard data item _cell_lenght_b\n" + s +
+                       ":8: error [354]: Value of _atom_site_fract_x is not a number\n" + s +
+                       ": 1 error, 1 warning, 0 remarks\n")
+        << err;
+    // The same dictionary through the environment, as a directory of *.dic files.
+    ::setenv("TESSARY_DICTIONARIES", (std::string(TESSARY_SOURCE_DIR) + "/tests/data").c_str(), 1);
+    std::string again;
+    EXPECT_EQ(run(path("sites.cif"), again, err), 1);
+    ::unsetenv("TESSARY_DICTIONARIES");
+    EXPECT_EQ(again, out);
+    // Without a dictionary only the syntax is checked.
+    EXPECT_EQ(run(path("sites.cif"), out, err), 0);
+}
+
+TEST_F(CheckFiles, ADictionaryThatCannotBeUsedStopsTheCheck) {
+    write("bad.dic", "data_x\n_name '_x'\n_type vector\n");
+    std::string out, err;
+    EXPECT_EQ(run("-d " + path("bad.dic") + " " + path("clean.cif"), out, err), 2);
+    EXPECT_TRUE(out.empty());
+    EXPECT_NE(err.find("errors loading dictionary " + path("bad.dic")), std::string::npos) << err;
+}
+
+TEST_F(CheckFiles, MandatoryItemsAndConsistencyChecksCanBeAskedForAndSwitchedOff) {
+    write("items.txt", "data_all\n_cell_volume\n");
+    write("cell.cif",
+          "data_c\n_cell_length_a 5\n_cell_length_b 5\n_cell_length_c 5\n_cell_angle_alpha 90\n"
+          "_cell_angle_beta 90\n_cell_angle_gamma 90\n_symmetry_cell_setting tetragonal\n"
+          "_cell_formula_units_Z 2\n");
+    std::string out, err;
+    EXPECT_EQ(run("--mandatory " + path("items.txt") + " " + path("cell.cif"), out, err), 0);
+    std::string c = path("cell.cif");
+    EXPECT_EQ(out, c + ":1: warning [347]: Mandatory data item _cell_volume is missing\n" + c +
+                       ": 0 errors, 1 warning, 0 remarks\n");
+    write("cell.cif",
+          "data_c\n_cell_length_a 5.000\n_cell_length_b 5.000\n_cell_length_c 5.000\n_cell_angle_alpha 90\n"
+          "_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 130\n");
+    EXPECT_EQ(run(path("cell.cif"), out, err), 0);
+    EXPECT_NE(out.find(c + ":8: remark [303]: Value of _cell_volume differs"), std::string::npos) << out;
+    EXPECT_EQ(run("--no-consistency " + path("cell.cif"), out, err), 0);
+    EXPECT_EQ(out, c + ": 0 errors, 0 warnings, 0 remarks\n");
+    EXPECT_EQ(run("--mandatory " + path("nothing.txt") + " " + path("cell.cif"), out, err), 2);
 }
 
 }  // namespace
