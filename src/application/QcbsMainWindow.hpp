@@ -271,8 +271,9 @@ public:
     // Reads a file into this window's editor and, with `check`, checks it
     // once the whole text is in (documentLoaded() follows); without `check`
     // (a template) the text is only read. `interactive` allows the question
-    // about a file that does not look like a CIF. False when the file was
-    // already open or could not be read.
+    // about a file that does not look like a CIF. The editor's text is
+    // replaced without a question: callers close the document first. False
+    // when the file was already open or could not be read.
     bool load(const QString& filename, bool interactive, bool check);
     // The same in a new main window; a file already open is refused.
     bool loadInNewWindow(const QString& filename, bool interactive, bool check);

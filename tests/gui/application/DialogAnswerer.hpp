@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QList>
 #include <QMessageBox>
 #include <QObject>
@@ -98,6 +99,9 @@ private:
                 return;
             }
             dialog->selectFile(name);
+            // The name as typed, whatever the dialog's model has read of the
+            // directory so far.
+            if (auto* edit = dialog->findChild<QLineEdit*>("fileNameEdit")) edit->setText(name);
             static_cast<QDialog*>(dialog)->accept();  // QFileDialog's own accept() is protected
             return;
         }

@@ -23,6 +23,7 @@
 #include "GuiTestSupport.hpp"
 #include "MainWindowTestSupport.hpp"
 #include "PdfText.hpp"
+#include "application/QcbsApplication.hpp"
 #include "application/QcbsDocumentSaver.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "validation/QcbsErrorListView.hpp"
@@ -249,6 +250,21 @@ TEST_F(DocumentWindow, ABigFileComesInSlicesAndIsCheckedOnceItIsIn) {
     EXPECT_TRUE(window_.fileName(editor()).isEmpty());
 }
 
+TEST_F(DocumentWindow, FilesHandedToTheProgramOpenInTheFirstWindowThenInNewOnes) {
+    window_.fileNew();  // as at start-up
+    const QString one = write("one.cif", "data_one\n");
+    const QString two = write("two.cif", "data_two\n");
+    auto* application = qobject_cast<QcbsApplication*>(QCoreApplication::instance());
+    ASSERT_NE(application, nullptr);
+    application->open(one);
+    application->open(two);
+    EXPECT_EQ(window_.fileName(editor()), one);
+    const QList<QcbsMainWindow*> others = otherWindows(window_);
+    ASSERT_EQ(others.size(), 1);
+    EXPECT_EQ(others.first()->fileName(others.first()->currentEditor()), two);
+    EXPECT_TRUE(answers_.boxes.isEmpty());
+}
+
 // --- saving ----------------------------------------------------------------------------
 
 TEST_F(DocumentWindow, FilesSavedWithoutEditsKeepTheirBytesAndEncoding) {
@@ -318,7 +334,8 @@ TEST_F(DocumentWindow, AFailedSaveKeepsTheFileTheTextAndItsModifiedMark) {
     QByteArray text = kQuartz;
     const QString path = write("quartz.cif", text);
     open(path);
-    type("\n_note '" + QString(20000, u'x') + "'");
+    type("\n_note '");
+    editor()->insertPlainText(QString(20000, u'x') + "'");
     for (const bool backup : {false, true}) {
         window_.sharedData()->setSaveBackup(backup);
         {
@@ -455,6 +472,22 @@ TEST_F(DocumentWindow, ADocumentWhoseSaveFailsOrIsCancelledStaysOpen) {
     EXPECT_TRUE(window_.isVisible());
     answers_.click("No");
     EXPECT_TRUE(window_.close());
+}
+
+TEST_F(DocumentWindow, ExitAsksAboutEveryModifiedDocumentAndSavesTheSettings) {
+    window_.fileNew();
+    type("data_unsaved");
+    answers_.click("Cancel");
+    window_.fileExit();
+    EXPECT_TRUE(window_.isVisible());
+    EXPECT_FALSE(QFileInfo::exists(prefs_.iniFile()));
+
+    answers_.click("No");
+    window_.fileExit();
+    EXPECT_FALSE(window_.isVisible());
+    EXPECT_EQ(answers_.texts(),
+              (QStringList{"Save changes to current file?", "Save changes to current file?"}));
+    EXPECT_TRUE(QFileInfo::exists(prefs_.iniFile()));
 }
 
 // --- new documents ---------------------------------------------------------------------
