@@ -16,12 +16,15 @@ constexpr CifErrorCatalogueEntry table[] = {
      "CIF 1.1 allows only printable ASCII, tab and line ends; control characters, DEL and bytes above 126 "
      "are errors (CIF 2.0 allows Unicode text except controls and non-characters)."},
     {303, 0, "calculated_value_differs", "Value of %1 differs from the value calculated from related items%2",
-     "A consistency check found that the reported value of the named data item disagrees with the value "
-     "derived from other items (for example the cell volume from the cell lengths and angles); the line is "
+     "A consistency check found that the value of the named data item disagrees, beyond three combined"
+     " standard uncertainties, with what related items give (the cell volume from the cell, the "
+     "density from Z, formula weight and volume, the formula weight and F(000) from the formula sum, "
+     "the crystal system from the cell or the space group, a maximum below its minimum); the line is "
      "that of the item."},
     {304, 0, "count_mismatch", "Value of %1 does not agree with the number of entries it counts%2",
-     "A consistency check found that a count (for example of reflections or atom sites) differs from the "
-     "number of rows of the loop it describes; the line is that of the item."},
+     "A consistency check found that a count disagrees with what it counts (the rows of the loop it "
+     "describes) or with a larger count (observed reflections above the total, unique above measured);"
+     " the line is that of the item."},
     {305, 2, "unterminated_quoted_string", "Quoted string not terminated: %1",
      "A value opened with a quote has no closing quote (followed by white space) on the same line; the value "
      "is taken to the end of the line. Triple-quoted strings of CIF 2.0 run to the end of the file."},
@@ -66,7 +69,7 @@ constexpr CifErrorCatalogueEntry table[] = {
      "CIF 1.1 limits data names, including the leading underscore, to 75 characters."},
     {320, 1, "undefined_data_name", "Created non-standard data item %1",
      "The data name is not defined by any enabled dictionary; it may be misspelt, or it is local to a "
-     "program."},
+     "program. The editor leaves out names that contain _vrf (answers to validation alerts)."},
     {321, 2, "block_name_too_long", "Data block name %1 is longer than %2 characters",
      "CIF 1.1 limits block codes (the name after data_) to 75 characters."},
     {322, 2, "block_without_name", "Data block heading data_ has no name",
@@ -74,14 +77,18 @@ constexpr CifErrorCatalogueEntry table[] = {
     {323, 1, "no_data_blocks", "The file holds no data block",
      "The text is empty or holds only comments and white space."},
     {324, 2, "wrong_value_type", "Value of %1 is not of the type the dictionary gives (%2)",
-     "The dictionary defines the data item as numeric (or as another type) and the value cannot be read as "
-     "such."},
+     "The dictionary defines the data item as numeric and the value is text (it does not begin like a "
+     "number), or a CIF 2.0 list or table is given for a number. ? and . are accepted for every type "
+     "unless quoted."},
     {325, 2, "value_out_of_range", "Value of %1 is outside the permitted range %2",
      "The dictionary limits the data item's value to a range and the value lies outside it."},
     {326, 2, "value_not_enumerated", "Value of %1 is not one of the permitted values%2",
-     "The dictionary lists the values the data item may take and the value is not among them."},
+     "The dictionary lists the values the data item may take and the value is not among them (an "
+     "error), or matches one only when case is ignored (a warning). Items whose definition speaks of a"
+     " concatenated series of single-letter codes accept any run of the listed codes."},
     {327, 2, "item_must_be_looped", "Data item %1 must be in a loop",
-     "The dictionary says that the data item is always given as a loop column."},
+     "The dictionary says that the data item is always given as a loop column (_list yes). A single "
+     "value given outside a loop is reported as a warning."},
     {328, 2, "item_must_not_be_looped", "Data item %1 must not be in a loop",
      "The dictionary says that the data item is given once per block and never in a loop."},
     {329, 1, "loop_mixes_categories", "Loop mixes data names of different categories: %1",
@@ -129,8 +136,9 @@ constexpr CifErrorCatalogueEntry table[] = {
      "A definition block of a dictionary does not say which data name it defines (_name or _definition.id); "
      "it is skipped."},
     {347, 1, "mandatory_item_missing", "Mandatory data item %1 is missing",
-     "The data item is on the list of items that every block must carry (preferences, mandatory items), and "
-     "the document lacks it."},
+     "A data item named in the mandatory-items file is missing: publication items from the whole "
+     "document (on the first block's line), crystal items from each block that holds crystal data (on "
+     "that block's line)."},
     {348, 2, "dictionary_unknown_type", "Dictionary definition of %1 has an unknown type %2",
      "The dictionary gives a type code the library does not know; values of the data item are not "
      "type-checked."},
@@ -148,28 +156,31 @@ constexpr CifErrorCatalogueEntry table[] = {
     {353, 2, "not_a_dictionary", "The file is not a CIF dictionary",
      "The file reads as CIF but holds no definitions of data names; it is not used as a dictionary."},
     {354, 2, "number_unreadable", "Value of %1 is not a number",
-     "The data item is numeric and its value cannot be read as a number (digits, point, exponent), nor is it "
-     "? or ."},
+     "The data item is numeric and its value begins like a number but cannot be read as one (digits, "
+     "point, exponent), as in 10,234."},
     {355, 2, "uncertainty_unreadable", "Standard uncertainty of %1 cannot be read",
      "A numeric value's standard uncertainty must be digits in parentheses directly after the number, as in "
      "1.234(5)."},
     {356, 1, "obsolete_data_name", "Data name %1 is obsolete; use %2",
      "The dictionary marks the data name as replaced by a newer one; programs may ignore the old name."},
     {357, 1, "required_item_missing", "Data item %1 requires %2, which is missing",
-     "The dictionary says that the data item is only meaningful together with another data item that the "
-     "block lacks."},
+     "The dictionary links the data item to a parent item (_list_link_parent), and the block lacks the"
+     " parent, for example atom-site type symbols without the atom-type loop."},
     {358, 1, "loop_key_missing", "Loop of %1 lacks its key data item %2",
-     "The dictionary names a data item that identifies each row of this category's loop, and the loop does "
-     "not have it."},
+     "A loop lacks an item that its columns refer to (_list_reference, such as the atom label of "
+     "anisotropic parameters) or that its category makes mandatory (_list_mandatory); the line is that"
+     " of the first column concerned."},
     {359, 1, "duplicate_key_value", "Value %2 of %1 occurs in more than one row",
-     "The key data item of a loop must have a different value in each row."},
+     "The key data item of a loop must have a different value in each row (atom-site labels); the line"
+     " is that of the repeated value."},
     {360, 1, "parent_value_missing", "Value %2 of %1 has no matching row in its parent item",
-     "The data item refers to rows of another loop (for example an atom site label) and no row there has "
-     "this value."},
+     "The data item refers to rows of another loop (for example an atom site label) and no row there "
+     "has this value; each missing value is reported once, on the line of its first use."},
     {361, 0, "space_group_unknown", "Space-group symbol %1 not recognised",
      "The space-group name cannot be found in the symmetry tables; symmetry checks are skipped."},
     {362, 0, "symmetry_disagrees", "Symmetry operators do not agree with the space group %1",
-     "The listed symmetry operators do not generate the group named by the space-group symbol."},
+     "The listed symmetry operators generate another space group, or another setting of it, than the "
+     "space-group symbol names (a symbol without an origin choice agrees with either)."},
     {363, 2, "nested_save_frame", "Save frame %1 inside another save frame",
      "Save frames may not be nested; the outer frame is closed before the new one."},
     {364, 0, "defined_by_several_dictionaries",
