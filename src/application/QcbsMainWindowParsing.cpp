@@ -4,11 +4,13 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QHash>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include "application/QcbsMainWindow.hpp"
@@ -23,23 +25,29 @@
 
 namespace {
 
-// The bytes handed to the reader: Latin-1 for a CIF 1.1 text, UTF-8 for a
-// CIF 2.0 text or one that Latin-1 cannot hold.
-std::string documentBytes(const QcbsRichTextEdit* editor) {
-    QString text = editor->document()->toRawText();
-    // Raw text keeps every character as typed (a no-break space stays one),
-    // but ends its lines with Unicode separators.
-    for (QChar& c : text)
-        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator) c = u'\n';
-    bool latin1 = true;
-    for (const QChar c : text) {
-        if (c.unicode() > 0xff) {
-            latin1 = false;
-            break;
+// The bytes handed to the reader: the editor's text in the encoding its file
+// was read in (UTF-8 for a text Latin-1 cannot hold). One pass over a text
+// of plain characters, as most of a big file is.
+std::string documentBytes(const QString& raw, QcbsDocumentEncoding encoding) {
+    const bool utf8 = encoding.kind() == QcbsDocumentEncoding::Utf8;
+    const char16_t limit = utf8 ? 0x7f : 0xff;
+    std::string bytes(static_cast<std::size_t>(raw.size()), '\0');
+    const QChar* in = raw.constData();
+    for (qsizetype i = 0; i < raw.size(); ++i) {
+        char16_t c = in[i].unicode();
+        if (c > limit) {
+            // Raw text ends its lines with Unicode separators.
+            if (c != QChar::ParagraphSeparator && c != QChar::LineSeparator) {
+                QString text = raw;
+                text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
+                const bool asUtf8 = utf8 || !encoding.canEncode(text);
+                return (asUtf8 ? text.toUtf8() : text.toLatin1()).toStdString();
+            }
+            c = u'\n';
         }
+        bytes[static_cast<std::size_t>(i)] = static_cast<char>(c);
     }
-    const QByteArray bytes = latin1 && !text.startsWith("#\\#CIF_2.0") ? text.toLatin1() : text.toUtf8();
-    return bytes.toStdString();
+    return bytes;
 }
 
 bool isPlaceholder(const THandle<CifDataBlock>& block) {
@@ -87,7 +95,8 @@ THandle<Cif> QcbsMainWindow::parse() {
     QcbsRichTextEdit* editor = currentEditor();
     if (editor == nullptr || !fileNames_.contains(editor)) return THandle<Cif>();
 
-    std::string text = documentBytes(editor);
+    // Raw text keeps every character as typed (a no-break space stays one).
+    std::string text = documentBytes(editor->document()->toRawText(), documentEncoding(editor));
     THandle<Cif> cif = newDocument(editor);
     cif->read_text(std::move(text), sharedData_->parserSettings());
     cif->check_mandatory(sharedData_->mandatoryPublicationItems(), sharedData_->mandatoryCrystalItems());
@@ -171,9 +180,15 @@ void QcbsMainWindow::processErrors(THandle<Cif> cif) {
 
     QcbsRichTextEdit* editor = currentEditor();
     QTextDocument* text = editor->document();
-    // Sorting once at the end, and painting once, keeps a long list linear.
+    // The tree hears of its new rows once, after the last: told of each
+    // one, it re-measures its columns every time, which costs a long list
+    // seconds. It sorts and paints once as well.
+    QList<bool> open;
+    for (int i = 0; i < errorList_->topLevelItemCount(); ++i)
+        open << errorList_->topLevelItem(i)->isExpanded();
     errorList_->setUpdatesEnabled(false);
     errorList_->setSortingEnabled(false);
+    std::optional<QSignalBlocker> quiet(std::in_place, errorList_->model());
 
     // Remarks about a data name (303, 304) go to its first occurrence in the
     // text. The search runs on the document, not the editor, so the user's
@@ -246,6 +261,9 @@ void QcbsMainWindow::processErrors(THandle<Cif> cif) {
                 break;
         }
     }
+    quiet.reset();
+    errorList_->reset();
+    for (int i = 0; i < open.size(); ++i) errorList_->topLevelItem(i)->setExpanded(open[i]);
     errorList_->setSortingEnabled(true);
     errorList_->sortByColumn(0, Qt::AscendingOrder);
     errorList_->setUpdatesEnabled(true);

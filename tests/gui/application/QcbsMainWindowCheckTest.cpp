@@ -82,7 +82,8 @@ TEST_F(MainWindowCheck, CtrlKListsEveryProblemAgainstTheCoreDictionaryAndLeadsTo
     ASSERT_EQ(errors.size(), 5) << errors.join("\n").toStdString();
     EXPECT_EQ(errors[0],
               "9: Value of _cell_measurement_temperature is not of the type the dictionary gives (numb)");
-    EXPECT_EQ(errors[1], "10: Value of _symmetry_cell_setting is not one of the permitted values");
+    EXPECT_TRUE(
+        errors[1].startsWith("10: Value of _symmetry_cell_setting is not one of the permitted values"));
     EXPECT_TRUE(
         errors[2].startsWith("16: Value of _exptl_crystal_density_diffrn is outside the permitted range"));
     EXPECT_TRUE(errors.filter(QRegularExpression("^17: Quoted string not terminated")).size() == 1);
@@ -102,7 +103,9 @@ TEST_F(MainWindowCheck, CtrlKListsEveryProblemAgainstTheCoreDictionaryAndLeadsTo
     QTreeWidgetItem* entry = heading->child(2);
     ASSERT_EQ(entry->text(0), "Line      16");
     list->scrollToItem(entry);
-    const QPoint at = list->visualItemRect(entry).center();
+    // On the line number, which is always in view.
+    const QPoint at(list->columnViewportPosition(0) + list->columnWidth(0) / 2,
+                    list->visualItemRect(entry).center().y());
     // A real double-click starts with a press that QTest's double-click leaves out.
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
     QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);

@@ -248,6 +248,30 @@ TEST_F(MainWindowParsing, ConsistencyFindingsJoinTheListOnlyWithTheOption) {
     EXPECT_TRUE(remarks.first().contains("_cell_volume"));
 }
 
+TEST_F(MainWindowParsing, TheTextIsReadInTheEncodingOfItsFile) {
+    // Typed into a new document: UTF-8, which CIF 2.0 asks for.
+    window_.setFileName(editor(), "typed.cif");
+    editor()->setPlainText(QString::fromUtf8("#\\#CIF_2.0\ndata_x\n_name '\u00c5ngstr\u00f6m'\n"));
+    window_.reparse();
+    EXPECT_EQ(list()->numberTotal(), 0) << entriesUnder(list(), "Errors").join("\n").toStdString();
+
+    // A file whose bytes are not UTF-8 is read as Latin-1 and checked in it.
+    QTemporaryDir dir;
+    const QString path = dir.filePath("latin1.cif");
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("#\\#CIF_2.0\ndata_x\n_name '\xc5ngstr\xf6m'\n");
+    }
+    QSignalSpy loaded(&window_, &QcbsMainWindow::documentLoaded);
+    ASSERT_TRUE(window_.load(path, false, true));
+    ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+    EXPECT_EQ(window_.documentEncoding(editor()).kind(), QcbsDocumentEncoding::Latin1);
+    const Entries errors = entriesUnder(list(), "Errors");
+    ASSERT_FALSE(errors.isEmpty());
+    EXPECT_TRUE(errors.first().startsWith("3: ")) << errors.join("\n").toStdString();
+}
+
 TEST_F(MainWindowParsing, AFileBeingLoadedIsCheckedFromDiskAndListsOnlyWhenAsked) {
     QTemporaryDir dir;
     const QString path = dir.filePath("two.cif");
@@ -273,6 +297,48 @@ TEST_F(MainWindowParsing, AFileBeingLoadedIsCheckedFromDiskAndListsOnlyWhenAsked
     ASSERT_FALSE(missing.is_null());
     EXPECT_EQ(missing->block_count(), 0u);
     EXPECT_EQ(comboItems(), QStringList{"Blocks:  none"});
+}
+
+TEST_F(MainWindowParsing, ACheckAskedForWhileATextComesInRunsOnceWhenItIsIn) {
+    QString text = "data_big\nloop_\n_a\n_b\n";
+    for (int i = 0; i < 200000; ++i) text += "1 2\n";
+    text += "_x\n";
+    window_.setFileName(editor(), "big.cif");
+    QSignalSpy loaded(editor(), &QcbsRichTextEdit::textLoaded);
+    editor()->loadText(text);
+    ASSERT_TRUE(editor()->isLoading()) << "the text should come in slices";
+    const QString before = pane();
+    window_.reparse();
+    window_.reparse();
+    EXPECT_EQ(statusMessage(window_), "Parsing CIF...");
+    EXPECT_TRUE(window_.currentCif().is_null());
+
+    ASSERT_TRUE(loaded.wait(30000));
+    EXPECT_EQ(paneSince(before).count("Checking CIF ..."), 1);
+    ASSERT_FALSE(window_.currentCif().is_null());
+    EXPECT_EQ(entriesUnder(list(), "Errors"), Entries{"200005: Data name _x has no value"});
+    EXPECT_EQ(window_.parsedLineCount(editor()), 200006);
+}
+
+TEST_F(MainWindowParsing, AFileCheckedWhileItsTextComesInCanHighlightLinesOnceItIsIn) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("big.cif");
+    QString text = "data_big\n_x 'open\nloop_\n_a\n";
+    for (int i = 0; i < 200000; ++i) text += "1\n";
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text.toLatin1());
+    }
+    window_.setFileName(editor(), path);
+    QSignalSpy loaded(editor(), &QcbsRichTextEdit::textLoaded);
+    editor()->loadText(text);
+    window_.parse(path.toStdString(), true);
+    ASSERT_TRUE(loaded.wait(30000));
+    EXPECT_TRUE(editor()->errorHighlightingAllowed());
+    EXPECT_EQ(window_.parsedLineCount(editor()), editor()->lines());
+    list()->doubleClickedItem(list()->topLevelItem(0)->child(0));
+    EXPECT_EQ(editor()->errorSelectionParagraph(2), 1);
 }
 
 TEST_F(MainWindowParsing, CtrlKChecksTheTypedTextAndADoubleClickHighlightsTheLine) {
