@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTextCursor>
 #include <QTextDocument>
 
 #include "application/QcbsDocumentEncoding.hpp"
@@ -87,6 +88,11 @@ TEST(DocumentLines, OnlyOneTrailingBlankOfEachLineIsDropped) {
     EXPECT_EQ(roundTrip("data_a  \n_x 1 \n_y\t\n_z 2\n"), "data_a \n_x 1\n_y\n_z 2\n");
     EXPECT_EQ(QcbsDocumentLines::savedLine("   "), "  ");
     EXPECT_EQ(QcbsDocumentLines::savedLine("value"), "value");
+
+    // A soft line break inside a paragraph ends a line in the file, with the same rule.
+    QTextDocument document;
+    QTextCursor(&document).insertText(QString("a ") + QChar::LineSeparator + "b\t");
+    EXPECT_EQ(QcbsDocumentLines::toFileText(document), "a\nb\n");
 }
 
 TEST(DocumentSaver, TheBackupNameTakesTheFirstDotAfterTheFirstCharacter) {
