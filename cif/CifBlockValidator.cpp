@@ -187,10 +187,5 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
 const std::vector<std::string>& CifBlockValidator::mandatory_items(const std::string& category) {
     auto found = mandatory_.find(category);
     if (found != mandatory_.end()) return found->second;
-    std::vector<std::string> names;
-    for (const std::string& name : dictionary_.category_items(category)) {
-        const CifItemDefinition* definition = dictionary_.definition(name);
-        if (definition != nullptr && definition->list_mandatory) names.push_back(name);
-    }
-    return mandatory_.emplace(category, std::move(names)).first->second;
+    return mandatory_.emplace(category, dictionary_.mandatory_items(category)).first->second;
 }

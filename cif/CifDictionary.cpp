@@ -25,6 +25,15 @@ std::string CifDictionary::category_of(const std::string& data_name) const {
     return found == nullptr ? std::string() : found->category;
 }
 
+std::vector<std::string> CifDictionary::mandatory_items(const std::string& category) const {
+    std::vector<std::string> names;
+    for (const std::string& name : category_items(category)) {
+        const CifItemDefinition* found = definition(name);
+        if (found != nullptr && found->list_mandatory) names.push_back(name);
+    }
+    return names;
+}
+
 std::string CifDictionary::plain_category_name(const std::string& category) {
     std::string_view name = category;
     if (name.size() >= 3 && name.substr(name.size() - 3) == "_[]")

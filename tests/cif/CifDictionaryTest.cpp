@@ -81,6 +81,9 @@ TEST(CifConcreteDictionary, ListsCategoriesInItsOwnOrderAndTheirDataNames) {
     EXPECT_EQ(dictionary->category_items("_category_overview_[]"),
               (Names{"_cell_[]", "_atom_site_[]", "_atom_type_[]", "_exptl_[]", "_refln_[]"}));
     EXPECT_TRUE(dictionary->category_items("_nothing_[]").empty());
+    EXPECT_EQ(dictionary->mandatory_items("_refln_[]"),
+              (Names{"_refln_index_h", "_refln_index_k", "_refln_index_l"}));
+    EXPECT_TRUE(dictionary->mandatory_items("cell").empty());
 }
 
 TEST(CifConcreteDictionary, ReportsProblemsOfADictionaryWithTheirLines) {
