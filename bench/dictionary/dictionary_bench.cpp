@@ -11,9 +11,9 @@
 //    (_refln.index_h ...) that the core dictionary does not define, where
 //    only six names are reported.
 #include <algorithm>
-#include <ctime>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <iostream>
 #include <random>
@@ -120,10 +120,11 @@ int main(int argc, char** argv) {
             plain = std::min(plain, read_once(text, THandle<CifDictionary>(), plain_messages));
             checked = std::min(checked, read_once(text, pool, checked_messages));
         }
-        std::printf("%s, %ld rows, %.0f MB: no dictionary %.0f ms, cif_core.dic %.0f ms (%zu messages), "
-                    "ratio %.3f\n",
-                    core_names ? "core names (_refln_index_h)" : "mmCIF names (_refln.index_h)", rows,
-                    static_cast<double>(text.size()) / 1e6, plain, checked, checked_messages, checked / plain);
+        std::printf(
+            "%s, %ld rows, %.0f MB: no dictionary %.0f ms, cif_core.dic %.0f ms (%zu messages), "
+            "ratio %.3f\n",
+            core_names ? "core names (_refln_index_h)" : "mmCIF names (_refln.index_h)", rows,
+            static_cast<double>(text.size()) / 1e6, plain, checked, checked_messages, checked / plain);
         (void)plain_messages;
     }
     return 0;
