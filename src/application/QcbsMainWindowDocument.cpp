@@ -90,7 +90,11 @@ bool canWriteTo(const QString& filename) {
     return directory.isWritable();
 }
 
-int untitledCount = 0;  // one running number for the untitled files of all windows
+// One running number for the untitled files of all windows.
+QString nextUntitledName() {
+    static int count = 0;
+    return QcbsMainWindow::untitledPrefix() + QString::number(++count) + ".cif";
+}
 
 }  // namespace
 
@@ -109,7 +113,7 @@ void QcbsMainWindow::fileNew(bool replace) {
     if (start_with_template && !template_file.isEmpty()) {
         if (load(template_file, false, false)) {
             // The copy is a new document: saving must never overwrite the template.
-            setFileName(currentEditor(), untitledPrefix() + QString::number(++untitledCount) + ".cif");
+            setFileName(currentEditor(), nextUntitledName());
             setParseAllowed(currentEditor(), true);
             enableParseTools(true);
             writeToOutputPane("(Note, template files are not automatically parsed for errors)", true);
@@ -125,7 +129,7 @@ void QcbsMainWindow::fileNew(bool replace) {
 void QcbsMainWindow::fileNewUntitled() {
     QcbsRichTextEdit* editor = currentEditor();
     if (editor == nullptr) return;
-    const QString name = untitledPrefix() + QString::number(++untitledCount) + ".cif";
+    const QString name = nextUntitledName();
     setFileName(editor, name);
     encodings_[editor] = QcbsDocumentEncoding();
     setParseAllowed(editor, true);
