@@ -1,8 +1,6 @@
 // Reading a file's text and writing it back: encodings, lines, and saving
 // that never loses the old content.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/resource.h>
 
 #include <QDir>
 #include <QFile>
@@ -168,44 +166,6 @@ TEST_F(DocumentSaving, AFileThatCannotBeWrittenIsLeftAsItWas) {
     ASSERT_TRUE(QDir(gone).removeRecursively());
     EXPECT_FALSE(QcbsDocumentSaver::save(gone + "/c.cif", "new\n", false).saved);
     EXPECT_EQ(entries(), QStringList{"plain"});
-}
-
-// A full disk, as root sees it too: a limit on the size of files written.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &saved_);
-        previous_ = signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = saved_;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &saved_);
-        signal(SIGXFSZ, previous_);
-    }
-
-private:
-    rlimit saved_{};
-    sighandler_t previous_;
-};
-
-TEST_F(DocumentSaving, AWriteThatFailsHalfwayLeavesTheOldContentAtItsName) {
-    const QString file = path("quartz.cif");
-    const QByteArray old = "data_quartz\n_cell_volume 113\n";
-    writeBytes(file, old);
-    const QByteArray big(64 * 1024, 'x');
-    for (const bool backup : {false, true}) {
-        QcbsDocumentSaver::Result result;
-        {
-            const FileSizeLimit limit(4096);
-            result = QcbsDocumentSaver::save(file, big, backup);
-        }
-        EXPECT_FALSE(result.saved) << backup;
-        EXPECT_EQ(readBytes(file), old) << backup;
-        // Neither the backup rename nor the half-written file is left over.
-        EXPECT_EQ(entries(), QStringList{"quartz.cif"}) << backup;
-    }
 }
 
 }  // namespace

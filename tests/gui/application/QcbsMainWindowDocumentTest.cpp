@@ -349,7 +349,8 @@ TEST_F(DocumentWindow, AFailedSaveKeepsTheFileTheTextAndItsModifiedMark) {
         EXPECT_EQ(answers_.boxes.last().text,
                   "Could not write to this file. Check file permissions, or use 'Save As' to make a copy");
         EXPECT_EQ(readBytes(path), text) << backup;
-        EXPECT_FALSE(QFileInfo::exists(QcbsDocumentSaver::backupName(path)));
+        // Neither the backup nor the half-written temporary file is left.
+        EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"quartz.cif"});
         EXPECT_TRUE(editor()->isModified());
         EXPECT_TRUE(editor()->toPlainText().endsWith(QString(20000, u'x') + "'"));
         EXPECT_EQ(window_.fileName(editor()), path);
