@@ -7,18 +7,16 @@
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QTabWidget>
-#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <fstream>
 #include <optional>
-#include <sstream>
 
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "cif/ORMACifConsistencyChecker.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
-#include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 #include "validation/QcbsErrorListView.hpp"
