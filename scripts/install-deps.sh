@@ -14,6 +14,8 @@ packages=(
   # tests, benchmarks and fuzzing
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   clang libclang-rt-14-dev
+  # the text of printed PDF files (the print tests)
+  poppler-utils
   # the peer reader the benchmarks compare against (gemmi's CIF reader needs it)
   tao-pegtl-dev
   # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
