@@ -1,14 +1,16 @@
+// The main window's actions: menus, tool bars, what each does now, and
+// which are on for the page and the document at hand.
 #include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QSet>
-#include <QTest>
+#include <QMenuBar>
+#include <QTabWidget>
 #include <QToolBar>
 
+#include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
-#include "MainWindowTestSupport.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "views/QcbsCifBoxView.hpp"
@@ -19,16 +21,15 @@ namespace {
 using A = QcbsMainWindowActions;
 
 struct Row {
-    const char* menu;  // empty: on a tool bar only
+    const char* menu;  // empty: on the search tool bar only
     const char* text;
     const char* tip;   // empty: none given
     const char* name;  // empty: none given
-    QKeySequence key;
+    QKeySequence key;  // checked unless the name is in kFreeAccelerators
 };
 
 QKeySequence ctrl(Qt::Key key) { return QKeySequence(Qt::CTRL | key); }
 
-// What the user finds in the menus, row by row.
 const Row kTable[] = {
     {"&File", "&New", "New file", "fileNew", ctrl(Qt::Key_N)},
     {"&File", "&Open...", "Open", "fileOpen", ctrl(Qt::Key_O)},
@@ -76,44 +77,52 @@ const QSet<QString> kFreeAccelerators{"editZoomin", "editZoomout", "find previou
 
 class MainWindowActions : public ::testing::Test {
 protected:
+    bool enabled(A::Id id) const { return windowAction(window_, id)->isEnabled(); }
+    void trigger(A::Id id) { windowAction(window_, id)->trigger(); }
+    void showPage(QWidget* page) { window_.tabs()->setCurrentWidget(page); }
+    QcbsRichTextEdit* editor() const { return window_.currentEditor(); }
+    QToolBar* toolBar(const QString& title) {
+        for (QToolBar* bar : window_.findChildren<QToolBar*>())
+            if (bar->windowTitle() == title) return bar;
+        return nullptr;
+    }
+    QMenu* menu(const QString& title) {
+        for (QAction* action : window_.menuBar()->actions())
+            if (action->text() == title) return action->menu();
+        return nullptr;
+    }
+    // Gives the editor the text and the window a document read from it.
+    void checked(const std::string& text) {
+        editor()->setPlainText(QString::fromStdString(text));
+        THandle<Cif> cif(new Cif);
+        cif->read_text(text);
+        window_.setCif(editor(), cif);
+    }
+
     ScopedPrefsDir prefs_;
     QcbsMainWindow window_{buildTreeSharedData()};
 };
 
-QAction* inMenu(QMenu* menu, const QString& text) {
-    for (QAction* action : menu->actions())
-        if (action->text() == text) return action;
-    return nullptr;
-}
-
-QToolBar* toolBar(QMainWindow& window, const QString& title) {
-    for (QToolBar* bar : window.findChildren<QToolBar*>())
-        if (bar->windowTitle() == title) return bar;
-    return nullptr;
-}
-
-TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorAndMenu) {
+TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorIconAndMenu) {
     QStringList titles;
     for (QAction* action : window_.menuBar()->actions()) titles << action->text();
     EXPECT_EQ(titles, (QStringList{"&File", "&Edit", "&Search", "&Tools", "&Help"}));
+    for (const char* title : {"File Tools", "Editor Tools", "Cif Tools", "Search Tools"})
+        EXPECT_NE(toolBar(title), nullptr) << title;
 
     for (const Row& row : kTable) {
         SCOPED_TRACE(std::string(row.name) + " / " + row.text);
         QAction* action = nullptr;
-        if (*row.menu) {
-            QMenu* menu = menuTitled(window_, row.menu);
-            ASSERT_NE(menu, nullptr);
-            action = inMenu(menu, row.text);
-        } else {
-            // On the search tool bar only, without a menu entry.
-            ASSERT_NE(toolBar(window_, "Search Tools"), nullptr);
-            for (QAction* candidate : toolBar(window_, "Search Tools")->actions())
-                if (candidate->objectName() == row.name) action = candidate;
-            for (QMenu* menu : window_.menuBar()->findChildren<QMenu*>())
-                EXPECT_FALSE(menu->actions().contains(action));
-        }
+        const QList<QAction*> candidates =
+            *row.menu ? menu(row.menu)->actions() : toolBar("Search Tools")->actions();
+        for (QAction* candidate : candidates)
+            if (*row.menu ? candidate->text() == row.text : candidate->objectName() == row.name)
+                action = candidate;
         ASSERT_NE(action, nullptr);
-        EXPECT_EQ(action->text(), row.text);
+        if (!*row.menu) {
+            for (QMenu* any : window_.menuBar()->findChildren<QMenu*>())
+                EXPECT_FALSE(any->actions().contains(action));
+        }
         if (*row.name) {
             EXPECT_EQ(action->objectName(), row.name);
         }
@@ -126,13 +135,11 @@ TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorAndMenu) {
         }
         EXPECT_FALSE(action->icon().isNull());
     }
-}
 
-TEST_F(MainWindowActions, NoTwoActionsShareAnAccelerator) {
     QMap<QString, QString> owner;
     for (QAction* action : window_.findChildren<QAction*>()) {
-        if (action->shortcut().isEmpty()) continue;
         const QString key = action->shortcut().toString();
+        if (key.isEmpty()) continue;
         EXPECT_FALSE(owner.contains(key)) << key.toStdString() << " of " << action->text().toStdString()
                                           << " and " << owner.value(key).toStdString();
         owner[key] = action->text();
@@ -140,34 +147,19 @@ TEST_F(MainWindowActions, NoTwoActionsShareAnAccelerator) {
     EXPECT_TRUE(owner.contains("Ctrl++") && owner.contains("Ctrl+-")) << "zoom has accelerators";
 }
 
-TEST_F(MainWindowActions, ToolBarsBlockChooserAndRecentFiles) {
-    for (const char* title : {"File Tools", "Editor Tools", "Cif Tools", "Search Tools"})
-        EXPECT_NE(toolBar(window_, title), nullptr) << title;
-
+TEST_F(MainWindowActions, TheBlockChooserAndRecentFilesHaveTheirPlaces) {
     QComboBox* blocks = window_.blocksCombo();
     EXPECT_EQ(blocks->objectName(), "blocks");
     EXPECT_EQ(blocks->toolTip(), "Click to go to block. Re-check CIF to update list");
-    ASSERT_EQ(blocks->count(), 1);
+    EXPECT_EQ(blocks->count(), 1);
     EXPECT_EQ(blocks->currentText(), "Blocks:  none");
-    EXPECT_FALSE(blocks->isEnabled());
-    EXPECT_TRUE(toolBar(window_, "Cif Tools")->isAncestorOf(blocks));
+    EXPECT_TRUE(toolBar("Cif Tools")->isAncestorOf(blocks));
 
     QMenu* recent = window_.windowActions()->recentFilesMenu();
-    ASSERT_NE(recent, nullptr);
     EXPECT_EQ(recent->title(), "&Recent Files");
-    EXPECT_TRUE(menuTitled(window_, "&File")->actions().contains(recent->menuAction()));
+    EXPECT_TRUE(menu("&File")->actions().contains(recent->menuAction()));
     QcbsMainWindow::recentFiles->addFile("/data/recent one.cif");
     EXPECT_FALSE(recent->actions().isEmpty());
-}
-
-TEST_F(MainWindowActions, ToolButtonsShowTheirTextOnlyWhenAskedTo) {
-    EXPECT_EQ(window_.toolButtonStyle(), Qt::ToolButtonIconOnly);
-    QcbsMainWindow::text_buttons = true;
-    window_.initialiseSettings();
-    EXPECT_EQ(window_.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
-    QcbsMainWindow::text_buttons = false;
-    window_.initialiseSettings();
-    EXPECT_EQ(window_.toolButtonStyle(), Qt::ToolButtonIconOnly);
 }
 
 // Actions whose work is still to come tell the user so; none does nothing.
@@ -190,78 +182,119 @@ TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
         {A::OpenInVelmora, "Opening the structure in Velmora"},
     };
     for (const auto& [id, function] : pending) {
-        QAction* action = windowAction(window_, id);
-        action->setEnabled(true);  // some start disabled
+        windowAction(window_, id)->setEnabled(true);  // some start disabled
         window_.statusBar()->clearMessage();
-        action->trigger();
-        EXPECT_EQ(statusMessage(window_), QString(function) + " is not available yet.") << function;
+        trigger(id);
+        EXPECT_EQ(statusMessage(window_), QString(function) + " is not available yet.");
     }
 }
 
-TEST_F(MainWindowActions, EditingActionsWorkOnTheEditor) {
-    QcbsRichTextEdit* editor = window_.currentEditor();
-    QTest::keyClicks(editor, "data_a");
-    QTest::keyClick(editor, Qt::Key_Return);
-    QTest::keyClicks(editor, "_cell_volume 10");
+TEST_F(MainWindowActions, EditingAndViewActionsWorkOnTheEditor) {
+    typeLines(editor(), {"data_a"});
+    QTest::keyClicks(editor(), "_cell_volume 10");
+    trigger(A::EditSelectAll);
+    trigger(A::EditComment);
+    EXPECT_TRUE(editor()->text(0).startsWith("#") && editor()->text(1).startsWith("#"))
+        << editor()->text(0).toStdString();
+    trigger(A::EditUncomment);
+    EXPECT_EQ(editor()->toPlainText(), "data_a\n_cell_volume 10");
 
-    windowAction(window_, A::EditSelectAll)->trigger();
-    EXPECT_EQ(editor->textCursor().selectedText().size(), editor->toPlainText().size());
-    windowAction(window_, A::EditComment)->trigger();
-    EXPECT_TRUE(editor->text(0).startsWith("#")) << editor->text(0).toStdString();
-    EXPECT_TRUE(editor->text(1).startsWith("#"));
-    windowAction(window_, A::EditUncomment)->trigger();
-    EXPECT_EQ(editor->toPlainText(), "data_a\n_cell_volume 10");
-
-    editor->setSelection(1, 0, 1, 12);
-    windowAction(window_, A::EditCopy)->trigger();
+    editor()->setSelection(1, 0, 1, 12);
+    trigger(A::EditCopy);
     EXPECT_EQ(QApplication::clipboard()->text(), "_cell_volume");
-    windowAction(window_, A::EditCut)->trigger();
-    EXPECT_EQ(editor->text(1), " 10");
-    windowAction(window_, A::EditPaste)->trigger();
-    EXPECT_EQ(editor->text(1), "_cell_volume 10");
+    trigger(A::EditCut);
+    EXPECT_EQ(editor()->text(1), " 10");
+    trigger(A::EditPaste);
+    EXPECT_EQ(editor()->text(1), "_cell_volume 10");
+    trigger(A::EditUndo);
+    EXPECT_EQ(editor()->text(1), " 10");
+    trigger(A::EditRedo);
+    EXPECT_EQ(editor()->text(1), "_cell_volume 10");
 
-    windowAction(window_, A::EditUndo)->trigger();
-    EXPECT_EQ(editor->text(1), " 10");
-    windowAction(window_, A::EditRedo)->trigger();
-    EXPECT_EQ(editor->text(1), "_cell_volume 10");
+    const int size = window_.sharedData()->fontStyles()->editorFont().pointSize();
+    trigger(A::EditZoomIn);
+    EXPECT_GT(window_.sharedData()->fontStyles()->editorFont().pointSize(), size);
+    EXPECT_EQ(editor()->font().pointSize(), window_.sharedData()->fontStyles()->editorFont().pointSize());
+    trigger(A::EditZoomOut);
+    EXPECT_EQ(window_.sharedData()->fontStyles()->editorFont().pointSize(), size);
+
+    trigger(A::Browser);
+    EXPECT_FALSE(window_.boxView()->isVisible());
+    trigger(A::Browser);
+    EXPECT_TRUE(window_.boxView()->isVisible());
 }
 
-TEST_F(MainWindowActions, AcceleratorsTypedInTheEditorReachTheWindow) {
-    QcbsRichTextEdit* editor = window_.currentEditor();
-    window_.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
-    editor->setFocus();
-    // Ctrl+K would delete to the end of the line in a plain text editor.
-    QTest::keyClicks(editor, "data_a");
-    editor->setCursorPosition(0, 0);
-    window_.setFileName(editor, "typed.cif");
-    QTest::keyClick(editor, Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(statusMessage(window_), "Ready");
-    EXPECT_TRUE(window_.isParsed(editor));
-    EXPECT_EQ(editor->toPlainText(), "data_a");
-    QTest::keyClick(editor, Qt::Key_F, Qt::ControlModifier);
-    EXPECT_EQ(statusMessage(window_), "Find is not available yet.");
-    QTest::keyClick(editor, Qt::Key_L, Qt::ControlModifier);
-    EXPECT_EQ(statusMessage(window_), "Editing loops is not available yet.");
+TEST_F(MainWindowActions, TheVisualiserPageTurnsOffTheEditorsToolsAndTheEditorPageBringsThemBack) {
+    const A::Id editorTools[] = {A::EditCopy,      A::EditCut,           A::EditPaste, A::EditComment,
+                                 A::EditSelectAll, A::EditZoomIn,        A::Find,      A::FindNext,
+                                 A::Replace,       A::GoToLine,          A::Reparse,   A::ItemHelp,
+                                 A::Browser,       A::PublicationWizard, A::EditLoop};
+    const A::Id always[] = {A::FileNew,   A::FileOpen, A::NewWindow, A::FileExit,
+                            A::EditPrefs, A::About,    A::Help};
+    // A new window has no document to save, print or close, and no history.
+    for (A::Id id : {A::FileSave, A::FileSaveAs, A::FilePrint, A::FileClose, A::EditUndo, A::EditRedo})
+        EXPECT_FALSE(enabled(id)) << id;
+    QTest::keyClicks(editor(), "data_a");
+    editor()->undo();
+    EXPECT_FALSE(enabled(A::EditUndo));
+    EXPECT_TRUE(enabled(A::EditRedo));
+    showPage(window_.visualiserPage());
+    showPage(window_.editorPage());
+    EXPECT_FALSE(window_.blocksCombo()->isEnabled()) << "no blocks listed";
+    window_.blocksCombo()->addItems({"a", "b"});  // as after a check that found blocks
+
+    for (QWidget* page : QWidgetList{window_.visualiserPage(), window_.editorPage()}) {
+        showPage(page);
+        const bool editing = page == static_cast<QWidget*>(window_.editorPage());
+        for (A::Id id : editorTools) EXPECT_EQ(enabled(id), editing) << id;
+        EXPECT_EQ(enabled(A::EditRedo), editing);
+        EXPECT_EQ(window_.blocksCombo()->isEnabled(), editing);
+        EXPECT_EQ(enabled(A::OpenInVelmora), !editing);
+        for (A::Id id : always) EXPECT_TRUE(enabled(id)) << id;
+    }
+    // Pages other than these two change nothing.
+    QWidget other;
+    window_.enableTools(&other);
+    window_.enableTools(nullptr);
+    EXPECT_TRUE(enabled(A::Reparse));
+    EXPECT_FALSE(enabled(A::OpenInVelmora));
+
+    // A text marked not to be checked keeps Check off, in every window when asked.
+    window_.setParseAllowed(editor(), false);
+    window_.enableTools(window_.editorPage());
+    EXPECT_FALSE(enabled(A::Reparse));
+    window_.setParseAllowed(editor(), true);
+    window_.enableTools(window_.editorPage());
+    EXPECT_TRUE(enabled(A::Reparse));
+    QcbsMainWindow second(window_.sharedData());
+    QcbsMainWindow::enableAllInstParseTools(false);
+    EXPECT_FALSE(enabled(A::Reparse) || windowAction(second, A::Reparse)->isEnabled());
+    QcbsMainWindow::enableAllInstParseTools(true);
+    EXPECT_TRUE(enabled(A::Reparse) && windowAction(second, A::Reparse)->isEnabled());
 }
 
-TEST_F(MainWindowActions, ZoomChangesTheSharedEditorFont) {
-    const int before = window_.sharedData()->fontStyles()->editorFont().pointSize();
-    windowAction(window_, A::EditZoomIn)->trigger();
-    const int zoomed = window_.sharedData()->fontStyles()->editorFont().pointSize();
-    EXPECT_GT(zoomed, before);
-    EXPECT_EQ(window_.currentEditor()->font().pointSize(), zoomed);
-    windowAction(window_, A::EditZoomOut)->trigger();
-    EXPECT_EQ(window_.sharedData()->fontStyles()->editorFont().pointSize(), before);
-}
-
-TEST_F(MainWindowActions, BrowserShowsAndHidesTheTreeBesideTheEditor) {
-    QcbsCifBoxView* tree = window_.boxView();
-    EXPECT_TRUE(tree->isVisible());
-    windowAction(window_, A::Browser)->trigger();
-    EXPECT_FALSE(tree->isVisible());
-    windowAction(window_, A::Browser)->trigger();
-    EXPECT_TRUE(tree->isVisible());
+TEST_F(MainWindowActions, TheCrystalWizardNeedsChemicalAtomSiteOrCellDataInTheBlockAtTheCursor) {
+    EXPECT_FALSE(enabled(A::CrystalWizard)) << "no document checked yet";
+    const std::pair<const char*, bool> blocks[] = {
+        {"_publ_section_title 'A structure'\n_journal_name_full 'Acta'\n", false},
+        {"_cell_length_a 5.1\n", true},
+        {"_chemical_formula_sum 'Pb O4 S'\n", true},
+        {"loop_\n_atom_site_label\n_atom_site_fract_x\nPb1 0.1\n", true},
+        {"_cellar_door 1\n", false},  // a category name is matched whole
+    };
+    for (const auto& [items, crystal] : blocks) {
+        checked(std::string("data_c\n") + items);
+        EXPECT_EQ(enabled(A::CrystalWizard), crystal) << items;
+        EXPECT_TRUE(enabled(A::PublicationWizard));
+    }
+    checked("data_paper\n_publ_section_title x\ndata_crystal\n_cell_length_a 5.1\n");
+    for (const auto& [line, crystal] : {std::pair{1, false}, {3, true}, {0, false}}) {
+        editor()->setCursorPosition(line, 0);
+        EXPECT_EQ(enabled(A::CrystalWizard), crystal) << line;
+    }
+    editor()->setCursorPosition(3, 0);
+    showPage(window_.visualiserPage());
+    EXPECT_FALSE(enabled(A::CrystalWizard));
 }
 
 }  // namespace

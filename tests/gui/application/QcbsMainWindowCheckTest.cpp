@@ -1,19 +1,15 @@
 // Checking a document as a user does: dictionaries found or not, text typed
 // into the editor, Ctrl+K, the error list and the output pane read, an entry
-// double-clicked.
+// double-clicked; and the rules by which the findings are listed.
 #include <gtest/gtest.h>
 
 #include <QComboBox>
-#include <QDir>
-#include <QFileInfo>
-#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTabWidget>
 #include <QTemporaryDir>
-#include <QTest>
 
-#include "../dictionaries/DictionaryTestSupport.hpp"
-#include "CheckTestSupport.hpp"
+#include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
-#include "MainWindowTestSupport.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 
 namespace {
@@ -45,23 +41,41 @@ const QStringList kKnownProblems{
     "_diffrn_ambient_temperature       'open quote",
 };
 
+// A window whose dictionaries are searched for in the given directory
+// first (an empty one: none found); checked text has a file name.
 class MainWindowCheck : public ::testing::Test {
 protected:
-    void start(const QString& dictionaryDirectories) {
-        environment_ =
-            std::make_unique<ScopedEnvironment>("TESSARY_DICTIONARIES", dictionaryDirectories.toUtf8());
+    ~MainWindowCheck() override { qputenv("TESSARY_DICTIONARIES", previous_); }
+    void start(const QString& dictionaries = QString()) {
+        qputenv("TESSARY_DICTIONARIES", (dictionaries.isNull() ? empty_.path() : dictionaries).toUtf8());
         window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData());
+        window_->setFileName(editor(), "known.cif");
+    }
+    // Focus on the editor of the active window, for accelerators typed there.
+    void focus() {
         window_->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
-        window_->setFileName(editor(), "known.cif");
         editor()->setFocus();
     }
     QcbsRichTextEdit* editor() const { return window_->currentEditor(); }
+    QcbsErrorListView* list() const { return window_->errorList(); }
     QString pane() const { return window_->outputPane()->toPlainText(); }
     void pressCtrlK() { QTest::keyClick(editor(), Qt::Key_K, Qt::ControlModifier); }
+    QStringList comboItems() const {
+        QStringList items;
+        for (int i = 0; i < window_->blocksCombo()->count(); ++i)
+            items << window_->blocksCombo()->itemText(i);
+        return items;
+    }
+    // The paragraph the error highlighting marks after a double-click on the first error.
+    int highlightedAfterDoubleClick() {
+        list()->doubleClickedItem(list()->topLevelItem(0)->child(0));
+        return editor()->errorSelectionParagraph(2);
+    }
 
     ScopedPrefsDir prefs_;
-    std::unique_ptr<ScopedEnvironment> environment_;
+    QByteArray previous_ = qgetenv("TESSARY_DICTIONARIES");
+    QTemporaryDir empty_;
     std::unique_ptr<QcbsMainWindow> window_;
 };
 
@@ -70,15 +84,15 @@ TEST_F(MainWindowCheck, CtrlKListsEveryProblemAgainstTheCoreDictionaryAndLeadsTo
         GTEST_SKIP() << "cif_core.dic not found in " << kCoreDirectory.toStdString();
     QcbsMainWindow::max_consec_error = 4;
     start(kCoreDirectory);
+    focus();
     EXPECT_TRUE(pane().contains("Loaded dictionary: " + kCoreDirectory + "/cif_core.dic"));
     EXPECT_FALSE(pane().contains("No dictionary found"));
 
     typeLines(editor(), kKnownProblems);
-    const int paneBefore = pane().size();
+    const qsizetype paneBefore = pane().size();
     pressCtrlK();
 
-    QcbsErrorListView* list = window_->errorList();
-    const Entries errors = entriesUnder(list, "Errors");
+    const QStringList errors = entriesUnder(list(), "Errors");
     ASSERT_EQ(errors.size(), 5) << errors.join("\n").toStdString();
     EXPECT_EQ(errors[0],
               "9: Value of _cell_measurement_temperature is not of the type the dictionary gives (numb)");
@@ -86,29 +100,28 @@ TEST_F(MainWindowCheck, CtrlKListsEveryProblemAgainstTheCoreDictionaryAndLeadsTo
         errors[1].startsWith("10: Value of _symmetry_cell_setting is not one of the permitted values"));
     EXPECT_TRUE(
         errors[2].startsWith("16: Value of _exptl_crystal_density_diffrn is outside the permitted range"));
-    EXPECT_TRUE(errors.filter(QRegularExpression("^17: Quoted string not terminated")).size() == 1);
-    EXPECT_EQ(entriesUnder(list, "Warnings"), Entries{"11: Created non-standard data item _made_up_item"});
-    const Entries remarks = entriesUnder(list, "Remarks");
+    EXPECT_EQ(errors.filter(QRegularExpression("^17: Quoted string not terminated")).size(), 1);
+    EXPECT_EQ(entriesUnder(list(), "Warnings"),
+              QStringList{"11: Created non-standard data item _made_up_item"});
+    const QStringList remarks = entriesUnder(list(), "Remarks");
     ASSERT_EQ(remarks.size(), 1);
     EXPECT_TRUE(remarks[0].startsWith("8: Value of _cell_volume differs")) << remarks[0].toStdString();
-    EXPECT_EQ(list->topLevelItem(0)->text(1), "  Total of 5");
-
+    EXPECT_EQ(list()->topLevelItem(0)->text(1), "  Total of 5");
     EXPECT_EQ(pane().mid(paneBefore).trimmed(), "Checking CIF ...\nTotal errors: 5; warnings: 2; remarks: 1");
-    EXPECT_EQ(window_->blocksCombo()->itemText(0), "Blocks:   1");
-    EXPECT_EQ(window_->blocksCombo()->itemText(1), "known");
+    EXPECT_EQ(comboItems(), (QStringList{"Blocks:   1", "known"}));
 
     // The user opens the errors and double-clicks the one on line 16.
-    QTreeWidgetItem* heading = list->topLevelItem(0);
+    QTreeWidgetItem* heading = list()->topLevelItem(0);
     heading->setExpanded(true);
     QTreeWidgetItem* entry = heading->child(2);
     ASSERT_EQ(entry->text(0), "Line      16");
-    list->scrollToItem(entry);
+    list()->scrollToItem(entry);
     // On the line number, which is always in view.
-    const QPoint at(list->columnViewportPosition(0) + list->columnWidth(0) / 2,
-                    list->visualItemRect(entry).center().y());
+    const QPoint at(list()->columnViewportPosition(0) + list()->columnWidth(0) / 2,
+                    list()->visualItemRect(entry).center().y());
     // A real double-click starts with a press that QTest's double-click leaves out.
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, at);
     EXPECT_EQ(editor()->errorSelectionParagraph(2), 15);
     int para = 0, index = 0;
     editor()->getCursorPosition(&para, &index);
@@ -116,25 +129,278 @@ TEST_F(MainWindowCheck, CtrlKListsEveryProblemAgainstTheCoreDictionaryAndLeadsTo
 }
 
 TEST_F(MainWindowCheck, WithoutDictionariesTheCheckIsSyntaxOnlyAndSaysOnceHowToAddOne) {
-    QTemporaryDir empty;
-    start(empty.path());
+    start();
+    focus();
     typeLines(editor(), kKnownProblems);
     pressCtrlK();
     pressCtrlK();
     EXPECT_EQ(pane().count("No dictionary found: checking syntax only."), 1);
-    EXPECT_TRUE(pane().contains(empty.path())) << "where it searched";
+    EXPECT_TRUE(pane().contains(empty_.path())) << "where it searched";
     EXPECT_TRUE(pane().contains("TESSARY_DICTIONARIES"));
     // Only the text itself is at fault.
-    EXPECT_EQ(entriesUnder(window_->errorList(), "Errors"),
-              Entries{"17: Quoted string not terminated: 'open quote"});
-    EXPECT_EQ(window_->errorList()->numberWarnings(), 0);
+    EXPECT_EQ(entriesUnder(list(), "Errors"), QStringList{"17: Quoted string not terminated: 'open quote"});
+    EXPECT_EQ(list()->numberWarnings(), 0);
+
+    // A double-click marks the line; after an edit the marks wait for the next check.
+    EXPECT_EQ(highlightedAfterDoubleClick(), 16);
+    QTest::keyClick(editor(), Qt::Key_X);
+    EXPECT_EQ(highlightedAfterDoubleClick(), -1);
 
     // A dictionary put in place is found by the next check, which then uses it.
-    writeDictionary(empty.filePath("mine.dic"), "mine.dic", "1", {"_made_up_item"});
+    writeBytes(empty_.filePath("mine.dic"),
+               "data_on_this_dictionary\n_dictionary_name mine.dic\n_dictionary_version 1\n"
+               "data_made_up_item\n_name '_made_up_item'\n_category test\n_type numb\n");
     pressCtrlK();
-    EXPECT_TRUE(pane().contains("Loaded dictionary: " + empty.filePath("mine.dic")));
-    EXPECT_GT(window_->errorList()->numberWarnings(), 0) << "names it does not define are reported";
-    EXPECT_FALSE(entriesUnder(window_->errorList(), "Warnings").join("\n").contains("_made_up_item"));
+    EXPECT_EQ(highlightedAfterDoubleClick(), 16);
+    EXPECT_TRUE(pane().contains("Loaded dictionary: " + empty_.filePath("mine.dic")));
+    EXPECT_GT(list()->numberWarnings(), 0) << "names it does not define are reported";
+    EXPECT_FALSE(entriesUnder(list(), "Warnings").join("\n").contains("_made_up_item"));
+}
+
+// --- how the findings are listed ---------------------------------------------------------
+
+THandle<Cif> documentWith(const std::vector<CifError>& messages, const std::string& text = {}) {
+    THandle<Cif> cif(new Cif());
+    cif->read_text(text);
+    cif->errors()->clear();
+    for (const CifError& message : messages) cif->errors()->add(message);
+    return cif;
+}
+CifError errorAt(int line) {
+    return CifError(CifError::unterminated_quoted_string, CifError::error, line, "'x");
+}
+CifError warningAt(int line, const std::string& name = "_made_up") {
+    return CifError(CifError::undefined_data_name, CifError::warning, line, name);
+}
+
+class MainWindowParsing : public MainWindowCheck {
+protected:
+    void SetUp() override {
+        QcbsMainWindow::max_consec_error = 4;
+        start();
+    }
+    // The entries of the list by heading and line: "E10 W12 R3", an
+    // omission note with a "~".
+    QString listed() const {
+        QStringList entries;
+        for (const char* heading : {"Errors", "Warnings", "Remarks"})
+            for (const QString& entry : entriesUnder(list(), heading))
+                entries << heading[0] + entry.section(':', 0, 0) +
+                               (entry.endsWith("(warnings omitted)") ? "~" : "");
+        return entries.join(' ');
+    }
+};
+
+TEST_F(MainWindowParsing, RunsOfErrorsAndWarningsAreCutAndEveryCheckEndsWithItsTotals) {
+    std::vector<CifError> errorRun, spread, warningRun, withReply;
+    for (int line = 10; line <= 15; ++line) errorRun.push_back(errorAt(line));
+    errorRun.push_back(warningAt(30));
+    errorRun.push_back(CifError(CifError::no_final_line_end, CifError::remark, 31));
+    // The repeated line leaves the run at 3; 20..23 after a gap start a new one.
+    for (int line : {10, 11, 11, 12, 13, 20, 21, 22, 23}) spread.push_back(errorAt(line));
+    for (int line : {10, 11, 12, 13, 14, 15, 20}) warningRun.push_back(warningAt(line));
+    // Had the validation reply on line 14 counted, line 15 would be the fifth of a run.
+    for (int line : {10, 11, 12, 13, 15}) withReply.push_back(warningAt(line));
+    withReply.insert(withReply.begin() + 4, warningAt(14, "_vrf_PLAT001_x"));
+    const struct {
+        const char* what;
+        std::vector<CifError> messages;
+        const char* listed;
+        const char* output;
+    } cases[] = {
+        {"an error run stops the list at its fifth line; the totals count all", errorRun,
+         "E10 E11 E12 E13 E14",
+         "Check stopped at line 14: fix previous errors first.Total errors: 6; warnings: 1; remarks: 1\n"},
+        {"errors on one line or further apart", spread, "E10 E11 E11 E12 E13 E20 E21 E22 E23",
+         "Total errors: 9; warnings: 0; remarks: 0\n"},
+        {"a warning run is cut with one note", warningRun, "W10 W11 W12 W13 W14~ W20",
+         "Total errors: 0; warnings: 7; remarks: 0\n"},
+        {"validation replies are dropped", withReply, "W10 W11 W12 W13 W15",
+         "Total errors: 0; warnings: 6; remarks: 0\n"},
+        {"no findings", {}, "", "No errors, warnings or remarks.\n"},
+        {"other kinds of message",
+         {CifError(CifError::internal_error, CifError::information, 4, "x")},
+         "",
+         "(misc error/info): \nTotal errors: 0; warnings: 0; remarks: 0\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const qsizetype before = pane().size();
+        window_->processErrors(documentWith(c.messages));
+        EXPECT_EQ(listed(), c.listed);
+        EXPECT_EQ(pane().mid(before), c.output);
+    }
+}
+
+TEST_F(MainWindowParsing, RemarksAboutADataNameGoToItsFirstLineInTheSameBlockLeavingTheView) {
+    const std::string text =
+        "data_a\n_cell_length_a 5.0\n_cell_volume 10\ndata_b\n_cell_measurement_temperature "
+        "100\n_cell_volume 2\n";
+    editor()->setPlainText(QString::fromStdString(text));
+    editor()->setSelection(2, 1, 2, 5);
+    const int scrolled = editor()->contentsY();
+    window_->processErrors(documentWith(
+        {CifError(CifError::calculated_value_differs, CifError::remark, 3, "_CELL_LENGTH_A"),  // block a: 2
+         CifError(CifError::count_mismatch, CifError::remark, 3,
+                  "_cell_measurement_temperature"),                                // only in b: 3
+         CifError(CifError::count_mismatch, CifError::remark, 6, "_cell_volume"),  // the first is in a: 6
+         CifError(CifError::calculated_value_differs, CifError::remark, 2, "_absent"),
+         CifError(CifError::space_group_unknown, CifError::remark, 3, "_cell_length_a")},  // another kind
+        text));
+    QStringList lines = listed().split(' ');
+    lines.sort();
+    EXPECT_EQ(lines, (QStringList{"R2", "R2", "R3", "R3", "R6"}));
+    int fromPara = 0, fromIndex = 0, toPara = 0, toIndex = 0;
+    editor()->getSelection(&fromPara, &fromIndex, &toPara, &toIndex);
+    EXPECT_EQ(QList<int>({fromPara, fromIndex, toPara, toIndex}), QList<int>({2, 1, 2, 5}));
+    EXPECT_EQ(editor()->contentsY(), scrolled);
+}
+
+TEST_F(MainWindowParsing, TheBlockChooserNamesRealBlocksAndJumpsToThemTheHeaderOnlyBeeps) {
+    THandle<Cif> placeholderOnly = documentWith({});
+    placeholderOnly->new_block("data_added_by_tessary", placeholderOnly->block_end());
+    THandle<Cif> placeholderFirst = documentWith({}, "data_x\ndata_y\n");
+    placeholderFirst->new_block("data_added_by_tessary", placeholderFirst->block_begin());
+    const std::pair<THandle<Cif>, QStringList> cases[] = {
+        {documentWith({}, "data_first\n_a 1\ndata_second\n_b 2\n"), {"Blocks:   2", "first", "second"}},
+        {placeholderOnly, {"Blocks:  none"}},
+        {placeholderFirst, {"Blocks:   2", "", "x", "y"}},
+        {documentWith({}, "# no block\n"), {"Blocks:  none"}},
+    };
+    for (const auto& [cif, items] : cases) {
+        window_->fillBlocksCombo(cif);
+        EXPECT_EQ(comboItems(), items);
+        EXPECT_EQ(window_->blocksCombo()->isEnabled(), items.size() > 1);
+        EXPECT_EQ(window_->blocksCombo()->currentIndex(), 0);
+    }
+
+    editor()->setPlainText("data_one\n_a 1\n\ndata_two\n_b 2\n");
+    window_->reparse();
+    editor()->setCursorPosition(1, 1);
+    QSignalSpy jumps(window_.get(), &QcbsMainWindow::requestGotoLine);
+    int para = 0, index = 0;
+    emit window_->blocksCombo()->activated(0);
+    editor()->getCursorPosition(&para, &index);
+    EXPECT_EQ(jumps.count(), 0);
+    EXPECT_EQ(para, 1);
+
+    window_->blocksCombo()->setCurrentIndex(2);
+    emit window_->blocksCombo()->activated(2);
+    ASSERT_EQ(jumps.count(), 1);
+    EXPECT_EQ(jumps.at(0), (QVariantList{4, "two"}));
+    editor()->getCursorPosition(&para, &index);
+    EXPECT_EQ(para, 3);
+    EXPECT_EQ(window_->blocksCombo()->currentIndex(), 0) << "a jump menu, not a state";
+    window_->tabs()->setCurrentWidget(window_->visualiserPage());
+    window_->blockComboSelected(1);
+    EXPECT_EQ(jumps.count(), 1);
+}
+
+TEST_F(MainWindowParsing, CheckRunsOnlyForAnEditorWithAFileAndSomeText) {
+    QcbsMainWindow unnamed(window_->sharedData());
+    unnamed.currentEditor()->setPlainText("data_x\n_a 1\n");
+    unnamed.reparse();
+    EXPECT_TRUE(unnamed.currentCif().is_null());
+    EXPECT_TRUE(unnamed.parse().is_null());
+
+    window_->reparse();  // of an empty text
+    EXPECT_EQ(statusMessage(*window_), "Parsing CIF...");
+    EXPECT_TRUE(window_->currentCif().is_null());
+
+    editor()->setPlainText("data_x\n_a 1\n_b\n");
+    const qsizetype before = pane().size();
+    window_->reparse();
+    EXPECT_EQ(statusMessage(*window_), "Ready");
+    ASSERT_FALSE(window_->currentCif().is_null());
+    EXPECT_TRUE(window_->isParsed(editor()));
+    EXPECT_EQ(window_->parsedLineCount(editor()), 4);
+    // An empty paragraph, then the two lines of the check.
+    EXPECT_TRUE(pane().mid(before).startsWith("\n"));
+    EXPECT_EQ(pane().mid(before).trimmed(), "Checking CIF ...\nTotal errors: 1; warnings: 0; remarks: 0");
+    EXPECT_EQ(entriesUnder(list(), "Errors"), QStringList{"3: Data name _b has no value"});
+    EXPECT_EQ(comboItems(), (QStringList{"Blocks:   1", "x"}));
+}
+
+TEST_F(MainWindowParsing, TheLineLengthAndConsistencyOptionsReachTheCheck) {
+    editor()->setPlainText(
+        "data_c\n_cell_length_a 10.0\n_cell_length_b 10.0\n_cell_length_c 10.0\n"
+        "_cell_angle_alpha 90\n_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 2000.0\n"
+        "_a " +
+        QString(60, 'v') + "\n");
+    window_->sharedData()->setParserLineLength(40);
+    window_->sharedData()->setConsistencyChecks(false);
+    window_->reparse();
+    EXPECT_EQ(listed(), "W9");
+    window_->sharedData()->setParserLineLength(80);
+    window_->sharedData()->setConsistencyChecks(true);
+    window_->reparse();
+    EXPECT_EQ(listed(), "R8");
+    EXPECT_TRUE(entriesUnder(list(), "Remarks").first().contains("_cell_volume"));
+}
+
+TEST_F(MainWindowParsing, TheTextIsReadInTheEncodingOfItsFile) {
+    // Typed into a new document: UTF-8, which CIF 2.0 asks for.
+    editor()->setPlainText(QString::fromUtf8("#\\#CIF_2.0\ndata_x\n_name '\u00c5ngstr\u00f6m'\n"));
+    window_->reparse();
+    EXPECT_EQ(listed(), "");
+
+    // A file whose bytes are not UTF-8 is read as Latin-1 and checked in it.
+    QTemporaryDir dir;
+    const QString path =
+        writeBytes(dir.filePath("latin1.cif"), "#\\#CIF_2.0\ndata_x\n_name '\xc5ngstr\xf6m'\n");
+    QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
+    ASSERT_TRUE(window_->load(path, false, true));
+    ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+    EXPECT_EQ(window_->documentEncoding(editor()).kind(), QcbsDocumentEncoding::Latin1);
+    EXPECT_TRUE(listed().startsWith("E3")) << listed().toStdString();
+}
+
+TEST_F(MainWindowParsing, ACheckAskedForWhileATextComesInRunsOnceWhenItIsIn) {
+    QString text = "data_big\nloop_\n_a\n_b\n";
+    for (int i = 0; i < 200000; ++i) text += "1 2\n";
+    text += "_x\n";
+    QSignalSpy loaded(editor(), &QcbsRichTextEdit::textLoaded);
+    editor()->loadText(text);
+    ASSERT_TRUE(editor()->isLoading()) << "the text should come in slices";
+    const qsizetype before = pane().size();
+    window_->reparse();
+    window_->reparse();
+    EXPECT_EQ(statusMessage(*window_), "Parsing CIF...");
+    EXPECT_TRUE(window_->currentCif().is_null());
+
+    ASSERT_TRUE(loaded.wait(30000));
+    EXPECT_EQ(pane().mid(before).count("Checking CIF ..."), 1);
+    EXPECT_EQ(entriesUnder(list(), "Errors"), QStringList{"200005: Data name _x has no value"});
+    EXPECT_EQ(window_->parsedLineCount(editor()), 200006);
+}
+
+TEST_F(MainWindowParsing, AFileIsCheckedFromDiskListingOnlyWhenAskedAndHighlightingOnceItsTextIsIn) {
+    QTemporaryDir dir;
+    QString text = "data_a\n_x 'open\ndata_b\nloop_\n_y\n";
+    for (int i = 0; i < 200000; ++i) text += "1\n";
+    const QString path = writeBytes(dir.filePath("two.cif"), text.toLatin1());
+    window_->setFileName(editor(), path);
+    QSignalSpy loaded(editor(), &QcbsRichTextEdit::textLoaded);
+    editor()->loadText(text);
+    list()->addError("old", 1, CifError::internal_error);
+
+    const THandle<Cif> quiet = window_->parse(path.toStdString(), false);
+    ASSERT_FALSE(quiet.is_null());
+    EXPECT_TRUE(window_->currentCif() == quiet);
+    EXPECT_EQ(listed(), "E1") << "the list is left alone";
+    EXPECT_EQ(comboItems(), (QStringList{"Blocks:   2", "a", "b"}));
+    EXPECT_FALSE(window_->isParsed(editor()));
+    window_->parse(path.toStdString(), true);
+    EXPECT_EQ(listed(), "E2");
+    ASSERT_TRUE(loaded.wait(30000));
+    EXPECT_TRUE(editor()->errorHighlightingAllowed());
+    EXPECT_EQ(window_->parsedLineCount(editor()), editor()->lines());
+    EXPECT_EQ(highlightedAfterDoubleClick(), 1);
+
+    const THandle<Cif> missing = window_->parse(dir.filePath("absent.cif").toStdString(), true);
+    ASSERT_FALSE(missing.is_null());
+    EXPECT_EQ(missing->block_count(), 0u);
+    EXPECT_EQ(comboItems(), QStringList{"Blocks:  none"});
 }
 
 }  // namespace

@@ -6,11 +6,10 @@
 #include <QTemporaryDir>
 #include <QTextBrowser>
 
+#include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
-#include "MainWindowTestSupport.hpp"
 #include "application/QcbsUtilities.hpp"
 #include "application/QtServerApplication.hpp"
-#include "validation/QcbsErrorListView.hpp"
 #include "widgets/QcbsAboutBox.hpp"
 #include "widgets/QcbsHelpWindow.hpp"
 
@@ -36,35 +35,24 @@ protected:
     QcbsMainWindow window_{buildTreeSharedData()};
 };
 
-TEST_F(MainWindowHelp, DocumentationOpensTheUserGuideInTheHelpWindow) {
-    ASSERT_FALSE(window_.sharedData()->documentationDirectory().isEmpty());
-    windowAction(window_, A::Help)->trigger();
-    ASSERT_NE(helpWindow(), nullptr);
-    EXPECT_TRUE(helpWindow()->isVisible());
-    EXPECT_EQ(shownPage(), QDir::cleanPath(TESSARY_SOURCE_DIR "/docs/tessary.html"));
-    EXPECT_EQ(helpWindow()->windowTitle(), "Tessary Help");
-    EXPECT_TRUE(helpWindow()->browser()->toPlainText().contains("Tessary user guide"));
-
-    // Asking again reuses the one help window.
-    window_.help();
-    EXPECT_EQ(window_.findChildren<QcbsHelpWindow*>().size(), 1);
-}
-
-TEST_F(MainWindowHelp, PagesTheErrorListAsksForOpenFromTheHelpDirectory) {
-    emit window_.errorList()->helpRequest("tessary/PortableHTML/tessary_portable-3-069.html");
-    ASSERT_NE(helpWindow(), nullptr);
-    EXPECT_EQ(shownPage(), QDir::cleanPath(TESSARY_SOURCE_DIR
-                                           "/docs/html/tessary/PortableHTML/tessary_portable-3-069.html"));
-    EXPECT_FALSE(helpWindow()->browser()->toPlainText().isEmpty());
-}
-
-TEST_F(MainWindowHelp, AMissingPageIsReportedAndOpensNoWindow) {
+TEST_F(MainWindowHelp, TheUserGuideAndThePagesTheErrorListAsksForOpenInOneHelpWindow) {
     window_.helpFile("tessary/PortableHTML/tessary_portable-3-999.html");
     EXPECT_EQ(helpWindow(), nullptr);
     EXPECT_EQ(statusMessage(window_),
               "Could not find the help page tessary/PortableHTML/tessary_portable-3-999.html");
-    window_.helpFile("/no/such/dir/page.html");
-    EXPECT_EQ(helpWindow(), nullptr);
+
+    windowAction(window_, A::Help)->trigger();
+    ASSERT_NE(helpWindow(), nullptr);
+    EXPECT_TRUE(helpWindow()->isVisible());
+    EXPECT_EQ(helpWindow()->windowTitle(), "Tessary Help");
+    EXPECT_EQ(shownPage(), QDir::cleanPath(TESSARY_SOURCE_DIR "/docs/tessary.html"));
+    EXPECT_TRUE(helpWindow()->browser()->toPlainText().contains("Tessary user guide"));
+
+    emit window_.errorList()->helpRequest("tessary/PortableHTML/tessary_portable-3-069.html");
+    EXPECT_EQ(shownPage(), QDir::cleanPath(TESSARY_SOURCE_DIR
+                                           "/docs/html/tessary/PortableHTML/tessary_portable-3-069.html"));
+    EXPECT_FALSE(helpWindow()->browser()->toPlainText().isEmpty());
+    EXPECT_EQ(window_.findChildren<QcbsHelpWindow*>().size(), 1);
 }
 
 TEST(MainWindowHelpMissing, WithoutDocumentationHelpListsWhereItLooked) {
@@ -87,18 +75,18 @@ TEST_F(MainWindowHelp, TheHomePageOpensInTheWebBrowser) {
         GTEST_SKIP() << "web pages go to a browser script";
     UrlRecorder recorder;
     const QString url = QString::fromStdString(TessaryURL());
-    const QString scheme = QUrl(url).scheme();
-    QDesktopServices::setUrlHandler(scheme, &recorder, "open");
+    QDesktopServices::setUrlHandler(QUrl(url).scheme(), &recorder, "open");
     windowAction(window_, A::HomePage)->trigger();
-    QDesktopServices::unsetUrlHandler(scheme);
+    QDesktopServices::unsetUrlHandler(QUrl(url).scheme());
     EXPECT_EQ(recorder.urls, QList<QUrl>{QUrl(url)});
     EXPECT_EQ(statusMessage(window_), "Opening " + url);
 }
 
-TEST_F(MainWindowHelp, TheAboutBoxNamesVersionDateAndCoreDictionary) {
+TEST_F(MainWindowHelp, TheAboutBoxNamesVersionDateAndCoreDictionaryAndClosesWithTheWindow) {
     windowAction(window_, A::About)->trigger();
+    window_.about();
+    ASSERT_EQ(window_.findChildren<QcbsAboutBox*>().size(), 1);
     auto* box = window_.findChild<QcbsAboutBox*>();
-    ASSERT_NE(box, nullptr);
     EXPECT_TRUE(box->isVisible());
     EXPECT_EQ(box->windowTitle(), "About Tessary");
     const QString text = box->findChild<QLabel*>("abouttext")->text();
@@ -106,14 +94,8 @@ TEST_F(MainWindowHelp, TheAboutBoxNamesVersionDateAndCoreDictionary) {
          {TessaryVersion(), TessaryDate(), coreCIFVersion(), coreCIFDate(), TessaryURL()})
         EXPECT_TRUE(text.contains(QString::fromStdString(part))) << part;
     EXPECT_FALSE(box->findChild<QLabel*>("aboutpicture")->pixmap().isNull());
-    window_.about();
-    EXPECT_EQ(window_.findChildren<QcbsAboutBox*>().size(), 1);
-}
 
-TEST_F(MainWindowHelp, ClosingTheWindowClosesItsHelpAndAboutWindows) {
     window_.help();
-    window_.about();
-    ASSERT_TRUE(helpWindow()->isVisible());
     window_.close();
     EXPECT_FALSE(helpWindow()->isVisible());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

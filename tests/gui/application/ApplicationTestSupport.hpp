@@ -1,0 +1,86 @@
+#pragma once
+
+// Helpers of the tests of the main window and its documents.
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSplitter>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QStringList>
+#include <QTest>
+#include <QTreeWidgetItem>
+
+#include "application/QcbsMainWindow.hpp"
+#include "application/QcbsMainWindowActions.hpp"
+#include "validation/QcbsErrorListView.hpp"
+#include "visualiser/QcbsVisSorter.hpp"
+
+// Shared data as the program in the build tree has it, so that the help
+// documentation of the source tree is found.
+inline THandle<QcbsMainWindowSharedData> buildTreeSharedData() {
+    return THandle<QcbsMainWindowSharedData>(
+        new QcbsMainWindowSharedData(QFileInfo(TESSARY_SOURCE_DIR "/build/bin/tessary")));
+}
+
+inline QAction* windowAction(const QcbsMainWindow& window, QcbsMainWindowActions::Id id) {
+    return window.windowActions()->action(id);
+}
+
+inline QString statusMessage(const QMainWindow& window) { return window.statusBar()->currentMessage(); }
+
+// The entries under one heading of the error list, each as "line: message".
+inline QStringList entriesUnder(const QcbsErrorListView* list, const QString& heading) {
+    QStringList entries;
+    for (int i = 0; i < list->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* top = list->topLevelItem(i);
+        if (top->text(0) != heading) continue;
+        for (int j = 0; j < top->childCount(); ++j)
+            entries << top->child(j)->text(0).mid(4).trimmed() + ": " + top->child(j)->text(1);
+    }
+    return entries;
+}
+
+// Types each line into the editor, ending it with the Return key.
+inline void typeLines(QWidget* editor, const QStringList& lines) {
+    for (const QString& line : lines) {
+        QTest::keyClicks(editor, line);
+        QTest::keyClick(editor, Qt::Key_Return);
+    }
+}
+
+template <class Condition>
+bool waitUntil(Condition condition, int milliseconds = 20000) {
+    const QDeadlineTimer deadline(milliseconds);
+    while (!condition()) {
+        if (deadline.hasExpired()) return false;
+        QTest::qWait(5);
+    }
+    return true;
+}
+
+inline QByteArray readBytes(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+// Writes the file, making its directory; gives its name.
+inline QString writeBytes(const QString& name, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(name).absolutePath());
+    QFile file(name);
+    if (file.open(QIODevice::WriteOnly)) file.write(bytes);
+    return name;
+}
+
+// The text on the pages of a PDF file, each page ended by a form feed, as
+// pdftotext (poppler-utils) reads it.
+inline bool havePdfToText() { return !QStandardPaths::findExecutable("pdftotext").isEmpty(); }
+inline QString pdfText(const QString& pdf) {
+    QProcess process;
+    process.start(QStandardPaths::findExecutable("pdftotext"), {"-layout", pdf, "-"});
+    process.waitForFinished(30000);
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
