@@ -22,13 +22,6 @@ inline void writeDictionary(const QString& path, const QString& name, const QStr
     file.write(text);
 }
 
-// A file that is not a dictionary: a block with data but no definition.
-inline void writeBrokenDictionary(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) return;
-    file.write("data_nothing_here\n    _some_item 'unterminated\n");
-}
-
 // Sets or clears an environment variable for the life of the object.
 class ScopedEnvironment {
 public:

@@ -4,7 +4,6 @@
 #include <QSignalSpy>
 #include <sstream>
 
-#include "DictionaryTestSupport.hpp"
 #include "GuiTestSupport.hpp"
 #include "application/ORMAApplicationSettings.hpp"
 #include "dictionaries/QcbsDictionaryCheckBox.hpp"
@@ -28,15 +27,9 @@ protected:
         all_->insert(core_);
         all_->insert(extra_);
     }
-
-    static void store(const QString& key, bool value) {
-        ORMAApplicationSettings settings;
-        settings.writeEntry(key, value);
-    }
-    QStringList storedKeys() const {
-        QSettings ini(prefs_.iniFile(), QSettings::IniFormat);
-        ini.beginGroup("dictionaries");
-        return ini.childKeys();
+    void store(const QString& key, bool value) { ORMAApplicationSettings().writeEntry(key, value); }
+    QVariant stored(const QString& key) const {
+        return QSettings(prefs_.iniFile(), QSettings::IniFormat).value(key);
     }
 
     ScopedPrefsDir prefs_;
@@ -46,9 +39,7 @@ protected:
     QcbsDictionarySettings settings_;
 };
 
-TEST_F(DictionarySettings, ADictionaryIsEnabledUnlessItsNameAndVersionWereSwitchedOff) {
-    EXPECT_EQ(settings_.objectName(), "DictionarySettings");
-    EXPECT_EQ(QcbsDictionarySettings::settingsKey(*core_), "dictionaries/cif_core.dic2.4");
+TEST_F(DictionarySettings, ADictionaryIsEnabledUnlessItsNameAndVersionWereSwitchedOffAndIsReadOncePerPool) {
     store("dictionaries/extra.dic1.0", false);
     store("dictionaries/cif_core.dic2.3", false);  // an older version stays off, this one is new
     const THandle<CifDictionaryPool> enabled = settings_.loadSettings(all_);
@@ -57,71 +48,52 @@ TEST_F(DictionarySettings, ADictionaryIsEnabledUnlessItsNameAndVersionWereSwitch
     EXPECT_TRUE(settings_.dictionaryEnabled(core_));
     EXPECT_FALSE(settings_.dictionaryEnabled(extra_));
     EXPECT_EQ(all_->size(), 2u);
-}
 
-TEST_F(DictionarySettings, TheSamePoolGivesTheSameEnabledPoolWithItsUnsavedSwitches) {
-    const THandle<CifDictionaryPool> first = settings_.loadSettings(all_);
-    settings_.setDictionaryEnabled(extra_, false);
-    store("dictionaries/cif_core.dic2.4", false);  // not read again
-    const THandle<CifDictionaryPool> second = settings_.loadSettings(all_);
-    EXPECT_TRUE(first == second);
+    // The same pool gives the same enabled pool, switches kept, settings unread.
+    settings_.setDictionaryEnabled(extra_, true);
+    store("dictionaries/cif_core.dic2.4", false);
+    EXPECT_TRUE(settings_.loadSettings(all_) == enabled);
     EXPECT_TRUE(settings_.dictionaryEnabled(core_));
-    EXPECT_FALSE(settings_.dictionaryEnabled(extra_));
-
+    EXPECT_TRUE(settings_.dictionaryEnabled(extra_));
     // A pool the loader filled later (it found nothing at first) is read anew.
     THandle<CifConcreteDictionary> late = dictionaryNamed("late.dic", "1");
     all_->insert(late);
-    const THandle<CifDictionaryPool> third = settings_.loadSettings(all_);
-    EXPECT_FALSE(third == first);
+    EXPECT_FALSE(settings_.loadSettings(all_) == enabled);
     EXPECT_TRUE(settings_.dictionaryEnabled(late));
     EXPECT_FALSE(settings_.dictionaryEnabled(core_));
 }
 
-TEST_F(DictionarySettings, NothingIsWrittenUntilADictionaryIsSwitched) {
-    settings_.loadSettings(all_);
-    settings_.saveSettings();
-    EXPECT_TRUE(storedKeys().isEmpty());
-    EXPECT_FALSE(settings_.changed());
-}
-
-TEST_F(DictionarySettings, SavedSwitchesHoldInTheNextRunAndOtherKeysStayAsTheyWere) {
+TEST_F(DictionarySettings, SwitchesAreSavedOnlyOnceMadeAndHoldInTheNextRun) {
     store("dictionaries/gone.dic9", false);
     settings_.loadSettings(all_);
-    settings_.setDictionaryEnabled(core_, false);
-    settings_.setDictionaryEnabled(core_, true);
-    settings_.setDictionaryEnabled(extra_, false);
     settings_.saveSettings();
-    EXPECT_TRUE(settings_.changed());
-    QSettings ini(prefs_.iniFile(), QSettings::IniFormat);
-    EXPECT_EQ(ini.value("dictionaries/cif_core.dic2.4").toBool(), true);
-    EXPECT_EQ(ini.value("dictionaries/extra.dic1.0").toBool(), false);
-    EXPECT_EQ(ini.value("dictionaries/gone.dic9").toBool(), false);
+    EXPECT_FALSE(settings_.changed());
+    EXPECT_FALSE(stored("dictionaries/cif_core.dic2.4").isValid());
 
-    QcbsDictionarySettings nextRun;
-    const THandle<CifDictionaryPool> enabled = nextRun.loadSettings(all_);
-    EXPECT_TRUE(nextRun.dictionaryEnabled(core_));
-    EXPECT_FALSE(nextRun.dictionaryEnabled(extra_));
-    EXPECT_EQ(enabled->size(), 1u);
-}
-
-TEST_F(DictionarySettings, ACheckBoxSwitchesItsDictionaryInTheEnabledPool) {
-    const THandle<CifDictionaryPool> enabled = settings_.loadSettings(all_);
+    // A check box switches its dictionary in the pool that checks use.
     QcbsDictionaryCheckBox box(nullptr, "cif_core.dic", core_);
-    EXPECT_EQ(box.objectName(), "cif_core.dic");
-    EXPECT_TRUE(box.text().isEmpty());
     QSignalSpy spy(&box, &QcbsDictionaryCheckBox::setDictionaryEnabled);
     QObject::connect(&box, &QcbsDictionaryCheckBox::setDictionaryEnabled, &settings_,
                      &QcbsDictionarySettings::setDictionaryEnabled);
     box.setChecked(true);
     box.setChecked(false);
-    ASSERT_EQ(spy.count(), 2);
-    EXPECT_TRUE(spy.at(0).at(0).value<HCifConcreteDictionary>() == core_);
+    box.setChecked(true);
+    ASSERT_EQ(spy.count(), 3);
+    EXPECT_TRUE(spy.at(1).at(0).value<HCifConcreteDictionary>() == core_);
     EXPECT_FALSE(spy.at(1).at(1).toBool());
-    EXPECT_FALSE(settings_.dictionaryEnabled(core_));
+    settings_.setDictionaryEnabled(extra_, false);
+    EXPECT_EQ(settings_.loadSettings(all_)->size(), 1u);
+    settings_.saveSettings();
     EXPECT_TRUE(settings_.changed());
-    // The pool that checks use is the same object, switched in place.
-    EXPECT_TRUE(settings_.loadSettings(all_) == enabled);
-    EXPECT_EQ(enabled->size(), 1u);
+    EXPECT_TRUE(stored("dictionaries/cif_core.dic2.4").toBool());
+    EXPECT_FALSE(stored("dictionaries/extra.dic1.0").toBool());
+    EXPECT_FALSE(stored("dictionaries/gone.dic9").toBool());
+    EXPECT_TRUE(stored("dictionaries/gone.dic9").isValid());
+
+    QcbsDictionarySettings nextRun;
+    EXPECT_EQ(nextRun.loadSettings(all_)->size(), 1u);
+    EXPECT_TRUE(nextRun.dictionaryEnabled(core_));
+    EXPECT_FALSE(nextRun.dictionaryEnabled(extra_));
 }
 
 }  // namespace
