@@ -166,11 +166,23 @@ THandle<Cif> documentWith(const std::vector<CifError>& messages, const std::stri
     for (const CifError& message : messages) cif->errors()->add(message);
     return cif;
 }
-CifError errorAt(int line) {
-    return CifError(CifError::unterminated_quoted_string, CifError::error, line, "'x");
-}
-CifError warningAt(int line, const std::string& name = "_made_up") {
-    return CifError(CifError::undefined_data_name, CifError::warning, line, name);
+
+// Findings written as "E10 W12 V14 R31 I4": an error, a warning about a
+// name, one about a validation reply, a remark, other information.
+THandle<Cif> documentWithFindings(const QString& findings) {
+    std::vector<CifError> messages;
+    for (const QString& finding : findings.split(' ', Qt::SkipEmptyParts)) {
+        const int line = finding.mid(1).toInt();
+        const char kind = finding.at(0).toLatin1();
+        if (kind == 'E')
+            messages.emplace_back(CifError::unterminated_quoted_string, CifError::error, line, "'x");
+        if (kind == 'W' || kind == 'V')
+            messages.emplace_back(CifError::undefined_data_name, CifError::warning, line,
+                                  kind == 'W' ? "_made_up" : "_vrf_PLAT001_x");
+        if (kind == 'R') messages.emplace_back(CifError::no_final_line_end, CifError::remark, line);
+        if (kind == 'I') messages.emplace_back(CifError::internal_error, CifError::information, line, "x");
+    }
+    return documentWith(messages);
 }
 
 class MainWindowParsing : public MainWindowCheck {
@@ -179,8 +191,7 @@ protected:
         QcbsMainWindow::max_consec_error = 4;
         start();
     }
-    // The entries of the list by heading and line: "E10 W12 R3", an
-    // omission note with a "~".
+    // The entries of the list in the same form, an omission note with a "~".
     QString listed() const {
         QStringList entries;
         for (const char* heading : {"Errors", "Warnings", "Remarks"})
@@ -192,41 +203,28 @@ protected:
 };
 
 TEST_F(MainWindowParsing, RunsOfErrorsAndWarningsAreCutAndEveryCheckEndsWithItsTotals) {
-    std::vector<CifError> errorRun, spread, warningRun, withReply;
-    for (int line = 10; line <= 15; ++line) errorRun.push_back(errorAt(line));
-    errorRun.push_back(warningAt(30));
-    errorRun.push_back(CifError(CifError::no_final_line_end, CifError::remark, 31));
-    // The repeated line leaves the run at 3; 20..23 after a gap start a new one.
-    for (int line : {10, 11, 11, 12, 13, 20, 21, 22, 23}) spread.push_back(errorAt(line));
-    for (int line : {10, 11, 12, 13, 14, 15, 20}) warningRun.push_back(warningAt(line));
-    // Had the validation reply on line 14 counted, line 15 would be the fifth of a run.
-    for (int line : {10, 11, 12, 13, 15}) withReply.push_back(warningAt(line));
-    withReply.insert(withReply.begin() + 4, warningAt(14, "_vrf_PLAT001_x"));
     const struct {
-        const char* what;
-        std::vector<CifError> messages;
+        const char* findings;
         const char* listed;
         const char* output;
     } cases[] = {
-        {"an error run stops the list at its fifth line; the totals count all", errorRun,
-         "E10 E11 E12 E13 E14",
+        // An error run stops the list at its fifth line; the totals count all.
+        {"E10 E11 E12 E13 E14 E15 W30 R31", "E10 E11 E12 E13 E14",
          "Check stopped at line 14: fix previous errors first.Total errors: 6; warnings: 1; remarks: 1\n"},
-        {"errors on one line or further apart", spread, "E10 E11 E11 E12 E13 E20 E21 E22 E23",
+        // A repeated line leaves the run as it is; a gap starts a new one.
+        {"E10 E11 E11 E12 E13 E20 E21 E22 E23", "E10 E11 E11 E12 E13 E20 E21 E22 E23",
          "Total errors: 9; warnings: 0; remarks: 0\n"},
-        {"a warning run is cut with one note", warningRun, "W10 W11 W12 W13 W14~ W20",
+        {"W10 W11 W12 W13 W14 W15 W20", "W10 W11 W12 W13 W14~ W20",
          "Total errors: 0; warnings: 7; remarks: 0\n"},
-        {"validation replies are dropped", withReply, "W10 W11 W12 W13 W15",
-         "Total errors: 0; warnings: 6; remarks: 0\n"},
-        {"no findings", {}, "", "No errors, warnings or remarks.\n"},
-        {"other kinds of message",
-         {CifError(CifError::internal_error, CifError::information, 4, "x")},
-         "",
-         "(misc error/info): \nTotal errors: 0; warnings: 0; remarks: 0\n"},
+        // Had the validation reply counted, line 15 would be the fifth of a run.
+        {"W10 W11 W12 W13 V14 W15", "W10 W11 W12 W13 W15", "Total errors: 0; warnings: 6; remarks: 0\n"},
+        {"", "", "No errors, warnings or remarks.\n"},
+        {"I4", "", "(misc error/info): \nTotal errors: 0; warnings: 0; remarks: 0\n"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(c.findings);
         const qsizetype before = pane().size();
-        window_->processErrors(documentWith(c.messages));
+        window_->processErrors(documentWithFindings(c.findings));
         EXPECT_EQ(listed(), c.listed);
         EXPECT_EQ(pane().mid(before), c.output);
     }

@@ -4,7 +4,6 @@
 
 #include <QSettings>
 #include <QTemporaryDir>
-#include <functional>
 #include <regex>
 
 #include "ApplicationTestSupport.hpp"
@@ -12,112 +11,89 @@
 
 namespace {
 
-using Fs = QcbsFontStyleSettings;
+struct Setting {
+    const char* key;
+    const char* byDefault;
+    const char* changed;
+};
 
-// The keys a log at level 3 shows for one method, in order.
-std::vector<std::string> keysInLog(const std::string& log, const std::string& method) {
-    std::vector<std::string> keys;
-    const std::regex line("QcbsMainWindow::" + method + " - ([^:]+):");
-    for (auto it = std::sregex_iterator(log.begin(), log.end(), line); it != std::sregex_iterator(); ++it)
-        keys.push_back((*it)[1]);
-    return keys;
+// In the order they are read and written.
+const Setting kSettings[] = {
+    {"text on buttons", "false", "true"},
+    {"window height", "650", "700"},
+    {"window width", "800", "1000"},
+    {"max consec error", "4", "7"},
+    {"reuse window", "false", "true"},
+    {"start with template", "false", "true"},
+    {"template filename", "", "/data/template, new.cif"},
+    {"check mandatory items", "false", "true"},
+    {"mandatory filename", "", "/data/mandatory.txt"},
+    {"line numbers", "false", "true"},
+    {"save backup file", "false", "true"},
+    {"line length limit", "80", "2048"},
+    {"consistency checks", "true", "false"},
+    {"contact name", "", "A. Author"},
+    {"contact address", "", "1 Road\nTown"},
+    {"contact phone", "", "+1 555"},
+    {"contact fax", "", "+1 556"},
+    {"contact email", "", "a@example.org"},
+};
+
+// Makes a window read the settings file and write it afresh; gives each
+// setting's value in what it wrote.
+QStringList readAndWrittenAgain(const ScopedPrefsDir& prefs, void (*check)(QcbsMainWindow&)) {
+    QcbsMainWindow window(buildTreeSharedData());
+    check(window);
+    window.sharedData()->setWriteLineLength(60);  // the reader's copy is written
+    QFile::remove(prefs.iniFile());
+    window.saveSettings();
+    const QSettings ini(prefs.iniFile(), QSettings::IniFormat);
+    QStringList values;
+    for (const Setting& setting : kSettings) values << ini.value(setting.key).toString();
+    return values;
 }
 
 TEST(MainWindowSettings, AMissingSettingsFileGivesTheDefaults) {
     ScopedPrefsDir prefs;
     // Values a previous window might have left behind.
     QcbsMainWindow::text_buttons = true;
-    QcbsMainWindow::max_consec_error = 99;
     QcbsMainWindow::template_file = "old.cif";
     QcbsMainWindow::contact_author.name = "someone";
-    QcbsMainWindow window(buildTreeSharedData());
-    EXPECT_FALSE(QcbsMainWindow::text_buttons);
-    EXPECT_EQ(window.size(), QSize(800, 650));
-    EXPECT_EQ(QcbsMainWindow::max_consec_error, 4);
-    EXPECT_FALSE(QcbsMainWindow::reuse_window);
-    EXPECT_FALSE(QcbsMainWindow::start_with_template);
-    EXPECT_TRUE(QcbsMainWindow::template_file.isEmpty() && !QcbsMainWindow::template_file.isNull());
-    EXPECT_FALSE(QcbsMainWindow::check_mandatory_items);
-    EXPECT_EQ(QcbsMainWindow::mandatory_items_file, "");
-    EXPECT_FALSE(window.sharedData()->lineNumbers());
-    EXPECT_FALSE(window.sharedData()->saveBackup());
-    EXPECT_EQ(window.sharedData()->parserLineLength(), 80);
-    EXPECT_EQ(window.sharedData()->writeLineLength(), 80);
-    EXPECT_TRUE(window.sharedData()->consistencyChecks());
-    EXPECT_EQ(QcbsMainWindow::contact_author, QcbsContactAuthor());
-    EXPECT_TRUE(QcbsMainWindow::contact_author.email.isNull());
+    const QStringList written = readAndWrittenAgain(prefs, [](QcbsMainWindow& window) {
+        EXPECT_EQ(window.size(), QSize(800, 650));
+        EXPECT_FALSE(QcbsMainWindow::template_file.isNull());
+        EXPECT_TRUE(QcbsMainWindow::contact_author.email.isNull());
+    });
+    for (std::size_t i = 0; i < std::size(kSettings); ++i)
+        EXPECT_EQ(written.value(i), kSettings[i].byDefault) << kSettings[i].key;
 }
 
-TEST(MainWindowSettings, EverySettingRoundTripsThroughTheIniFileUnderItsKey) {
+TEST(MainWindowSettings, EverySettingRoundTripsUnderItsKeyIntoItsOwnOption) {
     ScopedPrefsDir prefs;
-    const QcbsContactAuthor author{"A. Author", "1 Road\nTown", "+1 555", "+1 556", "a@example.org"};
     {
-        QcbsMainWindow window(buildTreeSharedData());
-        QcbsMainWindow::text_buttons = true;
-        QcbsMainWindow::max_consec_error = 7;
-        QcbsMainWindow::reuse_window = true;
-        QcbsMainWindow::start_with_template = true;
-        QcbsMainWindow::template_file = "/data/template, new.cif";
-        QcbsMainWindow::check_mandatory_items = true;
-        QcbsMainWindow::mandatory_items_file = "/data/mandatory.txt";
-        QcbsMainWindow::contact_author = author;
-        window.sharedData()->setLineNumbers(true);
-        window.sharedData()->setSaveBackup(true);
-        window.sharedData()->setConsistencyChecks(false);
-        // One limit feeds reader and printer; the reader's copy is saved.
-        window.sharedData()->setParserLineLength(2048);
-        window.sharedData()->setWriteLineLength(60);
-        window.sharedData()->fontStyles()->setStyleSettings(Fs::Comment, {true, true, true, QColor(1, 2, 3)});
-        window.resize(1000, 700);
-        window.saveSettings();
+        QSettings ini(prefs.iniFile(), QSettings::IniFormat);
+        for (const Setting& setting : kSettings) ini.setValue(setting.key, setting.changed);
     }
-    const std::pair<const char*, const char*> ini[] = {
-        {"text on buttons", "true"},
-        {"window height", "700"},
-        {"window width", "1000"},
-        {"max consec error", "7"},
-        {"reuse window", "true"},
-        {"start with template", "true"},
-        {"template filename", "/data/template, new.cif"},
-        {"check mandatory items", "true"},
-        {"mandatory filename", "/data/mandatory.txt"},
-        {"line numbers", "true"},
-        {"save backup file", "true"},
-        {"line length limit", "2048"},
-        {"consistency checks", "false"},
-        {"contact name", "A. Author"},
-        {"contact address", "1 Road\nTown"},
-        {"contact phone", "+1 555"},
-        {"contact fax", "+1 556"},
-        {"contact email", "a@example.org"},
-        {"styles/Comment/blue", "3"},
-    };
-    QSettings file(prefs.iniFile(), QSettings::IniFormat);
-    for (const auto& [key, value] : ini) EXPECT_EQ(file.value(key).toString(), value) << key;
-
-    QcbsMainWindow::contact_author = QcbsContactAuthor();
-    QcbsMainWindow::text_buttons = false;
-    QcbsMainWindow::template_file.clear();
-    QcbsMainWindow window(buildTreeSharedData());
-    EXPECT_EQ(window.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
-    EXPECT_EQ(window.size(), QSize(1000, 700));
-    EXPECT_EQ(QcbsMainWindow::max_consec_error, 7);
-    EXPECT_TRUE(QcbsMainWindow::reuse_window);
-    EXPECT_TRUE(QcbsMainWindow::start_with_template);
-    EXPECT_EQ(QcbsMainWindow::template_file, "/data/template, new.cif");
-    EXPECT_TRUE(QcbsMainWindow::check_mandatory_items);
-    EXPECT_EQ(QcbsMainWindow::mandatory_items_file, "/data/mandatory.txt");
-    EXPECT_EQ(QcbsMainWindow::contact_author, author);
-    EXPECT_TRUE(window.sharedData()->lineNumbers());
-    EXPECT_TRUE(window.sharedData()->saveBackup());
-    EXPECT_EQ(window.sharedData()->parserLineLength(), 2048);
-    EXPECT_EQ(window.sharedData()->writeLineLength(), 2048);
-    EXPECT_FALSE(window.sharedData()->consistencyChecks());
-    EXPECT_EQ(window.sharedData()->fontStyles()->styleSettings(Fs::Comment),
-              Fs::SyntaxStyleSettings(true, true, true, QColor(1, 2, 3)));
+    const QStringList written = readAndWrittenAgain(prefs, [](QcbsMainWindow& window) {
+        using W = QcbsMainWindow;
+        EXPECT_TRUE(W::text_buttons && W::reuse_window && W::start_with_template && W::check_mandatory_items);
+        EXPECT_EQ(window.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        EXPECT_EQ(window.size(), QSize(1000, 700));
+        EXPECT_EQ(W::max_consec_error, 7);
+        EXPECT_EQ(W::template_file, "/data/template, new.cif");
+        EXPECT_EQ(W::mandatory_items_file, "/data/mandatory.txt");
+        EXPECT_EQ(W::contact_author,
+                  (QcbsContactAuthor{"A. Author", "1 Road\nTown", "+1 555", "+1 556", "a@example.org"}));
+        const QcbsMainWindowSharedData& shared = *window.sharedData();
+        EXPECT_TRUE(shared.lineNumbers() && shared.saveBackup() && !shared.consistencyChecks());
+        EXPECT_EQ(shared.parserLineLength(), 2048);
+        EXPECT_EQ(shared.writeLineLength(), 2048);
+    });
+    for (std::size_t i = 0; i < std::size(kSettings); ++i)
+        EXPECT_EQ(written.value(i), kSettings[i].changed) << kSettings[i].key;
     // Leave the class-wide options as a fresh start would have them.
-    QcbsMainWindow::reuse_window = QcbsMainWindow::start_with_template = false;
-    QcbsMainWindow::check_mandatory_items = QcbsMainWindow::text_buttons = false;
+    QcbsMainWindow::text_buttons = QcbsMainWindow::reuse_window = false;
+    QcbsMainWindow::start_with_template = QcbsMainWindow::check_mandatory_items = false;
 }
 
 TEST(MainWindowSettings, KeysAreReadAndWrittenInTheirFixedOrder) {
@@ -125,18 +101,21 @@ TEST(MainWindowSettings, KeysAreReadAndWrittenInTheirFixedOrder) {
     QcbsMainWindow window(buildTreeSharedData());
     ScopedLogCapture log(3);
     window.loadSettings();
-    const std::vector<std::string> keys{"text on buttons",    "window height",         "window width",
-                                        "max consec error",   "reuse window",          "start with template",
-                                        "template filename",  "check mandatory items", "mandatory filename",
-                                        "line numbers",       "save backup file",      "line length limit",
-                                        "consistency checks", "contact name",          "contact address",
-                                        "contact phone",      "contact fax",           "contact email"};
-    std::vector<std::string> reads = keys;
-    // The line-length limit is read once for the reader and once for the printer.
-    reads.insert(reads.begin() + 12, "line length limit");
-    EXPECT_EQ(keysInLog(log.text(), "loadSettings"), reads);
     window.saveSettings();
-    EXPECT_EQ(keysInLog(log.text(), "saveSettings"), keys);
+    std::vector<std::string> keys;
+    for (const Setting& setting : kSettings) keys.push_back(setting.key);
+    // The line-length limit is read once for the reader and once for the printer.
+    std::vector<std::string> reads = keys;
+    reads.insert(reads.begin() + 12, "line length limit");
+    for (const auto& [method, expected] : {std::pair{"loadSettings", reads}, {"saveSettings", keys}}) {
+        const std::regex line(std::string("QcbsMainWindow::") + method + " - ([^:]+):");
+        const std::string text = log.text();
+        std::vector<std::string> found;
+        for (auto it = std::sregex_iterator(text.begin(), text.end(), line); it != std::sregex_iterator();
+             ++it)
+            found.push_back((*it)[1]);
+        EXPECT_EQ(found, expected) << method;
+    }
 }
 
 TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindowsAndOptionsReachEveryWindow) {
@@ -215,44 +194,22 @@ TEST_F(MandatoryItems, SectionsDecideWhichListsTheFirstWordOfEachItemJoins) {
     }
 }
 
-TEST_F(MandatoryItems, NoCheckNoFileOrAnUnreadableFileLeavesBothListsEmpty) {
-    const QString file = QcbsMainWindow::mandatory_items_file;
-    const std::function<void()> switches[] = {
-        [] { QcbsMainWindow::check_mandatory_items = false; },
-        [] { QcbsMainWindow::mandatory_items_file.clear(); },
-        [&] { QcbsMainWindow::mandatory_items_file = dir_.filePath("missing.txt"); },
-        [&] { QcbsMainWindow::mandatory_items_file = dir_.path(); },
-    };
-    for (const auto& change : switches) {
-        QcbsMainWindow::check_mandatory_items = true;
-        QcbsMainWindow::mandatory_items_file = file;
-        load("data_all\n_cell_volume\n");
-        ASSERT_EQ(crystal().size(), 1u);
-        change();
-        window_.loadMandatoryDataItemSettings();
-        EXPECT_TRUE(crystal().empty());
-        EXPECT_TRUE(publication().empty());
-    }
-    EXPECT_TRUE(pane().endsWith("Error loading mandatory data items, could not open file: " + dir_.path()));
-    EXPECT_TRUE(pane().contains("could not open file: " + dir_.filePath("missing.txt")));
-}
+TEST_F(MandatoryItems, NoCheckOrAnUnreadableFileLeavesBothListsEmpty) {
+    load("data_all\n_cell_volume\n");
+    QcbsMainWindow::check_mandatory_items = false;
+    window_.loadMandatoryDataItemSettings();
+    EXPECT_TRUE(crystal().empty() && publication().empty());
 
-TEST_F(MandatoryItems, ReadingIsTracedAtLevelsTwoAndThree) {
-    const char* contents = "# comment\ndata_crystal\n_cell_volume extra\nstray words\n";
-    const std::string prefix = "QcbsMainWindow::loadMandatoryDataItemSettings - ";
-    const std::string first =
-        "Debug(2): " + prefix + QcbsMainWindow::mandatory_items_file.toStdString() + "\n";
-    {
-        ScopedLogCapture log(2);
-        load(contents);
-        EXPECT_EQ(log.text(), first);
+    QcbsMainWindow::check_mandatory_items = true;
+    for (const QString& unreadable : {dir_.filePath("missing.txt"), dir_.path()}) {
+        load("data_all\n_cell_volume\n");
+        QcbsMainWindow::mandatory_items_file = unreadable;
+        window_.loadMandatoryDataItemSettings();
+        EXPECT_TRUE(crystal().empty() && publication().empty());
+        EXPECT_TRUE(
+            pane().endsWith("Error loading mandatory data items, could not open file: " + unreadable));
+        QcbsMainWindow::mandatory_items_file = dir_.filePath("mandatory.txt");
     }
-    ScopedLogCapture log(3);
-    load(contents);
-    EXPECT_EQ(log.text(), first + "Debug(3): " + prefix + "Skipping comment\nDebug(3): " + prefix +
-                              "Data block data_crystal\nDebug(3): " + prefix +
-                              "Data item _cell_volume\nDebug(3): " + prefix +
-                              "Unrecognised string stray words\n");
 }
 
 }  // namespace
