@@ -2,18 +2,28 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QPlainTextDocumentLayout>
+#include <QString>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
 #include <algorithm>
 #include <cctype>
+#include <functional>
 #include <initializer_list>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cif/CifDictionary.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
+#include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 
 // A dictionary that defines the names it is given, compared without regard
-// to case, and counts the questions it was asked.
+// to case, and records the questions it was asked.
 class SmallTestDictionary : public CifDictionary {
 public:
     SmallTestDictionary(std::initializer_list<std::string> names) {
@@ -51,11 +61,6 @@ std::string styleLetters(const Styles& styles) {
     return letters;
 }
 
-#include <QString>
-#include <QTextBlock>
-#include <QTextDocument>
-#include <QTextLayout>
-
 // The style letters of a block as its layout's formats show them; '.' where
 // no format applies, '?' for a format that is no style's.
 inline std::string blockLetters(const QTextBlock& block, const QcbsFontStyleSettings& settings) {
@@ -67,10 +72,8 @@ inline std::string blockLetters(const QTextBlock& block, const QcbsFontStyleSett
             const auto syntaxStyle = static_cast<QcbsFontStyleSettings::SyntaxStyle>(style);
             if (settings.textFormat(syntaxStyle) == range.format) letter = styleLetter(syntaxStyle);
         }
-        for (int i = range.start; i < range.start + range.length && i < static_cast<int>(letters.size());
-             ++i) {
-            letters[static_cast<std::size_t>(i)] = letter;
-        }
+        const int end = std::min(range.start + range.length, static_cast<int>(letters.size()));
+        for (int i = range.start; i < end; ++i) letters[static_cast<std::size_t>(i)] = letter;
     }
     return letters;
 }
@@ -85,15 +88,23 @@ inline std::string documentLetters(const QTextDocument& document, const QcbsFont
     std::string text;
     for (QTextBlock block = document.firstBlock(); block.isValid(); block = block.next()) {
         std::string letters = blockLetters(block, settings);
-        if (blanks == Blanks::Ignored) {
-            const QString line = block.text();
-            for (int i = 0; i < line.size() && i < static_cast<int>(letters.size()); ++i) {
-                if (line[i] == u' ' || line[i] == u'\t') letters[static_cast<std::size_t>(i)] = '_';
-            }
+        const QString line = block.text();
+        for (int i = 0; blanks == Blanks::Ignored && i < std::min<int>(line.size(), letters.size()); ++i) {
+            if (line[i] == u' ' || line[i] == u'\t') letters[static_cast<std::size_t>(i)] = '_';
         }
         text += letters + " " + std::to_string(block.userState()) + "\n";
     }
     return text;
+}
+
+// The same text highlighted at once, by a highlighter without a scheduler.
+inline std::string highlightedAtOnce(const QString& text, const THandle<QcbsFontStyleSettings>& settings,
+                                     const THandle<CifDictionary>& dictionary, Blanks blanks) {
+    QTextDocument reference;
+    reference.setDocumentLayout(new QPlainTextDocumentLayout(&reference));
+    QcbsSyntaxHighlighter_CIF plain(dictionary, settings, &reference);
+    reference.setPlainText(text);
+    return documentLetters(reference, *settings, blanks);
 }
 
 // A CIF text of `repeats` times twelve lines, with quoted strings and text
@@ -111,21 +122,24 @@ inline QString sampleCif(int repeats) {
 
 // Compares two documentLetters() texts and names the first line that differs.
 inline ::testing::AssertionResult sameHighlighting(const std::string& actual, const std::string& expected) {
-    if (actual == expected) return ::testing::AssertionSuccess();
-    std::size_t start = 0;
-    int line = 0;
-    while (true) {
-        const std::size_t endActual = actual.find('\n', start);
-        const std::size_t endExpected = expected.find('\n', start);
-        const std::string a =
-            actual.substr(start, endActual == std::string::npos ? std::string::npos : endActual - start);
-        const std::string e = expected.substr(
-            start, endExpected == std::string::npos ? std::string::npos : endExpected - start);
-        if (a != e || endActual == std::string::npos || endExpected == std::string::npos) {
+    std::istringstream a(actual), e(expected);
+    std::string lineA, lineE;
+    for (int line = 0;; ++line) {
+        const bool moreA = static_cast<bool>(std::getline(a, lineA));
+        const bool moreE = static_cast<bool>(std::getline(e, lineE));
+        if (!moreA && !moreE) return ::testing::AssertionSuccess();
+        if (moreA != moreE || lineA != lineE) {
             return ::testing::AssertionFailure()
-                   << "line " << line << ": got \"" << a << "\", expected \"" << e << "\"";
+                   << "line " << line << ": got \"" << lineA << "\", expected \"" << lineE << "\"";
         }
-        start = endActual + 1;
-        ++line;
     }
+}
+
+// Runs the event loop until `done` or the time runs out; returns done().
+inline bool runUntil(const std::function<bool()>& done, int timeoutMs = 60000) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!done() && clock.elapsed() < timeoutMs) QCoreApplication::processEvents();
+    QCoreApplication::processEvents();  // lets a last pass close
+    return done();
 }

@@ -9,6 +9,7 @@
 
 namespace {
 
+using LineEnd = QcbsCifLineClassifier::LineEnd;
 constexpr int Fresh = -1;
 constexpr int InQuote = QcbsCifLineClassifier::InQuotedStringState;
 constexpr int InField = QcbsCifLineClassifier::InTextFieldState;
@@ -16,213 +17,171 @@ constexpr int Sup = QcbsCifLineClassifier::SuperscriptFlag;
 constexpr int Sub = QcbsCifLineClassifier::SubscriptFlag;
 
 struct Line {
+    const char* text;  // UTF-8
     std::string styles;
-    int state;
+    int state = 0;  // handed to the next line
+    int incoming = Fresh;
+    LineEnd lineEnd = LineEnd::Separator;
 };
 
-// Classifies one line and returns the styles of its own characters.
-Line classify(QcbsCifLineClassifier& classifier, const QString& text, int incoming = Fresh) {
-    const int state = classifier.classify(text, incoming);
-    const auto& styles = classifier.styles();
-    std::string letters = styleLetters(styles);
+// Classifies the line; gives its own characters' styles and its end state.
+std::pair<std::string, int> classify(QcbsCifLineClassifier& classifier, const char* text, int incoming) {
+    const int state = classifier.classify(QString::fromUtf8(text), incoming);
+    std::string letters = styleLetters(classifier.styles());
     letters.resize(static_cast<std::size_t>(classifier.lineLength()));
     return {letters, state};
 }
 
-std::string styles(const QString& text, int incoming = Fresh, const CifDictionary* dictionary = nullptr) {
-    QcbsCifLineClassifier classifier(dictionary);
-    return classify(classifier, text, incoming).styles;
+void expectLine(QcbsCifLineClassifier& classifier, const Line& line) {
+    SCOPED_TRACE(line.text);
+    const auto [styles, state] = classify(classifier, line.text, line.incoming);
+    EXPECT_EQ(styles, line.styles);
+    EXPECT_EQ(state, line.state);
 }
 
-int endState(const QString& text, int incoming = Fresh) {
-    QcbsCifLineClassifier classifier;
-    return classifier.classify(text, incoming);
-}
-
-TEST(QcbsCifLineClassifier, BlockHeadersAndTheLoopKeywordAreExactLowerCaseWords) {
-    EXPECT_EQ(styles("data_x"), "TTTTTT");
-    EXPECT_EQ(styles("data_mine  # first"), "TTTTTTTTTSSCCCCCCC");
-    EXPECT_EQ(styles("data_"), "TTTTT");
-    EXPECT_EQ(styles("data x"), "SSSSSS");
-    EXPECT_EQ(styles("Data_x DATA_x"), "SSSSSSSSSSSSS");
-    EXPECT_EQ(styles("x data_b"), "SSTTTTTT");
-    // save_, global_ and stop_ have no style of their own.
-    EXPECT_EQ(styles("save_a global_ stop_"), std::string(20, 'S'));
-    // Only the exact word loop_ is a keyword.
-    EXPECT_EQ(styles("  loop_ _a"), "SSKKKKKSUU");
-    EXPECT_EQ(styles("LOOP_ Loop_ loop_x xloop_"), std::string(25, 'S'));
-}
-
-TEST(QcbsCifLineClassifier, WithoutALineEndSeparatorATokenAtTheEndStaysUnexamined) {
-    QcbsCifLineClassifier classifier(nullptr, QcbsCifLineClassifier::LineEnd::Nothing);
-    EXPECT_EQ(classify(classifier, "loop_").styles, "SSSSS");
-    EXPECT_EQ(classify(classifier, "data_x").styles, "SSSSSS");
-    EXPECT_EQ(classify(classifier, "loop_ data_x").styles, "KKKKKSSSSSSS");
-    EXPECT_EQ(classify(classifier, "_unknown").styles, "DDDDDDDD");
-    // A lone semicolon opens a field only for its own line.
-    EXPECT_EQ(classify(classifier, ";").state, 0);
-    EXPECT_EQ(classify(classifier, ";text").state, InField);
-}
-
-TEST(QcbsCifLineClassifier, DataNamesAreCustomUnlessTheDictionaryDefinesThem) {
-    SmallTestDictionary dictionary{"_cell_length_a"};
-    EXPECT_EQ(styles("_cell_length_a 5.0", Fresh, &dictionary), "DDDDDDDDDDDDDDSSSS");
-    EXPECT_EQ(styles("_CELL_LENGTH_A", Fresh, &dictionary), "DDDDDDDDDDDDDD");
-    EXPECT_EQ(styles("_cell_length_b 5.0", Fresh, &dictionary), "UUUUUUUUUUUUUUSSSS");
+TEST(QcbsCifLineClassifier, EachLineGetsAStylePerCharacterAndAnEndState) {
+    const SmallTestDictionary dictionary{"_cell_length_a"};
+        const Line lines[] = {
+        // Block headers and the keyword loop_ are exact lower-case words;
+        // save_, global_ and stop_ have no style of their own.
+        {"data_x", "TTTTTT"},
+        {"data_mine  # first", "TTTTTTTTTSSCCCCCCC"},
+        {"data_", "TTTTT"},
+        {"data x", "SSSSSS"},
+        {"Data_x DATA_x", std::string(13, 'S')},
+        {"x data_b", "SSTTTTTT"},
+        {"save_a global_ stop_", std::string(20, 'S')},
+        {"  loop_ _a", "SSKKKKKSUU"},
+        {"LOOP_ Loop_ loop_x xloop_", std::string(25, 'S')},
+        // Without a line-end separator a token at the end stays unexamined,
+        // and a lone semicolon opens a field only for its own line.
+        {"loop_", "SSSSS", 0, Fresh, LineEnd::Nothing},
+        {"loop_ data_x", "KKKKKSSSSSSS", 0, Fresh, LineEnd::Nothing},
+        {"_unknown", "DDDDDDDD", 0, Fresh, LineEnd::Nothing},
+        {";", "S", 0, Fresh, LineEnd::Nothing},
+        {";text", "SXXXX", InField, Fresh, LineEnd::Nothing},
+        // Data names: defined ones (case ignored, one trailing "." or ","
+        // left out of the look-up) and custom ones.
+        {"_cell_length_a 5.0", "DDDDDDDDDDDDDDSSSS"},
+        {"_CELL_LENGTH_A", "DDDDDDDDDDDDDD"},
+        {"_cell_length_b 5.0", "UUUUUUUUUUUUUUSSSS"},
+        {"_cell_length_a. 1", "DDDDDDDDDDDDDDDSS"},
+        {"_cell_length_a.. 1", "UUUUUUUUUUUUUUUUSS"},
+        // Only an underscore at the line start or after a blank starts a
+        // name; any separator ends it; in a quoted string it is plain text.
+        {"a_b _c", "SSSSUU"},
+        {"_abc=1", "UUUUSS"},
+        {"_a#b c", "UUUUSS"},
+        {"'_a b' c", "SSSSSSSS"},
+        // Comments start at a hash after a blank or at the line start;
+        // inside them only rejected characters and markup show.
+        {"# note", "CCCCCC"},
+        {"  #x", "SSCC"},
+        {"a #b c", "SSCCCC"},
+        {"a#b c", "SSSSS"},
+        {"# \\a 'x _y data_z", std::string(17, 'C')},
+        {"#\x7f", "CI"},
+        {"# x^2^", "CCCMPM"},
+        {"# 'open", "CCCCCCC"},
+        // Quotes open strings only where they stand apart; either quote
+        // closes a string the other opened.
+        {"'it' x", "SSSSSS"},
+        {"f(x)'(y) a'b", std::string(12, 'S')},
+        {"x' _a b", "SSSUUSS"},
+        {"x 'y z", "SSSSSS", InQuote},
+        {"\"a' b", "SSSSS"},
+        // Semicolons at the line start (after blanks) open and close text
+        // fields; anywhere else they separate.
+        {";", "S", InField},
+        {" ;first line", "SSXXXXXXXXXX", InField, 0},
+        {"data_x loop_ # _a 'b", std::string(20, 'X'), InField, InField},
+        {"  ; still text", "XXSSSSSSSSSSSS", 0, InField},
+        {"; _a", "SSUU", 0, InField},
+        {"a;b _c", "SSSSUU", 0, 0},
+        // Backslash codes, in quoted strings and text fields too, not in
+        // comments; one closing a data name is marked with its separator.
+        {"\\a b", "NYSS"},
+        {"x\\1", "SNN"},
+        {"\\%A \\'e \\;s \\(x", "NNNSNNNSNNNSNNN"},
+        {"\\\\a", "SSS"},
+        {"\\#e", "NNS"},
+        {"'\\b'", "SNYS"},
+        {"text \\b", "XXXXXNY", InField, InField},
+        {"#\\b", "CCC"},
+        {"_a\\ b", "UUNNS"},
+        // Characters the CIF library rejects are invalid everywhere; ending
+        // a data name re-styles all of it, rejected characters included.
+        {"caf\u00e9 ok", "SSSISSS"},
+        {"a\u03b1b", "SIS"},
+        {"a\x7f\tb", "SISS"},
+        {"text\x01", "XXXXI", InField, InField},
+        {"_n\u00e9 x", "UUUSS"},
+        // ^ and ~ mark super- and subscripts, whatever quotes and comments
+        // say; outside a text field an open markup ends with the line.
+        {"x^2^ y", "SMPMSS"},
+        {"^a~b~c", "MPMPMS"},
+        {"a\\^b^", "SNNNM"},
+        {"'a^b' #c^d", "SSMPPPPPMC"},
+        {"a^b", "SMP"},
+        {"'a^b", "SSMP", InQuote},
+        // Unknown incoming states start afresh; flags come in with any state.
+        {"'abc", "SSSS", InQuote, -2},
+        {"_a b", "UUSS", 0, 0x7f0000},
+        {"ab", "PP", 0, Sub},
+    };
+    for (const Line& line : lines) {
+        QcbsCifLineClassifier classifier(&dictionary, line.lineEnd);
+        expectLine(classifier, line);
+    }
     // With no dictionary every data name is custom.
-    EXPECT_EQ(styles("_cell_length_a 5.0"), "UUUUUUUUUUUUUUSSSS");
+    QcbsCifLineClassifier withoutDictionary;
+    expectLine(withoutDictionary, {"_cell_length_a 5.0", "UUUUUUUUUUUUUUSSSS"});
+    // The look-up leaves out one trailing "." or ",", no more.
+    const SmallTestDictionary counting{"_x"};
+    QcbsCifLineClassifier asking(&counting);
+    for (const char* text : {"_cell_length_a. 1", "_cell_length_a, 1", "_cell_length_a.. 1"})
+        classify(asking, text, Fresh);
+    EXPECT_EQ(counting.asked(),
+              (std::vector<std::string>{"_cell_length_a", "_cell_length_a", "_cell_length_a."}));
 }
 
-TEST(QcbsCifLineClassifier, OneTrailingFullStopOrCommaIsLeftOutOfTheLookUp) {
-    SmallTestDictionary dictionary{"_cell_length_a"};
-    EXPECT_EQ(styles("_cell_length_a. 1", Fresh, &dictionary), "DDDDDDDDDDDDDDDSS");
-    EXPECT_EQ(styles("_cell_length_a, 1", Fresh, &dictionary), "DDDDDDDDDDDDDDDSS");
-    EXPECT_EQ(styles("_cell_length_a.. 1", Fresh, &dictionary), "UUUUUUUUUUUUUUUUSS");
-    const std::vector<std::string> asked{"_cell_length_a", "_cell_length_a", "_cell_length_a."};
-    EXPECT_EQ(dictionary.asked(), asked);
+TEST(QcbsCifLineClassifier, StatesAndLeftOverStylesCarryFromLineToLine) {
+    const SmallTestDictionary dictionary{"_publ_section_title"};
+    struct Lines {
+        int incoming;
+        std::vector<Line> lines;
+    };
+    const Lines sequences[] = {
+        // An unterminated quoted string continues on the next line.
+        {Fresh,
+         {{"_title 'abc", "UUUUUUSSSSS", InQuote},
+          {"#no comment _x", std::string(14, 'S'), InQuote},
+          {"de' _x y", "SSSSUUSS", 0}}},
+        // A text field holds everything up to the line starting with ";".
+        {Fresh,
+         {{"_publ_section_title", std::string(19, 'D'), 0},
+          {";", "S", InField},
+          {"data_x loop_ # _a 'b", std::string(20, 'X'), InField},
+          {"  ; still text", "XXSSSSSSSSSSSS", 0}}},
+        // Open markup is carried inside a text field and closed with it.
+        {InField, {{"a^b", "XMP", InField | Sup}, {"cd~e", "PPMP", InField | Sub}, {";x", "SS", 0}}},
+        // The separator after a data name keeps the style the line before
+        // left at its place.
+        {Fresh,
+         {{"#####", "CCCCC", 0}, {"_a b", "UUCS", 0}, {"\x01\x01\x01", "III", 0}, {"_a\tb", "UUIS", 0}}},
+    };
+    for (const Lines& sequence : sequences) {
+        QcbsCifLineClassifier classifier(&dictionary);
+        int state = sequence.incoming;
+        for (Line line : sequence.lines) {
+            line.incoming = state;
+            expectLine(classifier, line);
+            state = line.state;
+        }
+    }
 }
 
-TEST(QcbsCifLineClassifier, WhereDataNamesStartAndEnd) {
-    // Only an underscore at the start of the line or after a blank starts one.
-    EXPECT_EQ(styles("a_b _c"), "SSSSUU");
-    // The equals sign ends a data name; so does any other separator.
-    EXPECT_EQ(styles("_abc=1"), "UUUUSS");
-    EXPECT_EQ(styles("_a#b c"), "UUUUSS");
-    // Inside a quoted string an underscore is ordinary text.
-    EXPECT_EQ(styles("'_a b' c"), "SSSSSSSS");
-}
-
-TEST(QcbsCifLineClassifier, TheSeparatorAfterADataNameKeepsTheStyleLeftByThePreviousLine) {
-    QcbsCifLineClassifier classifier;
-    classify(classifier, "#####");
-    EXPECT_EQ(classify(classifier, "_a b").styles, "UUCS");
-    classify(classifier, "\x01\x01\x01");
-    EXPECT_EQ(classify(classifier, "_a\tb").styles, "UUIS");
-}
-
-TEST(QcbsCifLineClassifier, CommentsStartAtAHashAfterABlankOrAtTheLineStart) {
-    EXPECT_EQ(styles("# note"), "CCCCCC");
-    EXPECT_EQ(styles("  #x"), "SSCC");
-    EXPECT_EQ(styles("a #b c"), "SSCCCC");
-    EXPECT_EQ(styles("a#b c"), "SSSSS");
-    // Nothing is special inside a comment except rejected characters and markup.
-    EXPECT_EQ(styles("# \\a 'x _y data_z"), std::string(17, 'C'));
-    EXPECT_EQ(styles("#\x7f"), "CI");
-    EXPECT_EQ(styles("# x^2^"), "CCCMPM");
-    EXPECT_EQ(endState("# 'open"), 0);
-}
-
-TEST(QcbsCifLineClassifier, QuotesOpenStringsOnlyWhereTheyStandApart) {
-    // Quoted strings are shown as standard text.
-    EXPECT_EQ(styles("'it' x"), "SSSSSS");
-    EXPECT_EQ(endState("'it'"), 0);
-    // A quote inside a word belongs to the word.
-    EXPECT_EQ(endState("it's"), 0);
-    EXPECT_EQ(endState("f(x)'(y) a'b"), 0);
-    // A quote right after a word never opens a string.
-    EXPECT_EQ(styles("x' _a b"), "SSSUUSS");
-    EXPECT_EQ(endState("x' y"), 0);
-    EXPECT_EQ(endState("x 'y z"), InQuote);
-    // Either quote closes a string opened by the other.
-    EXPECT_EQ(endState("\"a' b"), 0);
-}
-
-TEST(QcbsCifLineClassifier, AnUnterminatedQuotedStringContinuesOnTheNextLine) {
-    QcbsCifLineClassifier classifier;
-    const Line first = classify(classifier, "_title 'abc");
-    EXPECT_EQ(first.state, InQuote);
-    const Line second = classify(classifier, "#no comment _x", first.state);
-    EXPECT_EQ(second.styles, std::string(14, 'S'));
-    EXPECT_EQ(second.state, InQuote);
-    const Line third = classify(classifier, "de' _x y", second.state);
-    EXPECT_EQ(third.styles, "SSSSUUSS");
-    EXPECT_EQ(third.state, 0);
-}
-
-TEST(QcbsCifLineClassifier, SemicolonsAtTheLineStartOpenAndCloseTextFields) {
-    QcbsCifLineClassifier classifier;
-    SmallTestDictionary dictionary{"_publ_section_title"};
-    classifier.setDictionary(&dictionary);
-    const Line name = classify(classifier, "_publ_section_title");
-    EXPECT_EQ(name.styles, std::string(19, 'D'));
-    const Line open = classify(classifier, ";", name.state);
-    EXPECT_EQ(open.styles, "S");
-    ASSERT_EQ(open.state, InField);
-    const Line inside = classify(classifier, "data_x loop_ # _a 'b", open.state);
-    EXPECT_EQ(inside.styles, std::string(20, 'X'));
-    EXPECT_EQ(inside.state, InField);
-    const Line indented = classify(classifier, "  ; still text", inside.state);
-    EXPECT_EQ(indented.styles, "XXSSSSSSSSSSSS");
-    EXPECT_EQ(indented.state, 0);
-    const Line opened = classify(classifier, " ;first line", 0);
-    EXPECT_EQ(opened.styles, "SSXXXXXXXXXX");
-    EXPECT_EQ(opened.state, InField);
-    const Line closed = classify(classifier, "; _a", opened.state);
-    EXPECT_EQ(closed.styles, "SSUU");
-    EXPECT_EQ(closed.state, 0);
-    // Anywhere else a semicolon separates.
-    EXPECT_EQ(classify(classifier, "a;b _c", 0).styles, "SSSSUU");
-    EXPECT_EQ(classify(classifier, "a;b", 0).state, 0);
-}
-
-TEST(QcbsCifLineClassifier, BackslashCodesMarkSpecialCharacters) {
-    EXPECT_EQ(styles("\\a b"), "NYSS");
-    EXPECT_EQ(styles("x\\1"), "SNN");
-    EXPECT_EQ(styles("\\%A \\'e \\;s \\(x"), "NNNSNNNSNNNSNNN");
-    EXPECT_EQ(styles("\\\\a"), "SSS");
-    EXPECT_EQ(styles("\\#e"), "NNS");
-    // Codes are marked in quoted strings and text fields, not in comments.
-    EXPECT_EQ(styles("'\\b'"), "SNYS");
-    EXPECT_EQ(styles("text \\b", InField), "XXXXXNY");
-    EXPECT_EQ(styles("#\\b"), "CCC");
-    // A backslash closing a data name is marked with its separator.
-    EXPECT_EQ(styles("_a\\ b"), "UUNNS");
-}
-
-TEST(QcbsCifLineClassifier, CharactersTheCifLibraryRejectsAreInvalidEverywhere) {
-    EXPECT_EQ(styles(QString::fromUtf8("caf\u00e9 ok")), "SSSISSS");
-    EXPECT_EQ(styles(QString::fromUtf8("a\u03b1b")), "SIS");
-    EXPECT_EQ(styles("a\x7f\tb"), "SISS");
-    EXPECT_EQ(styles("text\x01", InField), "XXXXI");
-    // Ending a data name re-styles all of it, rejected characters included.
-    EXPECT_EQ(styles(QString::fromUtf8("_n\u00e9 x")), "UUUSS");
-}
-
-TEST(QcbsCifLineClassifier, CircumflexAndTildeMarkSuperAndSubscripts) {
-    EXPECT_EQ(styles("x^2^ y"), "SMPMSS");
-    EXPECT_EQ(styles("x~2~ y"), "SMPMSS");
-    EXPECT_EQ(styles("^a~b~c"), "MPMPMS");
-    EXPECT_EQ(styles("a\\^b^"), "SNNNM");
-    // Markup ignores quotes and comments on the line.
-    EXPECT_EQ(styles("'a^b' #c^d"), "SSMPPPPPMC");
-}
-
-TEST(QcbsCifLineClassifier, AnOpenMarkupIsCarriedOnlyInsideATextField) {
-    QcbsCifLineClassifier classifier;
-    const Line opened = classify(classifier, "a^b", InField);
-    EXPECT_EQ(opened.styles, "XMP");
-    ASSERT_EQ(opened.state, InField | Sup);
-    const Line carried = classify(classifier, "cd~e", opened.state);
-    EXPECT_EQ(carried.styles, "PPMP");
-    ASSERT_EQ(carried.state, InField | Sub);
-    // The semicolon that closes the field also closes the markup.
-    const Line closed = classify(classifier, ";x", carried.state);
-    EXPECT_EQ(closed.styles, "SS");
-    EXPECT_EQ(closed.state, 0);
-    // Outside a text field an open markup ends with the line.
-    EXPECT_EQ(endState("a^b"), 0);
-    EXPECT_EQ(endState("'a^b"), InQuote);
-}
-
-TEST(QcbsCifLineClassifier, UnknownIncomingStatesStartAfresh) {
-    EXPECT_EQ(endState("'abc", -2), InQuote);
-    EXPECT_EQ(styles("x y", -2), "SSS");
-    EXPECT_EQ(styles("_a b", 0x7f0000), "UUSS");
-    // Flags come in with whatever state they accompany.
-    EXPECT_EQ(styles("ab", Sub), "PP");
-}
-
-// The runs of equal style a classifier reports, as "count letter" pairs.
+// The runs of equal style a classifier reports, as "start+count letter".
 std::string runs(const QcbsCifLineClassifier& classifier) {
     std::string text;
     classifier.forEachRun([&text](int start, int count, QcbsFontStyleSettings::SyntaxStyle style) {

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QSettings>
 #include <sstream>
-#include <vector>
 
 #include "GuiTestSupport.hpp"
 #include "application/ORMAApplicationSettings.hpp"
@@ -14,16 +13,14 @@ namespace {
 using Fs = QcbsFontStyleSettings;
 using Settings = QcbsFontStyleSettings::SyntaxStyleSettings;
 
-struct ExpectedStyle {
-    Fs::SyntaxStyle style;
-    const char* text;
-    QColor color;
-    bool bold;
-    bool underline;
-};
-
-const std::vector<ExpectedStyle>& expectedStyles() {
-    static const std::vector<ExpectedStyle> styles{
+TEST(FontStyleSettings, NewSettingsHoldTheDefaultStylesUnderTheirTexts) {
+    struct Expected {
+        Fs::SyntaxStyle style;
+        const char* text;
+        QColor color;
+        bool bold, underline;
+    };
+    const Expected expected[] = {
         {Fs::Standard, "Standard", QColor(0, 0, 0), false, false},
         {Fs::Comment, "Comment", QColor(0, 128, 0), false, false},
         {Fs::String, "String", QColor(0, 85, 0), true, false},
@@ -37,86 +34,48 @@ const std::vector<ExpectedStyle>& expectedStyles() {
         {Fs::SMarker, "SMarker", QColor(192, 192, 192), true, false},
         {Fs::InvalidCharacter, "InvalidCharacter", QColor(128, 0, 128), true, true},
     };
-    return styles;
-}
-
-TEST(FontStyleSettings, NewSettingsHoldTheDefaultStylesUnderTheirTexts) {
     const Fs fonts;
     std::vector<Fs::SyntaxStyle> members;
     Fs::syntaxStyleMapping().all_members(members);
-    ASSERT_EQ(members.size(), expectedStyles().size());
+    ASSERT_EQ(members.size(), std::size(expected));
     for (std::size_t i = 0; i < members.size(); ++i) {
-        const ExpectedStyle& expected = expectedStyles()[i];
-        SCOPED_TRACE(expected.text);
-        EXPECT_EQ(members[i], expected.style);
-        EXPECT_EQ(Fs::syntaxStyleMapping().text(expected.style), expected.text);
-        const Settings style = fonts.styleSettings(expected.style);
-        EXPECT_EQ(style.color, expected.color);
-        EXPECT_EQ(style.bold, expected.bold);
-        EXPECT_FALSE(style.italic);
-        EXPECT_EQ(style.underline, expected.underline);
+        SCOPED_TRACE(expected[i].text);
+        EXPECT_EQ(members[i], expected[i].style);
+        EXPECT_EQ(Fs::styleText(expected[i].style), expected[i].text);
+        EXPECT_EQ(fonts.styleSettings(expected[i].style),
+                  Settings(expected[i].bold, false, expected[i].underline, expected[i].color));
     }
-    EXPECT_TRUE(Fs::validSyntaxStyle(11));
     EXPECT_FALSE(Fs::validSyntaxStyle(12));
     EXPECT_FALSE(Fs::validSyntaxStyle(-1));
-}
-
-TEST(FontStyleSettings, AskingForAStyleWithoutATextIsReportedAsAnInternalError) {
     ScopedLogCapture log;
-    EXPECT_TRUE(Fs::syntaxStyleMapping().text(Fs::SyntaxStyle(12)).isNull());
+    EXPECT_TRUE(Fs::styleText(Fs::SyntaxStyle(12)).isNull());
     EXPECT_NE(log.text().find("Internal Error: member 12 not in EnumTextMapping"), std::string::npos);
-    EXPECT_FALSE(Fs::syntaxStyleMapping().contains(Fs::SyntaxStyle(12)));
+
+    std::ostringstream out;
+    Settings(true, false, true, QColor(0, 85, 0)).print(out);
+    EXPECT_EQ(out.str(), "bold: 1 italic: 0 underline: 1 color: #005500");
 }
 
-TEST(FontStyleSettings, TheBaseFontStartsAsTheApplicationFontWithCourierForFixedWidth) {
+TEST(FontStyleSettings, TheBaseFontGivesFamilyAndSizeAndTheStylesTheRest) {
     const QFont application = QApplication::font();
-    const Fs fixed(Fs::FixedWidth);
-    EXPECT_EQ(fixed.baseFont().family(), "Courier");
-    EXPECT_EQ(fixed.baseFont().pointSize(), application.pointSize());
-    const Fs variable(Fs::VariableWidth);
-    EXPECT_EQ(variable.baseFont().family(), application.family());
-}
+    EXPECT_EQ(Fs(Fs::FixedWidth).baseFont().family(), "Courier");
+    EXPECT_EQ(Fs(Fs::FixedWidth).baseFont().pointSize(), application.pointSize());
+    EXPECT_EQ(Fs(Fs::VariableWidth).baseFont().family(), application.family());
 
-TEST(FontStyleSettings, TheSymbolStyleFollowsTheNormalSpecialCharacterStyle) {
     Fs fonts;
-    const Settings before = fonts.styleSettings(Fs::SpecialCharSymbol);
-    fonts.setStyleSettings(Fs::SpecialCharSymbol, Settings(false, true, true, QColor(1, 2, 3)));
-    EXPECT_EQ(fonts.styleSettings(Fs::SpecialCharSymbol), before);
-
-    const Settings normal(false, true, false, QColor(10, 20, 30));
-    fonts.setStyleSettings(Fs::SpecialCharNormal, normal);
-    EXPECT_EQ(fonts.styleSettings(Fs::SpecialCharNormal), normal);
-    EXPECT_EQ(fonts.styleSettings(Fs::SpecialCharSymbol), normal);
-    // Other styles are untouched.
-    EXPECT_EQ(fonts.styleSettings(Fs::Superscript), Fs::defaultStyleSettings(Fs::Superscript));
-}
-
-TEST(FontStyleSettings, BoldnessAndSlantComeFromTheStylesNotFromTheBaseFont) {
-    Fs fonts;
-    QFont chosen("Courier", 12);
+    QFont chosen("DejaVu Sans Mono", 9);
     chosen.setBold(true);
     chosen.setItalic(true);
     chosen.setUnderline(true);
     fonts.setBaseFont(chosen);
-    EXPECT_EQ(fonts.baseFont().family(), "Courier");
-    EXPECT_EQ(fonts.baseFont().pointSize(), 12);
-    EXPECT_FALSE(fonts.baseFont().bold());
-    EXPECT_FALSE(fonts.baseFont().italic());
-    EXPECT_FALSE(fonts.baseFont().underline());
-
-    const QFont editor = fonts.editorFont();
-    EXPECT_EQ(editor.weight(), QFont::Normal);
-    EXPECT_FALSE(editor.italic());
-    EXPECT_EQ(editor.pointSize(), 12);
-
+    EXPECT_EQ(fonts.baseFont(), QFont("DejaVu Sans Mono", 9));
+    EXPECT_EQ(fonts.editorFont().weight(), QFont::Normal);
+    EXPECT_FALSE(fonts.editorFont().italic());
     fonts.setStyleSettings(Fs::Standard, Settings(true, true, false, Qt::black));
     EXPECT_EQ(fonts.editorFont().weight(), QFont::Bold);
     EXPECT_TRUE(fonts.editorFont().italic());
-}
+    EXPECT_EQ(fonts.editorFont().pointSize(), 9);
 
-TEST(FontStyleSettings, HighlightStylesCarryWeightSlantUnderlineColourAndTheSymbolFamily) {
-    Fs fonts;
-    fonts.setBaseFont(QFont("DejaVu Sans Mono", 9));
     const auto [invalidFont, invalidColor] = fonts.highlightStyle(Fs::InvalidCharacter);
     EXPECT_EQ(invalidFont.weight(), QFont::Bold);
     EXPECT_TRUE(invalidFont.underline());
@@ -124,15 +83,24 @@ TEST(FontStyleSettings, HighlightStylesCarryWeightSlantUnderlineColourAndTheSymb
     EXPECT_EQ(invalidFont.family(), "DejaVu Sans Mono");
     EXPECT_EQ(invalidFont.pointSize(), 9);
     EXPECT_EQ(invalidColor, QColor(Qt::darkMagenta));
-
     EXPECT_EQ(fonts.highlightStyle(Fs::SpecialCharSymbol).first.family(), "Symbol");
     EXPECT_EQ(fonts.highlightStyle(Fs::SpecialCharNormal).first.family(), "DejaVu Sans Mono");
     EXPECT_EQ(fonts.highlightStyle(Fs::Comment).first.weight(), QFont::Normal);
-
     const QTextCharFormat format = fonts.textFormat(Fs::Keyword);
     EXPECT_EQ(format.foreground().color(), QColor(Qt::magenta));
     EXPECT_EQ(format.font().weight(), QFont::Bold);
     EXPECT_EQ(format.font().pointSize(), 9);
+}
+
+TEST(FontStyleSettings, TheSymbolStyleFollowsTheNormalSpecialCharacterStyle) {
+    Fs fonts;
+    const Settings before = fonts.styleSettings(Fs::SpecialCharSymbol);
+    fonts.setStyleSettings(Fs::SpecialCharSymbol, Settings(false, true, true, QColor(1, 2, 3)));
+    EXPECT_EQ(fonts.styleSettings(Fs::SpecialCharSymbol), before);
+    const Settings normal(false, true, false, QColor(10, 20, 30));
+    fonts.setStyleSettings(Fs::SpecialCharNormal, normal);
+    EXPECT_EQ(fonts.styleSettings(Fs::SpecialCharSymbol), normal);
+    EXPECT_EQ(fonts.styleSettings(Fs::Superscript), Fs::defaultStyleSettings(Fs::Superscript));
 }
 
 TEST(FontStyleSettings, StylesAndBaseFontRoundTripThroughTheIniFile) {
@@ -142,20 +110,20 @@ TEST(FontStyleSettings, StylesAndBaseFontRoundTripThroughTheIniFile) {
     saved.setStyleSettings(Fs::SpecialCharNormal, Settings(false, false, true, QColor(200, 100, 0)));
     saved.setBaseFont(QFont("DejaVu Serif", 15));
     saved.saveSettings();
-
     {
         // The keys as other versions of the program read them.
-        QSettings ini(prefs.iniFile(), QSettings::IniFormat);
-        EXPECT_EQ(ini.value("styles/Comment/red").toInt(), 1);
-        EXPECT_EQ(ini.value("styles/Comment/green").toInt(), 2);
-        EXPECT_EQ(ini.value("styles/Comment/blue").toInt(), 3);
-        EXPECT_EQ(ini.value("styles/Comment/underline").toString(), "true");
-        EXPECT_EQ(ini.value("styles/SpecialCharSymbol/red").toInt(), 200);
-        EXPECT_EQ(ini.value("styles/InvalidCharacter/bold").toString(), "true");
-        EXPECT_EQ(ini.value("styles/Standard/family").toString(), "DejaVu Serif");
-        EXPECT_EQ(ini.value("styles/Standard/size").toInt(), 15);
+        const QSettings ini(prefs.iniFile(), QSettings::IniFormat);
+        const std::pair<const char*, QString> keys[] = {{"styles/Comment/red", "1"},
+                                                        {"styles/Comment/green", "2"},
+                                                        {"styles/Comment/blue", "3"},
+                                                        {"styles/Comment/underline", "true"},
+                                                        {"styles/Comment/italic", "true"},
+                                                        {"styles/SpecialCharSymbol/red", "200"},
+                                                        {"styles/InvalidCharacter/bold", "true"},
+                                                        {"styles/Standard/family", "DejaVu Serif"},
+                                                        {"styles/Standard/size", "15"}};
+        for (const auto& [key, value] : keys) EXPECT_EQ(ini.value(key).toString(), value) << key;
     }
-
     Fs loaded(Fs::VariableWidth);
     loaded.loadSettings();
     for (int style = 0; Fs::validSyntaxStyle(style); ++style) {
@@ -186,14 +154,7 @@ TEST(FontStyleSettings, IncompleteOrInvalidEntriesLeaveThatStyleAtItsDefault) {
     EXPECT_EQ(fonts.styleSettings(Fs::Type), Fs::defaultStyleSettings(Fs::Type));
     EXPECT_EQ(fonts.styleSettings(Fs::Keyword), Settings(false, true, false, QColor(7, 8, 9)));
     EXPECT_EQ(fonts.styleSettings(Fs::SpecialCharSymbol), Fs::defaultStyleSettings(Fs::SpecialCharNormal));
-    EXPECT_EQ(fonts.baseFont().family(), before.family());
-    EXPECT_EQ(fonts.baseFont().pointSize(), before.pointSize());
-}
-
-TEST(FontStyleSettings, PrintWritesEveryFieldForDiagnostics) {
-    std::ostringstream out;
-    Settings(true, false, true, QColor(0, 85, 0)).print(out);
-    EXPECT_EQ(out.str(), "bold: 1 italic: 0 underline: 1 color: #005500");
+    EXPECT_EQ(fonts.baseFont(), before);
 }
 
 }  // namespace

@@ -1,12 +1,8 @@
 // The CIF editor's highlighting and loading of whole documents.
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
+#include <QScrollBar>
 #include <QSignalSpy>
-#include <QTextBlock>
-#include <QTextLayout>
-#include <functional>
 
 #include "HighlightTestSupport.hpp"
 #include "editor/QcbsHighlightScheduler.hpp"
@@ -17,66 +13,39 @@
 
 namespace {
 
-bool runUntil(const std::function<bool()>& done, int timeoutMs = 60000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done() && clock.elapsed() < timeoutMs) QCoreApplication::processEvents();
-    return done();
-}
+class EditorHighlighting : public ::testing::Test {
+protected:
+    bool settle() {
+        return runUntil([this] { return !edit.isLoading() && edit.highlighter()->scheduler()->isIdle(); });
+    }
+    std::string line(int number, int length) const {
+        return blockLetters(edit.document()->findBlockByNumber(number), *styles).substr(0, length);
+    }
 
-bool settled(const QcbsRichTextEdit& edit) {
-    return !edit.isLoading() && edit.highlighter()->scheduler()->isIdle();
-}
+    THandle<QcbsFontStyleSettings> styles{new QcbsFontStyleSettings()};
+    QcbsRichTextEdit edit{THandle<CifDictionary>(new SmallTestDictionary({"_cell_length_a"})), styles};
+};
 
-const char* const kSmall = "data_x\n_cell_length_a 5.1 \n_custom_thing 3 \n# note\n";
-
-TEST(QcbsRichTextEditHighlighting, CifEditorColoursItsTextAndAPlainEditorDoesNot) {
-    auto styles = THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings());
-    THandle<CifDictionary> dictionary(new SmallTestDictionary({"_cell_length_a"}));
-    QcbsRichTextEdit edit(dictionary, styles);
-    ASSERT_NE(edit.highlighter(), nullptr);
-    ASSERT_NE(edit.highlighter()->scheduler(), nullptr);
-    edit.loadText(kSmall);
-    ASSERT_TRUE(runUntil([&] { return settled(edit); }));
-    const QTextDocument& document = *edit.document();
-    EXPECT_EQ(blockLetters(document.findBlockByNumber(1), *styles).substr(0, 14), "DDDDDDDDDDDDDD");
-    EXPECT_EQ(blockLetters(document.findBlockByNumber(2), *styles).substr(0, 13), "UUUUUUUUUUUUU");
-    EXPECT_EQ(blockLetters(document.findBlockByNumber(3), *styles), "CCCCCC");
-
-    QcbsRichTextEdit plain;
-    EXPECT_EQ(plain.highlighter(), nullptr);
-}
-
-TEST(QcbsRichTextEditHighlighting, NewDictionaryRecoloursDataNames) {
-    auto styles = THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings());
-    QcbsRichTextEdit edit(THandle<CifDictionary>(), styles);
-    edit.loadText(kSmall);
-    ASSERT_TRUE(runUntil([&] { return settled(edit); }));
-    EXPECT_EQ(blockLetters(edit.document()->findBlockByNumber(2), *styles).substr(0, 13), "UUUUUUUUUUUUU");
-
-    edit.setDictionary(THandle<CifDictionary>(new SmallTestDictionary({"_custom_thing"})));
-    ASSERT_TRUE(runUntil([&] { return settled(edit); }));
-    EXPECT_EQ(blockLetters(edit.document()->findBlockByNumber(2), *styles).substr(0, 13), "DDDDDDDDDDDDD");
-    EXPECT_EQ(blockLetters(edit.document()->findBlockByNumber(1), *styles).substr(0, 14), "UUUUUUUUUUUUUU");
-}
-
-TEST(QcbsRichTextEditHighlighting, StyleUpdateRecoloursWithoutTouchingTextOrHistory) {
-    auto styles = THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings());
-    QcbsRichTextEdit edit(THandle<CifDictionary>(), styles);
-    edit.loadText(kSmall);
-    ASSERT_TRUE(runUntil([&] { return settled(edit); }));
+TEST_F(EditorHighlighting, NewDictionariesAndStylesRecolourWithoutTouchingTextOrHistory) {
+    edit.loadText("data_x\n_cell_length_a 5.1 \n_custom_thing 3 \n# note\n");
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(line(1, 14), "DDDDDDDDDDDDDD");
+    EXPECT_EQ(line(2, 13), "UUUUUUUUUUUUU");
+    EXPECT_EQ(line(3, 6), "CCCCCC");
     edit.setCursorPosition(0, 6);
     edit.insertPlainText("y");
     edit.reopenErrorHighlighting();
-    ASSERT_TRUE(runUntil([&] { return settled(edit); }));
 
+    edit.setDictionary(THandle<CifDictionary>(new SmallTestDictionary({"_custom_thing"})));
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(line(1, 14), "UUUUUUUUUUUUUU");
+    EXPECT_EQ(line(2, 13), "DDDDDDDDDDDDD");
     QcbsFontStyleSettings::SyntaxStyleSettings comment =
         styles->styleSettings(QcbsFontStyleSettings::Comment);
     comment.color = QColor(200, 0, 0);
     styles->setStyleSettings(QcbsFontStyleSettings::Comment, comment);
     edit.styleUpdate();
-    ASSERT_TRUE(runUntil([&] { return settled(edit); }));
-
+    ASSERT_TRUE(settle());
     const QTextBlock note = edit.document()->findBlockByNumber(3);
     ASSERT_FALSE(note.layout()->formats().isEmpty());
     EXPECT_EQ(note.layout()->formats().first().format.foreground().color(), QColor(200, 0, 0));
@@ -84,42 +53,53 @@ TEST(QcbsRichTextEditHighlighting, StyleUpdateRecoloursWithoutTouchingTextOrHist
     EXPECT_TRUE(edit.isModified());
     EXPECT_TRUE(edit.document()->isUndoAvailable());
     EXPECT_TRUE(edit.errorHighlightingAllowed());  // re-colouring is no edit
+
+    QcbsRichTextEdit plain;
+    EXPECT_EQ(plain.highlighter(), nullptr);
 }
 
-TEST(QcbsRichTextEditHighlighting, BigTextArrivesInSlicesWithTheMarginFollowing) {
+TEST(QcbsRichTextEditHighlighting, BigTextArrivesInSlicesHighlightedAsIfSetAtOnceWithTheMarginFollowing) {
     auto styles = THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings());
     QcbsLineNumberedTextEdit widget(THandle<CifDictionary>(), "editor", styles, true);
     widget.resize(500, 300);
     widget.show();
     QcbsRichTextEdit& edit = *widget.editor();
+    QcbsLineNumberView& margin = *widget.lineNumberView();
     QSignalSpy loaded(&edit, &QcbsRichTextEdit::textLoaded);
     const QString text = sampleCif(5000);  // 60000 lines
 
     edit.loadText(text);
     EXPECT_TRUE(edit.isLoading());
     EXPECT_TRUE(edit.isReadOnly());
+    EXPECT_GT(edit.paragraphs(), 100);  // the first screen at once, the rest to come
     EXPECT_LT(edit.paragraphs(), 60001);
     EXPECT_EQ(loaded.count(), 0);
     // The margin is as wide as the whole text needs from the first slice on,
     // so the editor's width does not change while the text comes in.
-    EXPECT_EQ(widget.lineNumberView()->numberOfLines(), 60001);
-    const int marginWidth = widget.lineNumberView()->width();
+    EXPECT_EQ(margin.numberOfLines(), 60001);
+    const int marginWidth = margin.width();
 
-    ASSERT_TRUE(runUntil([&] { return settled(edit); }));
+    ASSERT_TRUE(runUntil([&] { return !edit.isLoading() && edit.highlighter()->scheduler()->isIdle(); }));
     EXPECT_EQ(loaded.count(), 1);
     EXPECT_EQ(edit.toPlainText(), text);
     EXPECT_FALSE(edit.isReadOnly());
     EXPECT_FALSE(edit.isModified());
-    EXPECT_EQ(widget.lineNumberView()->numberOfLines(), 60001);
-    EXPECT_EQ(widget.lineNumberView()->width(), widget.lineNumberView()->widthFor(60001));
-    EXPECT_EQ(widget.lineNumberView()->width(), marginWidth);
+    EXPECT_FALSE(edit.document()->isUndoAvailable());
+    // As after setPlainText, the cursor and the view are at the start.
+    EXPECT_EQ(edit.textCursor().position(), 0);
+    EXPECT_EQ(edit.verticalScrollBar()->value(), 0);
+    EXPECT_TRUE(sameHighlighting(documentLetters(*edit.document(), *styles, Blanks::Ignored),
+                                 highlightedAtOnce(text, styles, THandle<CifDictionary>(), Blanks::Ignored)));
+    EXPECT_EQ(margin.numberOfLines(), 60001);
+    EXPECT_EQ(margin.width(), margin.widthFor(60001));
+    EXPECT_EQ(margin.width(), marginWidth);
 
     // The owner's check after loading opens error highlighting again.
     EXPECT_FALSE(edit.errorHighlightingAllowed());
     edit.reopenErrorHighlighting();
     edit.setErrorHighlighting(59990, 1, true);
     EXPECT_EQ(edit.errorSelectionParagraph(1), 59989);
-    EXPECT_GT(widget.lineNumberView()->contentsY(), 59000);
+    EXPECT_GT(margin.contentsY(), 59000);
 }
 
 }  // namespace

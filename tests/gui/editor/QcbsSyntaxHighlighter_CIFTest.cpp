@@ -1,12 +1,13 @@
-// The highlighter on a text document: formats per run, states per line,
-// re-highlighting after edits, styles and dictionaries.
+// The highlighter on a document: formats per run and states per line, edits
+// followed only as far as they change states, and big documents highlighted
+// in slices (visible lines first) to the same result as all at once, without
+// counting as edits.
 #include <gtest/gtest.h>
 
 #include <QPlainTextEdit>
-#include <QTextBlock>
+#include <QScrollBar>
+#include <QSignalSpy>
 #include <QTextCursor>
-#include <QTextDocument>
-#include <memory>
 
 #include "GuiTestSupport.hpp"
 #include "HighlightTestSupport.hpp"
@@ -15,67 +16,63 @@
 
 namespace {
 
-class HighlighterTest : public ::testing::Test {
+constexpr int InQuote = QcbsCifLineClassifier::InQuotedStringState;
+constexpr int InField = QcbsCifLineClassifier::InTextFieldState;
+constexpr int kRepeats = 2000;  // 24,000 lines: far more than one slice of a millisecond
+
+// A document as an editor holds it (with a layout, without which Qt does
+// not report edits to the highlighter), highlighted with a scheduler that
+// has no view: lines are done strictly from the top.
+class Highlighting : public ::testing::Test {
 protected:
-    THandle<QcbsFontStyleSettings> settings{new QcbsFontStyleSettings()};
-    QTextDocument document;
-
-    // Documents shown in an editor have a layout; without one Qt does not
-    // report edits to the highlighter.
-    HighlighterTest() { document.setDocumentLayout(new QPlainTextDocumentLayout(&document)); }
-
-    std::unique_ptr<QcbsSyntaxHighlighter_CIF> attach(
-        THandle<CifDictionary> dictionary = THandle<CifDictionary>()) {
-        return std::make_unique<QcbsSyntaxHighlighter_CIF>(dictionary, settings, &document);
+    // A big text, highlighted a millisecond at a time.
+    void setBigText() {
+        scheduler->setSliceBudget(1);
+        document.setPlainText(sampleCif(kRepeats));
+    }
+    bool runUntilIdle() {
+        return runUntil([this] { return scheduler->isIdle(); });
     }
     std::string line(int number) const { return blockLetters(document.findBlockByNumber(number), *settings); }
     int state(int number) const { return document.findBlockByNumber(number).userState(); }
-    void replaceLine(int number, const QString& text) {
-        QTextCursor cursor(document.findBlockByNumber(number));
-        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        cursor.insertText(text);
+    void insert(int line, const QString& text) {
+        QTextCursor(document.findBlockByNumber(line)).insertText(text);
     }
+    ::testing::AssertionResult sameAsAtOnce(Blanks blanks = Blanks::Compared) const {
+        return sameHighlighting(documentLetters(document, *settings, blanks),
+                                highlightedAtOnce(document.toPlainText(), settings, dictionary, blanks));
+    }
+    static QTextDocument* withLayout(QTextDocument& document) {
+        document.setDocumentLayout(new QPlainTextDocumentLayout(&document));
+        return &document;
+    }
+
+    THandle<CifDictionary> dictionary{new SmallTestDictionary{"_cell_length_a", "_atom_site_label"}};
+    THandle<QcbsFontStyleSettings> settings{new QcbsFontStyleSettings()};
+    QTextDocument document;
+    QcbsSyntaxHighlighter_CIF* highlighter =
+        new QcbsSyntaxHighlighter_CIF(dictionary, settings, withLayout(document));
+    QcbsHighlightScheduler* scheduler = new QcbsHighlightScheduler(highlighter, nullptr);
 };
 
-TEST_F(HighlighterTest, EachLineIsFormattedAndHandsItsStateToTheNext) {
-    auto highlighter = attach();
-    document.setPlainText("data_x\n_title 'open\nstill' _y\nloop_\n;\ntext ^up\nmore\n;\n");
-    EXPECT_EQ(line(0), "TTTTTT");
-    EXPECT_EQ(line(1), "UUUUUUSSSSSS");
-    EXPECT_EQ(state(1), QcbsCifLineClassifier::InQuotedStringState);
-    EXPECT_EQ(line(2), "SSSSSSSUU");
-    EXPECT_EQ(line(3), "KKKKK");
-    EXPECT_EQ(state(4), QcbsCifLineClassifier::InTextFieldState);
-    EXPECT_EQ(line(5), "XXXXXMPP");
-    EXPECT_EQ(state(5), QcbsCifLineClassifier::InTextFieldState | QcbsCifLineClassifier::SuperscriptFlag);
-    EXPECT_EQ(line(6), "PPPP");
-    EXPECT_EQ(line(7), "S");
-    EXPECT_EQ(state(7), 0);
-    EXPECT_EQ(line(8), "");
-}
-
-TEST_F(HighlighterTest, DefinedDataNamesDifferFromCustomOnesAndTheDictionaryCanChange) {
-    THandle<SmallTestDictionary> dictionary(new SmallTestDictionary{"_cell_length_a"});
-    auto highlighter = attach(dictionary);
-    document.setPlainText("_cell_length_a 1\n_cell_length_x 2");
-    EXPECT_EQ(line(0), "DDDDDDDDDDDDDDSS");
-    EXPECT_EQ(line(1), "UUUUUUUUUUUUUUSS");
-
-    highlighter->setDictionary(THandle<CifDictionary>());
-    highlighter->rehighlightInSlices();  // no scheduler: at once
-    EXPECT_EQ(line(0), "UUUUUUUUUUUUUUSS");
-}
-
-TEST_F(HighlighterTest, AnEditThatChangesALinesEndStateRehighlightsTheLinesBelow) {
-    auto highlighter = attach();
-    document.setPlainText("_a\nx 1\ny 2\nz 3");
-    replaceLine(0, ";");
-    EXPECT_EQ(line(1), "XXX");
-    EXPECT_EQ(line(3), "XXX");
-    EXPECT_EQ(state(3), QcbsCifLineClassifier::InTextFieldState);
-    replaceLine(2, ";");
-    EXPECT_EQ(line(2), "S");
-    EXPECT_EQ(line(3), "SSS");
+TEST_F(Highlighting, EachLineIsFormattedAndHandsItsStateToTheNext) {
+    document.setPlainText("_cell_length_a 1\ndata_x\n_title 'open\nstill' _y\nloop_\n;\ntext ^up\nmore\n;\n");
+    const std::pair<std::string, int> expected[] = {
+        {"DDDDDDDDDDDDDDSS", 0},
+        {"TTTTTT", 0},
+        {"UUUUUUSSSSSS", InQuote},
+        {"SSSSSSSUU", 0},
+        {"KKKKK", 0},
+        {"S", InField},
+        {"XXXXXMPP", InField | QcbsCifLineClassifier::SuperscriptFlag},
+        {"PPPP", InField | QcbsCifLineClassifier::SuperscriptFlag},
+        {"S", 0},
+        {"", 0}};
+    ASSERT_EQ(document.blockCount(), static_cast<int>(std::size(expected)));
+    for (int i = 0; i < document.blockCount(); ++i) {
+        EXPECT_EQ(line(i), expected[i].first) << i;
+        EXPECT_EQ(state(i), expected[i].second) << i;
+    }
 }
 
 // Every formatted non-empty line logs a run that starts at 0.
@@ -86,23 +83,31 @@ int formattedLines(const std::string& log) {
     return lines;
 }
 
-TEST_F(HighlighterTest, AnEditThatKeepsALinesEndStateStopsAtThatLine) {
-    auto highlighter = attach();
+TEST_F(Highlighting, AnEditRehighlightsTheLinesBelowOnlyWhileItsEndStateChanges) {
     document.setPlainText("a 1\nb 2\nc 3\nd 4");
     {
         ScopedLogCapture log(3);
-        QTextCursor(document.findBlockByNumber(1)).insertText("_e ");
+        insert(1, "_e ");
         EXPECT_EQ(formattedLines(log.text()), 1) << log.text();
     }
-    EXPECT_EQ(line(1).substr(0, 2), "UU");
-    ScopedLogCapture log(3);
-    QTextCursor(document.findBlockByNumber(1)).insertText("'");
-    EXPECT_EQ(formattedLines(log.text()), 3) << log.text();
-    EXPECT_EQ(state(3), QcbsCifLineClassifier::InQuotedStringState);
+    EXPECT_EQ(line(1), "UUSSSS");
+    {
+        ScopedLogCapture log(3);
+        insert(1, "'");
+        EXPECT_EQ(formattedLines(log.text()), 3) << log.text();
+    }
+    EXPECT_EQ(state(3), InQuote);
+    // A text field opened and closed again further down.
+    insert(0, ";\n");
+    EXPECT_EQ(line(2), std::string(7, 'X'));
+    EXPECT_EQ(state(4), InField);
+    insert(3, ";\n");
+    EXPECT_EQ(line(3), "S");
+    EXPECT_EQ(line(4), "SSS");
+    EXPECT_EQ(state(4), 0);
 }
 
-TEST_F(HighlighterTest, EveryRunIsLoggedAtLevelThreeOnly) {
-    auto highlighter = attach();
+TEST_F(Highlighting, EveryRunIsLoggedAtLevelThreeOnly) {
     {
         ScopedLogCapture log(3);
         document.setPlainText("loop_ x");
@@ -118,34 +123,102 @@ TEST_F(HighlighterTest, EveryRunIsLoggedAtLevelThreeOnly) {
     EXPECT_EQ(quiet.text(), "");
 }
 
-TEST_F(HighlighterTest, NewStylesShowAfterUpdateAndRehighlight) {
-    auto highlighter = attach();
-    document.setPlainText("# note\nx");
-    QcbsFontStyleSettings::SyntaxStyleSettings comment =
-        settings->styleSettings(QcbsFontStyleSettings::Comment);
-    comment.color = QColor(1, 2, 3);
-    settings->setStyleSettings(QcbsFontStyleSettings::Comment, comment);
-    highlighter->updateStyles();
-    highlighter->rehighlightInSlices();
-    const auto formats = document.firstBlock().layout()->formats();
-    ASSERT_EQ(formats.size(), 1);
-    EXPECT_EQ(formats.front().format.foreground().color(), QColor(1, 2, 3));
-    EXPECT_EQ(highlighter->format(QcbsFontStyleSettings::Comment).second, QColor(1, 2, 3));
-    EXPECT_TRUE(QcbsSyntaxHighlighter_CIF::isKeyword("loop_"));
-    EXPECT_FALSE(QcbsSyntaxHighlighter_CIF::isKeyword("LOOP_"));
+TEST_F(Highlighting, ABigTextIsHighlightedInSlicesToTheSameResultWithoutCountingAsAnEdit) {
+    QSignalSpy finished(scheduler, &QcbsHighlightScheduler::finished);
+    setBigText();
+    // The pass of setPlainText stopped early and left the rest for later.
+    EXPECT_FALSE(scheduler->isIdle());
+    EXPECT_EQ(scheduler->dirtyRanges(), 1);
+    EXPECT_EQ(document.lastBlock().previous().userState(), -1);
+
+    document.setModified(false);
+    QSignalSpy contentsChanged(&document, &QTextDocument::contentsChanged);
+    QSignalSpy contentsChange(&document, &QTextDocument::contentsChange);
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(finished.count(), 1);
+    EXPECT_TRUE(sameAsAtOnce());
+    EXPECT_EQ(contentsChanged.count(), 0);
+    EXPECT_EQ(contentsChange.count(), 0);
+    EXPECT_FALSE(document.isModified());
+    EXPECT_FALSE(document.isUndoAvailable());
 }
 
-TEST(QcbsSyntaxHighlighter_CIF, AnEditorsHighlighterComesWithAScheduler) {
+TEST_F(Highlighting, AnEditToABigTextIsFollowedInSlicesOnlyWhileItChangesStates) {
+    setBigText();
+    ASSERT_TRUE(runUntilIdle());
+    // The line's end state stays: nothing is left for later.
+    insert(5, "loop_ ");
+    EXPECT_TRUE(scheduler->isIdle());
+    EXPECT_EQ(line(5).substr(0, 6), "KKKKKS");
+
+    // A text field opened at the top changes every state below it.
+    const std::string farBefore = line(20000);
+    insert(1, ";\n");
+    EXPECT_FALSE(scheduler->isIdle());
+    EXPECT_EQ(line(20001), farBefore);
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(sameAsAtOnce());
+}
+
+TEST_F(Highlighting, RehighlightingEverythingRestylesLinesWhoseStateStaysTheSame) {
+    setBigText();
+    ASSERT_TRUE(runUntilIdle());
+    QcbsFontStyleSettings::SyntaxStyleSettings standard =
+        settings->styleSettings(QcbsFontStyleSettings::Standard);
+    standard.color = QColor(10, 20, 30);
+    settings->setStyleSettings(QcbsFontStyleSettings::Standard, standard);
+    highlighter->updateStyles();
+    highlighter->rehighlightInSlices();
+    EXPECT_FALSE(scheduler->isIdle());
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(sameAsAtOnce());
+    const QTextBlock lastLoopRow = document.findBlockByNumber(kRepeats * 12 - 6);  // "1999 'x y'"
+    EXPECT_EQ(lastLoopRow.layout()->formats().front().format.foreground().color(), QColor(10, 20, 30));
+}
+
+TEST_F(Highlighting, EditsBetweenSlicesAreFollowedAndTheResultStaysExact) {
+    setBigText();
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+        QTextCursor cursor(document.findBlockByNumber(3000 * round + 7));
+        cursor.insertText(round == 1 ? "'" : ";\n");
+        cursor.setPosition(document.findBlockByNumber(100 + round).position());
+        cursor.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor, 40);
+        cursor.removeSelectedText();
+    }
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(sameAsAtOnce(Blanks::Ignored));
+}
+
+TEST(QcbsHighlightScheduler, TheVisibleLinesAreHighlightedBeforeTheLinesAboveThem) {
     THandle<QcbsFontStyleSettings> settings(new QcbsFontStyleSettings());
     QPlainTextEdit editor;
+    editor.resize(600, 400);
+    editor.show();
     auto* highlighter = new QcbsSyntaxHighlighter_CIF(THandle<CifDictionary>(), settings, &editor);
-    ASSERT_NE(highlighter->scheduler(), nullptr);
-    EXPECT_EQ(highlighter->document(), editor.document());
-    editor.setPlainText("loop_\n_x");
-    EXPECT_EQ(blockLetters(editor.document()->firstBlock(), *settings), "KKKKK");
-    delete highlighter;  // takes its scheduler along; the editor goes on without colours
-    editor.setPlainText("loop_");
-    EXPECT_EQ(blockLetters(editor.document()->firstBlock(), *settings), ".....");
+    QcbsHighlightScheduler* scheduler = highlighter->scheduler();  // made for the editor's view
+    ASSERT_NE(scheduler, nullptr);
+    scheduler->setSliceBudget(1);
+    editor.setPlainText(sampleCif(kRepeats));
+    ASSERT_FALSE(scheduler->isIdle());
+    const QTextBlock target = editor.document()->findBlockByNumber(18000);  // "data_block1500"
+    editor.verticalScrollBar()->setValue(target.blockNumber());
+    const QTextBlock shown = editor.cursorForPosition(QPoint(0, 0)).block();
+    ASSERT_GT(shown.blockNumber(), 17000);
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+
+    EXPECT_NE(blockLetters(shown, *settings).find_first_not_of('.'), std::string::npos);
+    EXPECT_EQ(editor.document()->findBlockByNumber(12000).userState(), -1);  // not reached yet
+    ASSERT_TRUE(runUntil([scheduler] { return scheduler->isIdle(); }));
+    EXPECT_EQ(blockLetters(target, *settings), "TTTTTTTTTTTTTT");
+}
+
+TEST_F(Highlighting, ADeletedHighlighterTakesItsSchedulerAlong) {
+    document.setPlainText("loop_\n_x");
+    EXPECT_EQ(line(0), "KKKKK");
+    delete highlighter;
+    document.setPlainText("loop_");
+    EXPECT_EQ(line(0), ".....");
 }
 
 }  // namespace
