@@ -30,16 +30,8 @@ public:
     DialogAnswerer& chooseFile(const QString& name) { return files_ << name, *this; }
 
     QList<Box> boxes;
-    QStringList fileDialogs;   // object names
-    QStringList proposals;     // the file each file dialog proposed
-    QStringList otherDialogs;  // object names
+    QStringList proposals;  // the file each file dialog proposed
     std::function<void(QDialog*)> otherHandler;
-
-    QStringList texts() const {
-        QStringList list;
-        for (const Box& box : boxes) list << box.text;
-        return list;
-    }
 
 private:
     void answer() {
@@ -65,7 +57,6 @@ private:
             boxes << record;
             if (target != nullptr) target->click();
         } else if (auto* dialog = qobject_cast<QFileDialog*>(modal)) {
-            fileDialogs << dialog->objectName();
             proposals << dialog->selectedFiles().value(0);
             const QString name = files_.isEmpty() ? QString() : files_.takeFirst();
             if (name.isEmpty()) return dialog->reject();
@@ -74,7 +65,6 @@ private:
             if (auto* edit = dialog->findChild<QLineEdit*>("fileNameEdit")) edit->setText(name);
             static_cast<QDialog*>(dialog)->accept();  // QFileDialog's own accept() is protected
         } else if (auto* other = qobject_cast<QDialog*>(modal)) {
-            otherDialogs << other->objectName();
             otherHandler ? otherHandler(other) : other->reject();
         }
     }

@@ -1,7 +1,9 @@
-// Reading a file's text and writing it back: encodings, lines, and saving
-// that keeps the old content.
+// A document's file: its text read and written back, saving that keeps the
+// old content, and printing.
 #include <gtest/gtest.h>
 
+#include <QFontDatabase>
+#include <QPrinter>
 #include <QTemporaryDir>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -9,6 +11,7 @@
 #include "ApplicationTestSupport.hpp"
 #include "application/QcbsDocumentEncoding.hpp"
 #include "application/QcbsDocumentLines.hpp"
+#include "application/QcbsDocumentPrinter.hpp"
 #include "application/QcbsDocumentSaver.hpp"
 
 namespace {
@@ -57,25 +60,85 @@ TEST(DocumentSaver, TheBackupNameTakesTheFirstDotAfterTheFirstCharacter) {
     for (const auto& [name, backup] : cases) EXPECT_EQ(QcbsDocumentSaver::backupName(name), backup);
 }
 
-TEST(DocumentSaver, ASaveReplacesTheFileKeepingItsPermissionsAndLeavesNoTemporaryFile) {
-    QTemporaryDir dir;
-    const QString file = writeBytes(dir.filePath("quartz.cif"), "old\n");
-    const QFile::Permissions mode = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
-    QFile::setPermissions(file, mode);
-    writeBytes(dir.filePath("quartz_backup.cif"), "older\n");
+// --- printing ------------------------------------------------------------------------
 
-    const QcbsDocumentSaver::Result result = QcbsDocumentSaver::save(file, "new\n", true);
-    EXPECT_TRUE(result.saved);
-    EXPECT_FALSE(result.backupFailed);
-    EXPECT_EQ(readBytes(file), "new\n");
-    EXPECT_EQ(readBytes(dir.filePath("quartz_backup.cif")), "old\n");
-    EXPECT_EQ(QFile::permissions(file) & QFile::Permissions(0x7077), mode);  // owner, group, other
+QString cifText(int lines) {
+    QString text = "data_quartz";
+    for (int i = 1; i < lines; ++i) text += QString("\n_item_%1 %2").arg(i).arg(i * 7);
+    return text;
+}
 
-    EXPECT_TRUE(QcbsDocumentSaver::save(file, "newer\n", false).saved);
-    EXPECT_EQ(readBytes(file), "newer\n");
-    EXPECT_EQ(readBytes(dir.filePath("quartz_backup.cif")), "old\n");
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden),
-              (QStringList{"quartz.cif", "quartz_backup.cif"}));
+class DocumentPrinting : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!havePdfToText()) GTEST_SKIP() << "pdftotext (poppler-utils) is needed to read the printed PDF";
+        printer_.setOutputFormat(QPrinter::PdfFormat);
+        printer_.setOutputFileName(dir_.filePath("out.pdf"));
+    }
+    // The printed pages, as text.
+    QStringList print(const QString& text, int* pages) {
+        document_.setPlainText(text);
+        *pages = printer().print(&printer_, document_);
+        QStringList printed = pdfText(dir_.filePath("out.pdf")).split(u'\f');
+        printed.removeLast();  // after the last form feed
+        return printed;
+    }
+    QcbsDocumentPrinter printer() const {
+        return {"/data/minerals/quartz.cif", QFontDatabase::systemFont(QFontDatabase::FixedFont)};
+    }
+
+    QTemporaryDir dir_;
+    QTextDocument document_;
+    QPrinter printer_{QPrinter::HighResolution};
+};
+
+TEST_F(DocumentPrinting, EveryPageCarriesTheFileNameAndItsNumberAndTheTextRunsOnInOrder) {
+    int pages = 0;
+    const QStringList printed = print(cifText(150), &pages);
+    ASSERT_GE(pages, 2);
+    ASSERT_EQ(printed.size(), pages);
+    QStringList lines;
+    for (int page = 0; page < pages; ++page) {
+        QStringList rows = printed[page].split(u'\n', Qt::SkipEmptyParts);
+        ASSERT_FALSE(rows.isEmpty());
+        const QString header = rows.takeFirst().simplified();
+        EXPECT_EQ(header, "/data/minerals/quartz.cif " + QcbsDocumentPrinter::pageText(page + 1, pages));
+        for (const QString& row : rows) lines << row.simplified();
+    }
+    EXPECT_EQ(lines.join(u'\n'), cifText(150));
+}
+
+TEST_F(DocumentPrinting, AnEmptyDocumentPrintsOnePageAndARangePrintsOnlyItsPages) {
+    int pages = 0;
+    EXPECT_EQ(print("", &pages).size(), 1);
+    EXPECT_EQ(pages, 1);
+
+    int all = 0;
+    print(cifText(400), &all);
+    ASSERT_GE(all, 4);
+    printer_.setPrintRange(QPrinter::PageRange);
+    printer_.setFromTo(2, 3);
+    const QStringList printed = print(cifText(400), &pages);
+    EXPECT_EQ(pages, 2);
+    ASSERT_EQ(printed.size(), 2);
+    EXPECT_TRUE(printed[0].contains(QcbsDocumentPrinter::pageText(2, all)));
+    EXPECT_TRUE(printed[1].contains(QcbsDocumentPrinter::pageText(3, all)));
+}
+
+TEST(DocumentPrinterRows, LongLinesContinueOnTheNextRowAndTabsBecomeBlanks) {
+    QPrinter device(QPrinter::HighResolution);
+    device.setOutputFormat(QPrinter::PdfFormat);
+    const QcbsDocumentPrinter printer("x.cif", QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QTextDocument document;
+    const QString longLine = "_publ_section_abstract " + QString(300, u'x');
+    document.setPlainText("a\tb\n" + longLine + "\n");
+    const QStringList rows = printer.rows(document, &device, 2000);
+    ASSERT_GE(rows.size(), 4);
+    EXPECT_EQ(rows.first(), "a       b");
+    EXPECT_EQ(rows.mid(1, rows.size() - 2).join(""), longLine);
+    EXPECT_EQ(rows.last(), "");
+    // Even a page narrower than one character makes progress.
+    EXPECT_EQ(printer.rows(document, &device, 1).size(), 9 + longLine.size() + 1);
 }
 
 }  // namespace

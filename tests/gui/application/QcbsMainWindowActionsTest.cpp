@@ -224,13 +224,6 @@ TEST_F(MainWindowActions, TheVisualiserPageTurnsOffTheEditorsToolsAndTheEditorPa
         EXPECT_EQ(enabled(A::OpenInVelmora), !editing);
         for (A::Id id : always) EXPECT_TRUE(enabled(id)) << id;
     }
-    // Pages other than these two change nothing.
-    QWidget other;
-    window_.enableTools(&other);
-    window_.enableTools(nullptr);
-    EXPECT_TRUE(enabled(A::Reparse));
-    EXPECT_FALSE(enabled(A::OpenInVelmora));
-
     // A text marked not to be checked keeps Check off, in every window when asked.
     window_.setParseAllowed(editor(), false);
     window_.enableTools(window_.editorPage());

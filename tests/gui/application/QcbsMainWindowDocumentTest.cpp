@@ -110,9 +110,6 @@ TEST_F(DocumentWindow, OpeningAFileReadsItThenChecksIt) {
     EXPECT_FALSE(editor()->isModified());
     EXPECT_EQ(window_.windowTitle(), "quartz.cif - Tessary");
     EXPECT_EQ(statusMessage(window_), "Ready");
-    EXPECT_FALSE(window_.currentCif().is_null());
-    EXPECT_TRUE(windowAction(window_, QcbsMainWindowActions::FileSave)->isEnabled());
-    EXPECT_EQ(QcbsMainWindow::recentFiles->filename(0), path);
     EXPECT_TRUE(answers_.boxes.isEmpty());
     const qsizetype reading = output().indexOf("Reading CIF \"" + path + "\"");
     EXPECT_GE(reading, 0) << output().toStdString();
@@ -221,13 +218,18 @@ TEST_F(DocumentWindow, WithBackupsTheOldFileKeepsTheBackupNameAndABackupThatFail
         const QString path = write(name, kQuartz);
         const QString backup = QcbsDocumentSaver::backupName(path);
         const bool backupPossible = name.startsWith("a");
-        if (backupPossible) QDir().mkpath(QFileInfo(backup).absolutePath());
+        if (backupPossible) writeBytes(backup, "older\n");
+        const QFile::Permissions mode = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+        QFile::setPermissions(path, mode);
         openAndEdit(path);
         EXPECT_TRUE(window_.statusLine()->text().endsWith("(File Modified)"));
         window_.fileSave();
         EXPECT_EQ(readBytes(path), kEdited);
         EXPECT_FALSE(window_.statusLine()->text().contains("Modified"));
+        EXPECT_EQ(QFile::permissions(path) & QFile::Permissions(0x7077), mode);  // owner, group, other
         EXPECT_EQ(readBytes(backup), backupPossible ? kQuartz : QByteArray("<missing>"));
+        EXPECT_EQ(QDir(QFileInfo(path).path()).entryList(QDir::Files | QDir::Hidden), QStringList{"c.cif"})
+            << "no temporary file is left";
         EXPECT_EQ(answers_.boxes.size(), backupPossible ? 0 : 1);
         ASSERT_TRUE(window_.fileClose());
     }
@@ -268,7 +270,7 @@ TEST_F(DocumentWindow, ANewDocumentOrOneWhoseFileIsGoneIsSavedThroughSaveAs) {
     const QString path = dir_.filePath("first.cif");
     answers_.chooseFile(path);
     window_.fileSave();
-    EXPECT_EQ(answers_.fileDialogs, QStringList{"savefiledialog"});
+    EXPECT_EQ(answers_.proposals.size(), 1);
     EXPECT_TRUE(answers_.proposals.first().endsWith("/new.cif")) << answers_.proposals.first().toStdString();
     EXPECT_EQ(readBytes(path), "data_new\n");
     EXPECT_EQ(window_.windowTitle(), "first.cif - Tessary");
@@ -302,7 +304,7 @@ TEST_F(DocumentWindow, SaveAsChangesNothingWhereItCannotWriteAndAsksBeforeReplac
     window_.fileSaveAs();
     EXPECT_EQ(lastBox(), "Tessary: " + other + " already exists\nDo you want to replace it?");
     EXPECT_EQ(answers_.boxes.last().buttons, (QStringList{"Yes", "No"}));
-    EXPECT_EQ(answers_.fileDialogs.size(), 4);
+    EXPECT_EQ(answers_.proposals.size(), 4);
     EXPECT_EQ(readBytes(other), "data_other\n");
     answers_.chooseFile(other).click("Yes");
     window_.fileSaveAs();
@@ -405,7 +407,7 @@ TEST_F(DocumentWindow, ANewDocumentFromTheTemplateNeverOverwritesTheTemplate) {
     EXPECT_EQ(QcbsMainWindow::recentFiles->filename(0), recent);
     QTest::keyClicks(editor(), "#");
     window_.fileSave();  // Save As, cancelled
-    EXPECT_EQ(answers_.fileDialogs, QStringList{"savefiledialog"});
+    EXPECT_EQ(answers_.proposals.size(), 1);
     EXPECT_EQ(readBytes(QcbsMainWindow::template_file), templateText);
 }
 
@@ -414,8 +416,6 @@ TEST_F(DocumentWindow, ANewDocumentFromTheTemplateNeverOverwritesTheTemplate) {
 TEST_F(DocumentWindow, RecentFilesReopenAndSurviveARestart) {
     const QString path = write("quartz.cif", kQuartz);
     open(path);
-    window_.fileLoadRecent(0);
-    EXPECT_EQ(lastBox(), "Information: The file \"" + path + "\" is already open.");
     ASSERT_TRUE(window_.fileClose());
     window_.fileLoadRecent(0);
     EXPECT_EQ(fileName(), path);
@@ -474,7 +474,9 @@ TEST_F(DocumentWindow, PrintingThroughThePrintDialogToAPdfFileGivesTheText) {
     const QString path = write("quartz.cif", kQuartz);
     open(path);
     const QString pdf = dir_.filePath("printed.pdf");
+    QStringList dialogs;
     answers_.otherHandler = [&](QDialog* dialog) {
+        dialogs << dialog->objectName();
         // The dialog's own choice of printer: a PDF file.
         auto* printers = dialog->findChild<QComboBox*>("printers");
         auto* name = dialog->findChild<QLineEdit*>("filename");
@@ -485,7 +487,7 @@ TEST_F(DocumentWindow, PrintingThroughThePrintDialogToAPdfFileGivesTheText) {
         dialog->accept();
     };
     window_.filePrint();
-    EXPECT_EQ(answers_.otherDialogs, QStringList{"printdialog"});
+    EXPECT_EQ(dialogs, QStringList{"printdialog"});
     if (!QFileInfo::exists(pdf)) GTEST_SKIP() << "this platform's print dialog offers no PDF file";
     EXPECT_EQ(statusMessage(window_), "Printed 1 page.");
     const QString text = pdfText(pdf);

@@ -1,5 +1,5 @@
-// The main window's options in the settings file, and the mandatory data
-// items file they name.
+// What the main windows share: their options in the settings file, the
+// documentation found for them, and the mandatory data items file.
 #include <gtest/gtest.h>
 
 #include <QSettings>
@@ -137,6 +137,51 @@ TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindowsAndOptionsReachEveryW
     QcbsMainWindow::text_buttons = false;
     QcbsMainWindow::initialiseAllInstSettings();
     EXPECT_EQ(first.toolButtonStyle(), Qt::ToolButtonIconOnly);
+}
+
+// --- the shared data: where the documentation is ---------------------------------------
+
+TEST(SharedWindowData, FindsTheDocumentationOfTheSourceTreeFromTheBuildDirectory) {
+    ScopedLogCapture log(1);
+    const QcbsMainWindowSharedData shared(QFileInfo(TESSARY_SOURCE_DIR "/build/bin/tessary"));
+    const QString docs = QDir::cleanPath(TESSARY_SOURCE_DIR "/docs");
+    EXPECT_EQ(shared.documentationDirectory(), docs);
+    EXPECT_EQ(shared.helpSearchPaths(), QStringList{docs + "/html"});
+    EXPECT_TRUE(shared.missingDocumentationMessage().isEmpty());
+    const std::string searching = "Debug(1): main - Searching for documentation in: ";
+    EXPECT_EQ(log.text(), searching + QDir::cleanPath(TESSARY_SOURCE_DIR "/build/bin/docs").toStdString() +
+                              "\n" + searching + docs.toStdString() +
+                              "\nDebug(1): main - Documentation found in: " + docs.toStdString() + "\n");
+
+    // The program directory is taken as given, not made absolute.
+    EXPECT_EQ(QcbsMainWindowSharedData(QFileInfo("bin/tessary")).documentationCandidates().first(),
+              "bin/docs");
+}
+
+TEST(SharedWindowData, MissingDocumentationIsDescribedForTheHelpAction) {
+    QTemporaryDir root;
+    writeBytes(root.filePath("a/b/docs/index.html"), {});  // a docs folder without the start page
+    const QString program = root.filePath("a/b");
+    const QcbsMainWindowSharedData shared(QFileInfo(program + "/tessary"));
+    EXPECT_TRUE(shared.documentationDirectory().isEmpty());
+    EXPECT_EQ(shared.missingDocumentationMessage(),
+              "Could not find the Tessary Help documentation in any of:\n\n" + program + "/docs\n" +
+                  root.filePath("docs") + "\n" + program + "/Documentation/Tessary\n" +
+                  root.filePath("distrib/docs") + "\n" + root.filePath("a/distrib/docs") + "\n" +
+                  root.filePath("a/Resources/docs") + "\n");
+    EXPECT_EQ(shared.helpSearchPaths(),
+              (QStringList{program + "/html/", program + "/../html/", program + "/../../html/",
+                           program + "/../Resources/html/"}));
+}
+
+TEST(SharedWindowData, OneObjectServesEveryWindowAndOutlivesTheHandleThatMadeIt) {
+    ScopedPrefsDir prefs;
+    THandle<QcbsMainWindowSharedData> shared = buildTreeSharedData();
+    const QcbsMainWindowSharedData* object = shared.get();
+    QcbsMainWindow first(shared), second(shared);
+    shared = THandle<QcbsMainWindowSharedData>();
+    EXPECT_EQ(first.sharedData().get(), object);
+    EXPECT_EQ(second.sharedData().use_count(), 2);
 }
 
 // --- the mandatory data items file ------------------------------------------------------

@@ -1,17 +1,27 @@
 #include <gtest/gtest.h>
 
+#include <QDesktopServices>
 #include <QLabel>
+#include <QMessageBox>
 #include <QSplitter>
 #include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTextBrowser>
 
 #include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
+#include "application/QcbsUtilities.hpp"
+#include "application/QtServerApplication.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "views/QcbsCifBoxView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
+#include "widgets/QcbsAboutBox.hpp"
+#include "widgets/QcbsHelpWindow.hpp"
 
 namespace {
+
+using A = QcbsMainWindowActions;
 
 // A window that records the new documents it is asked for.
 class RecordingWindow : public QcbsMainWindow {
@@ -19,6 +29,15 @@ public:
     explicit RecordingWindow(THandle<QcbsMainWindowSharedData> shared) : QcbsMainWindow(std::move(shared)) {}
     void fileNew(bool replace) override { newDocuments << replace; }
     QList<bool> newDocuments;
+};
+
+// Takes the addresses the program hands to the web browser.
+class UrlRecorder : public QObject {
+    Q_OBJECT
+public:
+    QList<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls << url; }
 };
 
 class MainWindow : public ::testing::Test {
@@ -29,28 +48,6 @@ protected:
     ScopedPrefsDir prefs_;
     RecordingWindow window_{buildTreeSharedData()};
 };
-
-TEST_F(MainWindow, OpensWithTheTreeLeftOfTheEditorAndTheVisualiserOnTheSecondTab) {
-    EXPECT_EQ(window_.objectName(), "mainwindow");
-    EXPECT_TRUE(window_.isVisible());
-    EXPECT_TRUE(window_.acceptDrops());
-    EXPECT_EQ(window_.windowTitle(), "new.cif - Tessary");
-    EXPECT_EQ(statusMessage(window_), "Ready");
-    QTabWidget* tabs = window_.tabs();
-    ASSERT_EQ(tabs->count(), 2);
-    EXPECT_EQ(tabs->tabText(0), "  Editor  ");
-    EXPECT_EQ(tabs->tabText(1), "  Visualiser  ");
-    EXPECT_EQ(tabs->widget(0), window_.editorPage());
-    EXPECT_EQ(tabs->widget(1), window_.visualiserPage());
-    QSplitter* page = window_.editorPage();
-    ASSERT_EQ(page->count(), 2);
-    EXPECT_EQ(page->widget(0), window_.boxView());
-    EXPECT_EQ(page->widget(1), window_.editorPane());
-    EXPECT_EQ(editor()->objectName(), "editor");
-    EXPECT_EQ(window_.boxView()->topLevelItem(0)->text(0), "(no items to show)");
-    EXPECT_EQ(window_.visualiserPage()->message(), "The 3-D view of the structure is not available yet.");
-    EXPECT_TRUE(window_.outputPane()->toPlainText().contains("Tessary ready"));
-}
 
 TEST(MainWindowStartUp, AWindowStartedForADocumentAsksForOneAfterLoadingTheMandatoryItems) {
     ScopedPrefsDir prefs;
@@ -98,21 +95,13 @@ TEST_F(MainWindow, MessagesReachTheStatusBarAndEachPageGetsItsOwnBack) {
 }
 
 TEST_F(MainWindow, OutputPaneMessagesWaitForAPaneAndNeverReachOneThatIsGone) {
-    emit window_.sharedData()->dictionaryLoader()->outputMessageRequest("Loaded dictionary: /d/a.dic", false);
-    EXPECT_TRUE(window_.outputPane()->toPlainText().endsWith("Loaded dictionary: /d/a.dic"));
-
     window_.setOutputPane(nullptr);  // as before the window has made its pane
     emit window_.sharedData()->dictionaryLoader()->outputMessageRequest("Loaded dictionary: /d/b.dic", false);
     window_.writeToOutputPane("Checking CIF ...", true);
-    EXPECT_EQ(window_.pendingOutputPaneWrites(),
-              (QStringList{"Loaded dictionary: /d/b.dic", "Checking CIF ...<br>"}));
     auto* pane = new QcbsOutputPane(&window_);
     window_.setOutputPane(pane);
-    EXPECT_TRUE(window_.pendingOutputPaneWrites().isEmpty());
-    window_.writeToOutputPane("Read 3 lines.", false);
-    window_.writeToOutputPane("<b>done</b>", true);
-    EXPECT_TRUE(
-        pane->toPlainText().endsWith("Loaded dictionary: /d/b.dicChecking CIF ...\nRead 3 lines.done\n"))
+    window_.writeToOutputPane("<b>Read</b> 3 lines.", false);
+    EXPECT_TRUE(pane->toPlainText().endsWith("Loaded dictionary: /d/b.dicChecking CIF ...\nRead 3 lines."))
         << pane->toPlainText().toStdString();
     EXPECT_TRUE(pane->textCursor().atEnd());
     delete pane;
@@ -158,4 +147,74 @@ TEST_F(MainWindow, TheLastActiveWindowIsRememberedUntilItCloses) {
     EXPECT_EQ(QcbsMainWindow::lastActiveWindow(), nullptr);
 }
 
+// --- help and about ------------------------------------------------------------------
+
+TEST_F(MainWindow, TheUserGuideAndThePagesTheErrorListAsksForOpenInOneHelpWindow) {
+    const auto page = [&] { return window_.findChild<QcbsHelpWindow*>()->browser()->source().toLocalFile(); };
+    window_.helpFile("tessary/PortableHTML/tessary_portable-3-999.html");
+    EXPECT_EQ(window_.findChild<QcbsHelpWindow*>(), nullptr);
+    EXPECT_EQ(statusMessage(window_),
+              "Could not find the help page tessary/PortableHTML/tessary_portable-3-999.html");
+
+    windowAction(window_, A::Help)->trigger();
+    ASSERT_NE(window_.findChild<QcbsHelpWindow*>(), nullptr);
+    EXPECT_EQ(window_.findChild<QcbsHelpWindow*>()->windowTitle(), "Tessary Help");
+    EXPECT_EQ(page(), QDir::cleanPath(TESSARY_SOURCE_DIR "/docs/tessary.html"));
+    EXPECT_TRUE(
+        window_.findChild<QcbsHelpWindow*>()->browser()->toPlainText().contains("Tessary user guide"));
+    emit window_.errorList()->helpRequest("tessary/PortableHTML/tessary_portable-3-069.html");
+    EXPECT_EQ(page(), QDir::cleanPath(TESSARY_SOURCE_DIR
+                                      "/docs/html/tessary/PortableHTML/tessary_portable-3-069.html"));
+    EXPECT_EQ(window_.findChildren<QcbsHelpWindow*>().size(), 1);
+}
+
+TEST(MainWindowHelpMissing, WithoutDocumentationHelpListsWhereItLooked) {
+    ScopedPrefsDir prefs;
+    QTemporaryDir programDir;
+    QcbsMainWindow window(THandle<QcbsMainWindowSharedData>(
+        new QcbsMainWindowSharedData(QFileInfo(programDir.filePath("tessary")))));
+    window.help();
+    auto* box = window.findChild<QMessageBox*>("helpmissing");
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->windowTitle(), "Warning");
+    EXPECT_TRUE(box->text().startsWith("Could not find the Tessary Help documentation in any of:\n\n"));
+    EXPECT_TRUE(box->text().contains(QDir::cleanPath(programDir.path() + "/docs") + "\n"));
+    EXPECT_EQ(window.findChild<QcbsHelpWindow*>(), nullptr);
+    box->close();
+}
+
+TEST_F(MainWindow, TheHomePageOpensInTheWebBrowser) {
+    if (!QtServerApplication::browserScriptPath().isEmpty())
+        GTEST_SKIP() << "web pages go to a browser script";
+    UrlRecorder recorder;
+    const QString url = QString::fromStdString(TessaryURL());
+    QDesktopServices::setUrlHandler(QUrl(url).scheme(), &recorder, "open");
+    windowAction(window_, A::HomePage)->trigger();
+    QDesktopServices::unsetUrlHandler(QUrl(url).scheme());
+    EXPECT_EQ(recorder.urls, QList<QUrl>{QUrl(url)});
+    EXPECT_EQ(statusMessage(window_), "Opening " + url);
+}
+
+TEST_F(MainWindow, TheAboutBoxNamesVersionDateAndCoreDictionaryAndClosesWithTheWindow) {
+    windowAction(window_, A::About)->trigger();
+    window_.about();
+    ASSERT_EQ(window_.findChildren<QcbsAboutBox*>().size(), 1);
+    auto* box = window_.findChild<QcbsAboutBox*>();
+    EXPECT_TRUE(box->isVisible());
+    EXPECT_EQ(box->windowTitle(), "About Tessary");
+    const QString text = box->findChild<QLabel*>("abouttext")->text();
+    for (const std::string& part :
+         {TessaryVersion(), TessaryDate(), coreCIFVersion(), coreCIFDate(), TessaryURL()})
+        EXPECT_TRUE(text.contains(QString::fromStdString(part))) << part;
+    EXPECT_FALSE(box->findChild<QLabel*>("aboutpicture")->pixmap().isNull());
+
+    window_.help();
+    window_.close();
+    EXPECT_FALSE(window_.findChild<QcbsHelpWindow*>()->isVisible()) << "the help window goes too";
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(window_.findChild<QcbsAboutBox*>(), nullptr);
+}
+
 }  // namespace
+
+#include "QcbsMainWindowTest.moc"

@@ -5,15 +5,13 @@
 namespace {
 
 TEST(TextUtilities, SimplifyPathKeepsTheLastComponentBehindABlank) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"name.cif", "name.cif"},
-        {"/a/b/c.cif", " c.cif"},
-        {"dir\\x.cif", " x.cif"},
-        {"a\\b/c.cif", " c.cif"},
-        {"a/b\\c.cif", " c.cif"},
-        {"dir/", " "},
-        {"", ""},
-    };
+    const std::pair<const char*, const char*> cases[] = {{"name.cif", "name.cif"},
+                                                         {"/a/b/c.cif", " c.cif"},
+                                                         {"dir\\x.cif", " x.cif"},
+                                                         {"a\\b/c.cif", " c.cif"},
+                                                         {"a/b\\c.cif", " c.cif"},
+                                                         {"dir/", " "},
+                                                         {"", ""}};
     for (const auto& [path, simplified] : cases) {
         QString text = path;
         simplify_path(text);
@@ -43,8 +41,7 @@ TEST(TextUtilities, ToLiteralReadsTheInputAtTheResultsIndex) {
         {"x$", "x\\$"},
         // The ")" at input index 2 is found while the result's index 2 holds
         // "x", so the back-slash lands before the "x".
-        {"(x)", "\\(\\x)"},
-    };
+        {"(x)", "\\(\\x)"}};
     for (const auto& [text, literal] : cases) EXPECT_EQ(toLiteral(text), literal) << text;
 }
 
@@ -57,14 +54,6 @@ TEST(TextUtilities, SmallConversions) {
     EXPECT_EQ(text, "\nabc");
     QString other = "abc\n";
     EXPECT_FALSE(removeNewLineAtStart(other));
-    EXPECT_EQ(makeTempFilename("a.cif"), "temp_a.cif");
-    qputenv("TESSARYDIR", "/opt/tessary");
-    EXPECT_EQ(tessaryDir(), "/opt/tessary");
-    qunsetenv("TESSARYDIR");
-    EXPECT_TRUE(tessaryDirQString().isEmpty());
-    std::string lower = "Data_ABC";
-    ToLowerCase(lower);
-    EXPECT_EQ(lower, "data_abc");
 }
 
 }  // namespace
