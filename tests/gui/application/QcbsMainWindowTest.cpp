@@ -135,18 +135,6 @@ TEST_F(MainWindow, CloseFileClosesThisWindowOnlyWhileAnotherIsOpen) {
     EXPECT_EQ(window_.newDocuments.size(), 2);
 }
 
-TEST_F(MainWindow, TheLastActiveWindowIsRememberedUntilItCloses) {
-    RecordingWindow second(window_.sharedData());
-    window_.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
-    EXPECT_EQ(QcbsMainWindow::lastActiveWindow(), &window_);
-    second.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
-    EXPECT_EQ(QcbsMainWindow::lastActiveWindow(), &second);
-    second.close();
-    EXPECT_EQ(QcbsMainWindow::lastActiveWindow(), nullptr);
-}
-
 // --- help and about ------------------------------------------------------------------
 
 TEST_F(MainWindow, TheUserGuideAndThePagesTheErrorListAsksForOpenInOneHelpWindow) {
