@@ -1,9 +1,10 @@
+// The main window itself: caption, status line, messages, closing, help and
+// the about box.
 #include <gtest/gtest.h>
 
 #include <QDesktopServices>
 #include <QLabel>
 #include <QMessageBox>
-#include <QSplitter>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTextBrowser>
@@ -12,9 +13,7 @@
 #include "GuiTestSupport.hpp"
 #include "application/QcbsUtilities.hpp"
 #include "application/QtServerApplication.hpp"
-#include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
-#include "views/QcbsCifBoxView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 #include "widgets/QcbsAboutBox.hpp"
 #include "widgets/QcbsHelpWindow.hpp"
