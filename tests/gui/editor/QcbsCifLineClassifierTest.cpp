@@ -41,7 +41,7 @@ void expectLine(QcbsCifLineClassifier& classifier, const Line& line) {
 
 TEST(QcbsCifLineClassifier, EachLineGetsAStylePerCharacterAndAnEndState) {
     const SmallTestDictionary dictionary{"_cell_length_a"};
-        const Line lines[] = {
+    const Line lines[] = {
         // Block headers and the keyword loop_ are exact lower-case words;
         // save_, global_ and stop_ have no style of their own.
         {"data_x", "TTTTTT"},
@@ -60,10 +60,9 @@ TEST(QcbsCifLineClassifier, EachLineGetsAStylePerCharacterAndAnEndState) {
         {"_unknown", "DDDDDDDD", 0, Fresh, LineEnd::Nothing},
         {";", "S", 0, Fresh, LineEnd::Nothing},
         {";text", "SXXXX", InField, Fresh, LineEnd::Nothing},
-        // Data names: defined ones (case ignored, one trailing "." or ","
-        // left out of the look-up) and custom ones.
+        // Data names: defined ones (one trailing "." or "," left out of the
+        // look-up) and custom ones.
         {"_cell_length_a 5.0", "DDDDDDDDDDDDDDSSSS"},
-        {"_CELL_LENGTH_A", "DDDDDDDDDDDDDD"},
         {"_cell_length_b 5.0", "UUUUUUUUUUUUUUSSSS"},
         {"_cell_length_a. 1", "DDDDDDDDDDDDDDDSS"},
         {"_cell_length_a.. 1", "UUUUUUUUUUUUUUUUSS"},

@@ -79,9 +79,6 @@ TEST(QcbsUnicode, WordsAndCodesInRunningText) {
         {"Müller, Señor, Brontë, Dvořák, Łódź, Ångström, Straße",
          "M\\\"uller, Se\\~nor, Bront\\\"e, Dvo\\<r\\'ak, \\/L\\'od\\'z, \\%Angstr\\\"om, Stra\\&se"},
         {"a = 90°, U = 0.02 ± 0.01 Å², α–β", "a = 90\\%, U = 0.02 +- 0.01 \\%A\u00B2, \\a--\\b"},
-        {"5 µm", "5 \\mm"},
-        {"1.54 \u212B", "1.54 \\%A"},
-        {"C=O", "C=O"},
         // Characters without a code survive, surrogate pairs included.
         {"漢字 \U0001F600 ¹", "漢字 \U0001F600 ¹"},
         {"", ""},
@@ -92,10 +89,6 @@ TEST(QcbsUnicode, WordsAndCodesInRunningText) {
     // unknown codes are kept.
     const std::pair<const char*, const char*> toUnicode[] = {
         {"Dvo\\<r\\'ak, \\%Angstr\\\"om, 5\\%C", "Dvořák, Ångström, 5°C"},
-        {"a---b--c", "a\u2014b\u2013c"},
-        {"\\%a \\%A \\%", "å Å °"},
-        {"\\\\simeq \\\\sim", "\u2243 \u223C"},
-        {"C\\\\dbO", "C=O"},
         // A doubled backslash does not start a Greek letter; a lone accent or
         // an unknown letter stays as written.
         {"\\\\a \\'1 \\j \\\\foo \\", "\\\\a \\'1 \\j \\\\foo \\"},
