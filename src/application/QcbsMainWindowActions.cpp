@@ -25,7 +25,7 @@ constexpr int shift(Qt::Key key) { return (Qt::SHIFT | key).toCombined(); }
 // Where an action appears besides its menu.
 enum Placement { MenuOnly, MenuAndToolBar, ToolBarOnly };
 
-struct ActionSpec {
+struct ActionEntry {
     A::Id id;
     A::Menu menu;
     const char* text;  // "%1" stands for the program's name
@@ -41,7 +41,7 @@ struct ActionSpec {
 
 // The one table of the window's actions, in menu order. The zoom actions
 // are connected to the editor when the window makes it.
-const ActionSpec kActions[] = {
+const ActionEntry kActions[] = {
     {A::FileNew, A::FileMenu, "&New", "New file", "fileNew", ctrl(Qt::Key_N), Img::FileNew, A::AlwaysOn,
      MenuAndToolBar, false, qOverload<>(&W::fileNew)},
     {A::FileOpen, A::FileMenu, "&Open...", "Open", "fileOpen", ctrl(Qt::Key_O), Img::FileOpen, A::AlwaysOn,
@@ -138,36 +138,36 @@ QIcon actionIcon(int image) {
     return icon;
 }
 
-const ActionSpec& specOf(A::Id id) {
-    for (const ActionSpec& spec : kActions)
-        if (spec.id == id) return spec;
+const ActionEntry& entryOf(A::Id id) {
+    for (const ActionEntry& entry : kActions)
+        if (entry.id == id) return entry;
     return kActions[0];
 }
 
-QAction* newAction(const ActionSpec& spec, QcbsMainWindow* window) {
-    QString text = QString::fromLatin1(spec.text);
+QAction* newAction(const ActionEntry& entry, QcbsMainWindow* window) {
+    QString text = QString::fromLatin1(entry.text);
     text.replace("%1", programQName());
-    auto* action = new QAction(actionIcon(spec.image), text, window);
-    action->setObjectName(spec.name);
-    if (*spec.tip) {
-        action->setToolTip(spec.tip);
-        action->setStatusTip(spec.tip);
+    auto* action = new QAction(actionIcon(entry.image), text, window);
+    action->setObjectName(entry.name);
+    if (*entry.tip) {
+        action->setToolTip(entry.tip);
+        action->setStatusTip(entry.tip);
     }
-    if (spec.key != 0) action->setShortcut(QKeySequence(spec.key));
-    if (spec.slot != nullptr) QObject::connect(action, &QAction::triggered, window, spec.slot);
+    if (entry.key != 0) action->setShortcut(QKeySequence(entry.key));
+    if (entry.slot != nullptr) QObject::connect(action, &QAction::triggered, window, entry.slot);
     return action;
 }
 
-void place(const ActionSpec& spec, QAction* action, QMenu* menu, QToolBar* toolBar, QWidget* window) {
-    if (spec.placement != ToolBarOnly) {
-        if (spec.separatorBefore) menu->addSeparator();
+void place(const ActionEntry& entry, QAction* action, QMenu* menu, QToolBar* toolBar, QWidget* window) {
+    if (entry.placement != ToolBarOnly) {
+        if (entry.separatorBefore) menu->addSeparator();
         menu->addAction(action);
     } else {
         // Not in the menu, but its accelerator still works in the window.
         window->addAction(action);
     }
-    if (spec.placement != MenuOnly && toolBar != nullptr) {
-        if (spec.separatorBefore && !toolBar->actions().isEmpty()) toolBar->addSeparator();
+    if (entry.placement != MenuOnly && toolBar != nullptr) {
+        if (entry.separatorBefore && !toolBar->actions().isEmpty()) toolBar->addSeparator();
         toolBar->addAction(action);
     }
 }
@@ -202,11 +202,11 @@ void QcbsMainWindowActions::makeCifActions() {
 void QcbsMainWindowActions::makeHelpActions() { makeActions(HelpMenu, "&Help", nullptr); }
 
 void QcbsMainWindowActions::makeVisActions() {
-    const ActionSpec& spec = specOf(OpenInVelmora);
-    QAction* action = newAction(spec, window_);
-    place(spec, action, menus_[ToolsMenu], toolBars_[ToolsMenu], window_);
-    actions_[spec.id] = action;
-    groups_[spec.id] = spec.group;
+    const ActionEntry& entry = entryOf(OpenInVelmora);
+    QAction* action = newAction(entry, window_);
+    place(entry, action, menus_[ToolsMenu], toolBars_[ToolsMenu], window_);
+    actions_[entry.id] = action;
+    groups_[entry.id] = entry.group;
 }
 
 void QcbsMainWindowActions::makeActions(Menu menuId, const char* menuTitle, const char* toolBarTitle) {
@@ -214,13 +214,13 @@ void QcbsMainWindowActions::makeActions(Menu menuId, const char* menuTitle, cons
     menus_[menuId] = menu;
     if (toolBarTitle != nullptr) toolBars_[menuId] = makeToolBar(toolBarTitle);
 
-    for (const ActionSpec& spec : kActions) {
-        if (spec.menu != menuId || spec.id == OpenInVelmora) continue;
-        QAction* action = newAction(spec, window_);
-        place(spec, action, menu, toolBars_[menuId], window_);
-        actions_[spec.id] = action;
-        groups_[spec.id] = spec.group;
-        if (spec.id == FilePrint && QcbsMainWindow::recentFiles != nullptr) {
+    for (const ActionEntry& entry : kActions) {
+        if (entry.menu != menuId || entry.id == OpenInVelmora) continue;
+        QAction* action = newAction(entry, window_);
+        place(entry, action, menu, toolBars_[menuId], window_);
+        actions_[entry.id] = action;
+        groups_[entry.id] = entry.group;
+        if (entry.id == FilePrint && QcbsMainWindow::recentFiles != nullptr) {
             menu->addSeparator();
             recentFilesMenu_ = QcbsMainWindow::recentFiles->addToMenu(menu);
         }
