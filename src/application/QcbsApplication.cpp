@@ -20,17 +20,11 @@ QPointer<QLabel> splash;
 // The splash image without a status line, kept on the label itself.
 const char* const basePixmapProperty = "tessarySplashImage";
 
-void debugLine(const QString& text) {
-    if (!ORMALog::wants(1)) return;
-    ORMALog::start_debug_line(1) << text;
-    ORMALog::end_debug_line();
-}
-
 }  // namespace
 
 QcbsApplication::QcbsApplication(int& argc, char** argv) : QtServerApplication("Tessary", argc, argv) {}
 
-QcbsApplication::~QcbsApplication() { debugLine("QcbsApplication::~QcbsApplication finished"); }
+QcbsApplication::~QcbsApplication() { debugLine(1, "QcbsApplication::~QcbsApplication finished"); }
 
 void QcbsApplication::open(const QString& filename) {
     QcbsMainWindow* window = nullptr;
@@ -40,17 +34,18 @@ void QcbsApplication::open(const QString& filename) {
         if (window != nullptr) break;
     }
     if (window == nullptr) {
-        ORMALog::start_error_line() << "QcbsApplication - cannot open file because main window has not yet been created: "
-                                    << filename;
+        ORMALog::start_error_line()
+            << "QcbsApplication - cannot open file because main window has not yet been created: "
+            << filename;
         ORMALog::end_error_line();
         return;
     }
-    debugLine("QcbsApplication - open file " + filename);
+    debugLine(1, "QcbsApplication - open file " + filename);
     window->fileOpen(filename, true);
 }
 
 QLabel* QcbsApplication::showSplash() {
-    debugLine("QcbsApplication::showSplash");
+    debugLine(1, "QcbsApplication::showSplash");
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
     splash = new QLabel(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                                      Qt::X11BypassWindowManagerHint);
@@ -73,7 +68,7 @@ QLabel* QcbsApplication::showSplash() {
 }
 
 void set_splash_status(const QString& txt) {
-    debugLine("QcbsApplication::set_splash_status - txt:" + txt);
+    debugLine(1, "QcbsApplication::set_splash_status - txt:" + txt);
     if (splash.isNull()) return;
     // The status is drawn over a fresh copy of the image, so the last one goes.
     QPixmap shown = splash->property(basePixmapProperty).value<QPixmap>();
@@ -89,7 +84,7 @@ void set_splash_status(const QString& txt) {
 }
 
 void QcbsApplication::closeSplash() {
-    debugLine("QcbsApplication::closeSplash");
+    debugLine(1, "QcbsApplication::closeSplash");
     if (!splash.isNull()) splash->close();  // hidden, then deleted (WA_DeleteOnClose)
 }
 

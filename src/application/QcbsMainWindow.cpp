@@ -55,12 +55,6 @@ QPointer<QcbsMainWindow> QcbsMainWindow::lastActive_;
 
 namespace {
 
-void debugLine(int level, const QString& text) {
-    if (!ORMALog::wants(level)) return;
-    ORMALog::start_debug_line(level) << text;
-    ORMALog::end_debug_line();
-}
-
 // Reads and writes settings keys with one level-3 debug line each, so that
 // the log shows every key in the order it was used.
 class TracedSettings {

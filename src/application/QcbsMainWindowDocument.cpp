@@ -35,13 +35,7 @@ namespace {
 
 const char* const kFileFilter = "CIF (*.cif);;All Files (*)";
 
-void debugLine(const QString& text) {
-    if (!ORMALog::wants(1)) return;
-    ORMALog::start_debug_line(1) << text;
-    ORMALog::end_debug_line();
-}
-
-void loadLog(const QString& text) { debugLine("QcbsMainWindow::load - " + text); }
+void loadLog(const QString& text) { debugLine(1, "QcbsMainWindow::load - " + text); }
 
 QString quoted(const QString& name) { return "\"" + name + "\""; }
 
@@ -264,19 +258,19 @@ void QcbsMainWindow::finishLoad(int serial, const QString& filename, bool check)
 }
 
 bool QcbsMainWindow::loadInNewWindow(const QString& filename, bool interactive, bool check) {
-    debugLine("QcbsMainWindow::loadInNewWindow - filename: " + filename);
+    debugLine(1, "QcbsMainWindow::loadInNewWindow - filename: " + filename);
     if (fileAlreadyOpen(filename)) {
         QMessageBox::information(this, "Information", "The file " + quoted(filename) + " is already open.");
         return false;
     }
-    debugLine("QcbsMainWindow::loadInNewWindow - creating new window ");
+    debugLine(1, "QcbsMainWindow::loadInNewWindow - creating new window ");
     auto* window = new QcbsMainWindow(sharedData_, StartEmpty);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
     const bool loaded = window->load(filename, interactive, check);
     // A window that got no document is not left behind.
     if (!loaded) window->close();
-    debugLine("QcbsMainWindow::loadInNewWindow - finished ");
+    debugLine(1, "QcbsMainWindow::loadInNewWindow - finished ");
     return loaded;
 }
 
@@ -364,7 +358,7 @@ bool QcbsMainWindow::writeDocument(QcbsRichTextEdit* editor, const QString& file
         QMessageBox::warning(this, "Error",
                              "Could not write backup copy of this file:\n" + result.backupName);
     if (!result.saved) {
-        debugLine("QcbsMainWindow::fileSave - failed: " + result.error);
+        debugLine(1, "QcbsMainWindow::fileSave - failed: " + result.error);
         QMessageBox::critical(this, "Error",
                               "Could not write to this file. Check file permissions, or use 'Save As' to "
                               "make a copy");

@@ -8,16 +8,6 @@
 #include "cif/CifConcreteDictionary.hpp"
 #include "support/ORMALog.hpp"
 
-namespace {
-
-void debugLine(const QString& text) {
-    if (!ORMALog::wants(1)) return;
-    ORMALog::start_debug_line(1) << text;
-    ORMALog::end_debug_line();
-}
-
-}  // namespace
-
 QcbsDictionaryLoader::QcbsDictionaryLoader()
     : pool_(new CifDictionaryPool()), errors_(new CifErrorContainer()) {}
 
@@ -49,14 +39,14 @@ THandle<CifDictionaryPool> QcbsDictionaryLoader::load(const QString& programDire
 }
 
 void QcbsDictionaryLoader::readDirectory(const QString& path) {
-    debugLine("QcbsDictionaryLoader - Searching for dictionaries in: " + path);
+    debugLine(1, "QcbsDictionaryLoader - Searching for dictionaries in: " + path);
     const QDir directory(path, "*.dic", QDir::Name | QDir::IgnoreCase, QDir::Files | QDir::Readable);
     if (!directory.exists()) return;
     for (const QString& name : directory.entryList()) readFile(directory.filePath(name));
 }
 
 void QcbsDictionaryLoader::readFile(const QString& path) {
-    debugLine("QcbsDictionaryLoader - Dictionary found in: " + path);
+    debugLine(1, "QcbsDictionaryLoader - Dictionary found in: " + path);
     std::ifstream stream(QFile::encodeName(path).constData(), std::ios::binary);
     THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
     THandle<CifErrorContainer> errors(new CifErrorContainer());
