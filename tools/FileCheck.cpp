@@ -7,21 +7,18 @@
 #include <iostream>
 
 #include "cif/Cif.hpp"
-#include "cif/ORMACifConsistencyChecker.hpp"
 #include "tools/SharedDictionary.hpp"
 
 FileCheckResult FileCheck::check(const std::string& file) const {
     FileCheckResult result;
     result.file = file;
-    CifParserSettings settings;
-    settings.line_length = settings_.line_length;
     THandle<CifDictionary> dictionary;
     if (settings_.dictionary != nullptr)
         dictionary = THandle<CifDictionary>(new SharedDictionary(*settings_.dictionary));
-    THandle<Cif> document(new Cif(dictionary));
-    Cif& cif = *document;
+    const CifDocumentCheck check(dictionary, settings_.check);
+    THandle<Cif> document;
     if (file == "-") {
-        cif.read(std::cin, settings);
+        document = check.run(std::cin);
     } else {
         std::error_code error;
         if (std::filesystem::is_directory(file, error)) {
@@ -33,11 +30,9 @@ FileCheckResult FileCheck::check(const std::string& file) const {
             result.io_problem = std::strerror(errno);
             return result;
         }
-        cif.read(stream, settings);
+        document = check.run(stream);
     }
-    cif.check_mandatory(settings_.publication_items, settings_.crystal_items);
-    if (settings_.consistency) ORMACifConsistencyChecker(document).check_cif();
-    for (const CifError& message : *cif.errors()) {
+    for (const CifError& message : *document->errors()) {
         result.messages.push_back(message);
         if (message.type() == CifError::error) ++result.errors;
         if (message.type() == CifError::warning) ++result.warnings;

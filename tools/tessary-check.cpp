@@ -10,11 +10,11 @@
 #include <thread>
 #include <vector>
 
+#include "cif/CifMandatoryItems.hpp"
 #include "tools/CheckOptions.hpp"
 #include "tools/CheckReport.hpp"
 #include "tools/DictionaryFiles.hpp"
 #include "tools/FileCheck.hpp"
-#include "tools/MandatoryItems.hpp"
 
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
@@ -40,8 +40,8 @@ int main(int argc, char** argv) {
     std::condition_variable ready;
     std::atomic<std::size_t> next_file{0};
     FileCheckSettings settings;
-    settings.line_length = options.line_length;
-    settings.consistency = options.consistency;
+    settings.check.parser.line_length = options.line_length;
+    settings.check.consistency = options.consistency;
     bool dictionaries_ok = true;
     THandle<CifDictionaryPool> pool = DictionaryFiles::load(
         DictionaryFiles::resolve(std::getenv("TESSARY_DICTIONARIES"), options.dictionaries), std::cerr,
@@ -54,9 +54,9 @@ int main(int argc, char** argv) {
             std::cerr << "tessary-check: cannot read mandatory-items file " << options.mandatory_file << '\n';
             return 2;
         }
-        MandatoryItems items = MandatoryItems::read(stream);
-        settings.publication_items = std::move(items.publication);
-        settings.crystal_items = std::move(items.crystal);
+        CifMandatoryItems items = CifMandatoryItems::read(stream);
+        settings.check.publication_items = std::move(items.publication);
+        settings.check.crystal_items = std::move(items.crystal);
     }
     FileCheck checker(settings);
     auto work = [&]() {

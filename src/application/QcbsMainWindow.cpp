@@ -25,6 +25,7 @@
 #include "application/QcbsMainWindowActions.hpp"
 #include "application/QcbsUtilities.hpp"
 #include "application/QtServerApplication.hpp"
+#include "cif/CifMandatoryItems.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
@@ -32,7 +33,6 @@
 #include "editor/QcbsRichTextEdit.hpp"
 #include "resources/QcbsXpmResource.hpp"
 #include "support/ORMALog.hpp"
-#include "support/getline.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "views/QcbsCifBoxView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
@@ -84,38 +84,6 @@ private:
     ORMAApplicationSettings store_;
     const char* method_;
 };
-
-// Section bits of the mandatory-items file.
-constexpr int CrystalSection = 1;
-constexpr int PublicationSection = 2;
-
-void readMandatoryItems(std::istream& in, std::vector<std::string>& publication,
-                        std::vector<std::string>& crystal) {
-    const char* const prefix = "QcbsMainWindow::loadMandatoryDataItemSettings - ";
-    int mask = 0;
-    std::string raw;
-    while (orma::getline(in, raw)) {
-        const std::size_t first = raw.find_first_not_of(" \t");
-        if (first == std::string::npos) continue;
-        const std::string line = raw.substr(first, raw.find_last_not_of(" \t") - first + 1);
-        if (line[0] == '#') {
-            debugLine(3, QString(prefix) + "Skipping comment");
-        } else if (line.compare(0, 5, "data_") == 0) {
-            debugLine(3, QString(prefix) + "Data block " + QString::fromStdString(line));
-            mask = 0;
-            if (line == "data_all") mask = CrystalSection | PublicationSection;
-            if (line == "data_publication") mask = PublicationSection;
-            if (line == "data_crystal") mask = CrystalSection;
-        } else if (line[0] == '_') {
-            const std::string word = line.substr(0, line.find_first_of(" \t"));
-            debugLine(3, QString(prefix) + "Data item " + QString::fromStdString(word));
-            if (mask & PublicationSection) publication.push_back(word);
-            if (mask & CrystalSection) crystal.push_back(word);
-        } else {
-            debugLine(3, QString(prefix) + "Unrecognised string " + QString::fromStdString(line));
-        }
-    }
-}
 
 QIcon imageIcon(int image) {
     QIcon icon;
@@ -294,7 +262,17 @@ void QcbsMainWindow::loadMandatoryDataItemSettings() {
         return;
     }
     writeToOutputPane("Loaded mandatory data items file: " + mandatory_items_file, false);
-    readMandatoryItems(in, publication, crystal);
+    const auto trace = [](CifMandatoryItems::Line kind, const std::string& text) {
+        static const char* const what[] = {"Skipping comment", "Data block ", "Data item ",
+                                           "Unrecognised string "};
+        const auto index = static_cast<int>(kind);
+        debugLine(3,
+                  QString("QcbsMainWindow::loadMandatoryDataItemSettings - ") + what[index] +
+                      (kind == CifMandatoryItems::Line::comment ? QString() : QString::fromStdString(text)));
+    };
+    CifMandatoryItems items = CifMandatoryItems::read(in, trace);
+    publication = std::move(items.publication);
+    crystal = std::move(items.crystal);
 }
 
 void QcbsMainWindow::setOutputPane(QcbsOutputPane* pane) {

@@ -11,6 +11,7 @@
 #include "application/QcbsDocumentEncoding.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
 #include "cif/Cif.hpp"
+#include "cif/CifDocumentCheck.hpp"
 #include "support/THandle.hpp"
 #include "validation/QcbsOutputPane.hpp"
 
@@ -284,9 +285,7 @@ public:
     // an untitled one that is empty and unmodified.
     bool isBlank() const;
     // The encoding an editor's file was read in and is written back in.
-    QcbsDocumentEncoding documentEncoding(QcbsRichTextEdit* editor) const {
-        return encodings_.value(editor);
-    }
+    QcbsDocumentEncoding documentEncoding(QcbsRichTextEdit* editor) const { return encodings_.value(editor); }
     static bool isUntitled(const QString& filename) { return filename.startsWith(untitledPrefix()); }
     static QString untitledPrefix() { return "x:/dummy/untitled"; }
 
@@ -363,7 +362,10 @@ private:
     static QPointer<QcbsMainWindow> lastActive_;
 
     // --- Parsing and error processing (QcbsMainWindowParsing.cpp) ---
-    THandle<Cif> newDocument(QcbsRichTextEdit* editor);
+    // The check every document of this window gets: the enabled
+    // dictionaries, the line-length limit, the mandatory items, the
+    // consistency option.
+    CifDocumentCheck documentCheck();
     void finishCheck(QcbsRichTextEdit* editor, THandle<Cif> cif, bool showErrors);
     void noteLinesAtCheck(QcbsRichTextEdit* editor);
     void writeMissingDictionaryNote();

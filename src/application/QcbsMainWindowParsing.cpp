@@ -14,6 +14,7 @@
 
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
+#include "cif/CifDocumentCheck.hpp"
 #include "cif/ORMACifConsistencyChecker.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
@@ -83,10 +84,13 @@ void QcbsMainWindow::writeMissingDictionaryNote() {
         true);
 }
 
-THandle<Cif> QcbsMainWindow::newDocument(QcbsRichTextEdit* editor) {
-    THandle<Cif> cif(new Cif(dictionary()));
-    documents_[editor] = cif;
-    return cif;
+CifDocumentCheck QcbsMainWindow::documentCheck() {
+    CifCheckSettings settings;
+    settings.parser = sharedData_->parserSettings();
+    settings.publication_items = sharedData_->mandatoryPublicationItems();
+    settings.crystal_items = sharedData_->mandatoryCrystalItems();
+    settings.consistency = sharedData_->consistencyChecks();
+    return CifDocumentCheck(dictionary(), std::move(settings));
 }
 
 THandle<Cif> QcbsMainWindow::parse() {
@@ -95,9 +99,8 @@ THandle<Cif> QcbsMainWindow::parse() {
 
     // Raw text keeps every character as typed (a no-break space stays one).
     std::string text = documentBytes(editor->document()->toRawText(), documentEncoding(editor));
-    THandle<Cif> cif = newDocument(editor);
-    cif->read_text(std::move(text), sharedData_->parserSettings());
-    cif->check_mandatory(sharedData_->mandatoryPublicationItems(), sharedData_->mandatoryCrystalItems());
+    THandle<Cif> cif = documentCheck().run(std::move(text));
+    documents_[editor] = cif;
     parsed_.insert(editor);
     noteLinesAtCheck(editor);
     // The tools that depend on the document (the crystal wizard) follow it.
@@ -110,11 +113,10 @@ THandle<Cif> QcbsMainWindow::parse(std::string filename, bool showErrors) {
     QcbsRichTextEdit* editor = currentEditor();
     if (editor == nullptr) return THandle<Cif>();
 
-    THandle<Cif> cif = newDocument(editor);
     // A file that cannot be opened reads as an empty stream.
     std::ifstream file(filename, std::ios::binary);
-    cif->read(file, sharedData_->parserSettings());
-    cif->check_mandatory(sharedData_->mandatoryPublicationItems(), sharedData_->mandatoryCrystalItems());
+    THandle<Cif> cif = documentCheck().run(file);
+    documents_[editor] = cif;
     noteLinesAtCheck(editor);
     updateCrystalWizard();
     finishCheck(editor, cif, showErrors);
@@ -122,7 +124,6 @@ THandle<Cif> QcbsMainWindow::parse(std::string filename, bool showErrors) {
 }
 
 void QcbsMainWindow::finishCheck(QcbsRichTextEdit* editor, THandle<Cif> cif, bool showErrors) {
-    consistency_check(cif);
     if (showErrors) processErrors(cif);
     fillBlocksCombo(cif);
     loadBoxView();

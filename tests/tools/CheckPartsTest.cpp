@@ -11,7 +11,6 @@
 #include "tools/CheckOptions.hpp"
 #include "tools/CheckReport.hpp"
 #include "tools/DictionaryFiles.hpp"
-#include "tools/MandatoryItems.hpp"
 
 namespace {
 
@@ -76,28 +75,6 @@ TEST(CheckReport, JsonCarriesTheMessagesEscapedWithCountsPerFileAndInAll) {
     }
     EXPECT_EQ(problems.str(), "");
     EXPECT_EQ(CheckReport::json_string(std::string("a\tb\xE9\\")), "\"a\\u0009b\\u00e9\\\\\"");
-}
-
-TEST(MandatoryItems, SectionsDecideTheListsAnItemGoesTo) {
-    std::istringstream file(
-        "# mandatory items\r\n"
-        "_dropped_before_any_section\n"
-        "data_crystal\n"
-        "  _cell_length_a   with a remark\n"
-        "data_all\n"
-        "\t_publ_section_title\n"
-        "data_publication\n"
-        "_journal_name_full\n"
-        "something else\n"
-        "data_other\n"
-        "_dropped_under_an_unknown_section\n"
-        "data_Crystal\n"  // headers are case-sensitive
-        "_dropped_too\n"
-        "data_crystal\n"
-        "_cell_length_a\n");
-    MandatoryItems items = MandatoryItems::read(file);
-    EXPECT_EQ(items.crystal, (Strings{"_cell_length_a", "_publ_section_title", "_cell_length_a"}));
-    EXPECT_EQ(items.publication, (Strings{"_publ_section_title", "_journal_name_full"}));
 }
 
 TEST(DictionaryFiles, TheEnvironmentNamesDirectoriesAndFilesBeforeTheCommandLine) {
