@@ -6,7 +6,7 @@
 #include "application/QcbsApplication.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 
 int main(int argc, char** argv) {
     QcbsApplication app(argc, argv);

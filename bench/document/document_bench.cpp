@@ -28,9 +28,9 @@
 #include <cstring>
 #include <functional>
 
-#include "application/QcbsDocumentEncoding.hpp"
-#include "application/QcbsDocumentLines.hpp"
-#include "application/QcbsDocumentSaver.hpp"
+#include "document/QcbsDocumentEncoding.hpp"
+#include "document/QcbsDocumentLines.hpp"
+#include "document/QcbsDocumentSaver.hpp"
 #include "validation/QcbsCoreCifFileValidator.hpp"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <QPointer>
 #include <QScreen>
 
-#include "application/ORMALogQString.hpp"
+#include "base/ORMALogQString.hpp"
 #include "application/QcbsMainWindow.hpp"
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "resources/QcbsImages.hpp"
 #include "support/ORMALog.hpp"
 

@@ -20,10 +20,10 @@
 #include <fstream>
 #include <utility>
 
-#include "application/ORMAApplicationSettings.hpp"
-#include "application/ORMALogQString.hpp"
+#include "base/ORMAApplicationSettings.hpp"
+#include "base/ORMALogQString.hpp"
 #include "application/QcbsMainWindowActions.hpp"
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "application/QtServerApplication.hpp"
 #include "cif/CifMandatoryItems.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"

@@ -8,7 +8,7 @@
 #include <QStringList>
 
 #include "application/QcbsContactAuthor.hpp"
-#include "application/QcbsDocumentEncoding.hpp"
+#include "document/QcbsDocumentEncoding.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
 #include "cif/Cif.hpp"
 #include "cif/CifDocumentCheck.hpp"

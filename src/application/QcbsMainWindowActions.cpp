@@ -9,7 +9,7 @@
 #include <QToolBar>
 
 #include "application/QcbsMainWindow.hpp"
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "resources/QcbsXpmResource.hpp"
 #include "widgets/RecentFilesMenu.hpp"
 

@@ -17,13 +17,13 @@
 #include <QTimer>
 #include <QUrl>
 
-#include "application/ORMALogQString.hpp"
-#include "application/QcbsDocumentLines.hpp"
-#include "application/QcbsDocumentPrinter.hpp"
-#include "application/QcbsDocumentSaver.hpp"
+#include "base/ORMALogQString.hpp"
+#include "document/QcbsDocumentLines.hpp"
+#include "document/QcbsDocumentPrinter.hpp"
+#include "document/QcbsDocumentSaver.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "support/ORMALog.hpp"
 #include "validation/QcbsCoreCifFileValidator.hpp"

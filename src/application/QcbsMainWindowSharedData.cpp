@@ -2,7 +2,7 @@
 
 #include <QDir>
 
-#include "application/ORMALogQString.hpp"
+#include "base/ORMALogQString.hpp"
 #include "application/QtServerApplication.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"

@@ -9,7 +9,7 @@
 #include <QProcess>
 #include <QUrl>
 
-#include "application/ORMALogQString.hpp"
+#include "base/ORMALogQString.hpp"
 #include "support/ORMALog.hpp"
 
 namespace {

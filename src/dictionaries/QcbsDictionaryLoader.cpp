@@ -4,7 +4,7 @@
 #include <QFile>
 #include <fstream>
 
-#include "application/ORMALogQString.hpp"
+#include "base/ORMALogQString.hpp"
 #include "cif/CifConcreteDictionary.hpp"
 #include "support/ORMALog.hpp"
 

@@ -1,6 +1,6 @@
 #include "dictionaries/QcbsDictionarySettings.hpp"
 
-#include "application/ORMAApplicationSettings.hpp"
+#include "base/ORMAApplicationSettings.hpp"
 
 QcbsDictionarySettings::QcbsDictionarySettings() { setObjectName("DictionarySettings"); }
 

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-#include "application/ORMAApplicationSettings.hpp"
+#include "base/ORMAApplicationSettings.hpp"
 
 namespace {
 

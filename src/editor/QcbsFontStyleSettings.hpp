@@ -8,7 +8,7 @@
 #include <ostream>
 #include <utility>
 
-#include "editor/EnumTextMapping.hpp"
+#include "base/EnumTextMapping.hpp"
 
 class ORMAApplicationSettings;
 

@@ -6,7 +6,7 @@
 #include <QTextLayout>
 #include <vector>
 
-#include "application/ORMALogQString.hpp"
+#include "base/ORMALogQString.hpp"
 #include "cif/CifDictionary.hpp"
 #include "editor/QcbsHighlightScheduler.hpp"
 #include "support/ORMALog.hpp"

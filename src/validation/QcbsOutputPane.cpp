@@ -3,7 +3,7 @@
 #include <QContextMenuEvent>
 #include <QMenu>
 
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "resources/QcbsXpmResource.hpp"
 
 QcbsOutputPane::QcbsOutputPane(QWidget* parent, const char* name) : QTextEdit(parent) {

@@ -6,7 +6,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 
 QcbsHelpWindow::QcbsHelpWindow(const QStringList& searchPaths, QWidget* parent)
     : QWidget(parent, Qt::Window) {

@@ -3,7 +3,7 @@
 #include <QAction>
 #include <QMenu>
 
-#include "application/ORMAApplicationSettings.hpp"
+#include "base/ORMAApplicationSettings.hpp"
 
 RecentFilesMenu::RecentFilesMenu(QObject* parent) : QObject(parent) {}
 

@@ -8,7 +8,7 @@
 #include "GuiTestSupport.hpp"
 #include "application/QcbsApplication.hpp"
 #include "application/QcbsMainWindow.hpp"
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 
 namespace {
 

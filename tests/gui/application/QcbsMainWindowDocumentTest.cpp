@@ -16,7 +16,7 @@
 #include "ApplicationTestSupport.hpp"
 #include "DialogAnswerer.hpp"
 #include "GuiTestSupport.hpp"
-#include "application/QcbsDocumentSaver.hpp"
+#include "document/QcbsDocumentSaver.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "widgets/RecentFilesMenu.hpp"
 

@@ -11,7 +11,7 @@
 
 #include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "application/QtServerApplication.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "visualiser/QcbsVisSorter.hpp"

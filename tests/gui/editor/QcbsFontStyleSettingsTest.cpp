@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "GuiTestSupport.hpp"
-#include "application/ORMAApplicationSettings.hpp"
+#include "base/ORMAApplicationSettings.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
 
 namespace {

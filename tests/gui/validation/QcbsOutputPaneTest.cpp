@@ -6,7 +6,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "validation/QcbsOutputPane.hpp"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "application/QcbsDocumentSaver.hpp"
+#include "document/QcbsDocumentSaver.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>

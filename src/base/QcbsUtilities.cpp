@@ -1,4 +1,4 @@
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 
 #include <QDate>
 #include <QRegularExpression>

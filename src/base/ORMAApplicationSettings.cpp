@@ -1,4 +1,4 @@
-#include "application/ORMAApplicationSettings.hpp"
+#include "base/ORMAApplicationSettings.hpp"
 
 #include <QDir>
 #include <QStandardPaths>

@@ -8,11 +8,11 @@
 #include <QTextCursor>
 #include <QTextDocument>
 
-#include "ApplicationTestSupport.hpp"
-#include "application/QcbsDocumentEncoding.hpp"
-#include "application/QcbsDocumentLines.hpp"
-#include "application/QcbsDocumentPrinter.hpp"
-#include "application/QcbsDocumentSaver.hpp"
+#include "application/ApplicationTestSupport.hpp"
+#include "document/QcbsDocumentEncoding.hpp"
+#include "document/QcbsDocumentLines.hpp"
+#include "document/QcbsDocumentPrinter.hpp"
+#include "document/QcbsDocumentSaver.hpp"
 
 namespace {
 

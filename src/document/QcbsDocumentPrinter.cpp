@@ -1,4 +1,4 @@
-#include "application/QcbsDocumentPrinter.hpp"
+#include "document/QcbsDocumentPrinter.hpp"
 
 #include <QFontMetricsF>
 #include <QPainter>

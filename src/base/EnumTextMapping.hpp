@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "application/ORMALogQString.hpp"
+#include "base/ORMALogQString.hpp"
 #include "support/ORMALog.hpp"
 
 // A fixed table from the values of an enumeration to texts. The texts name

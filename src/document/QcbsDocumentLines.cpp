@@ -1,4 +1,4 @@
-#include "application/QcbsDocumentLines.hpp"
+#include "document/QcbsDocumentLines.hpp"
 
 #include <QTextDocument>
 

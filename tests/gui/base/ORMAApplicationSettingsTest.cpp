@@ -3,7 +3,7 @@
 #include <QFile>
 
 #include "GuiTestSupport.hpp"
-#include "application/ORMAApplicationSettings.hpp"
+#include "base/ORMAApplicationSettings.hpp"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "application/QcbsDocumentEncoding.hpp"
+#include "document/QcbsDocumentEncoding.hpp"
 
 #include <QStringDecoder>
 #include <algorithm>

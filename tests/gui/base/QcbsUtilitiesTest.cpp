@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "application/QcbsUtilities.hpp"
+#include "base/QcbsUtilities.hpp"
 
 namespace {
 
