@@ -37,6 +37,8 @@ public:
     int last_end_line() const { return last_end_line_; }
     // The number of the line the lexer is on (the last line at the end).
     int line() const { return line_; }
+    // Just past the last token returned (after its closing quote or ";").
+    const char* position() const { return p_; }
 
 private:
     bool at_line_start(const char* p) const { return p == begin_ || p[-1] == '\n'; }
