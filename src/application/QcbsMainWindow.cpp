@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -20,14 +21,15 @@
 #include <fstream>
 #include <utility>
 
+#include "application/QcbsMainWindowActions.hpp"
+#include "application/QtServerApplication.hpp"
 #include "base/ORMAApplicationSettings.hpp"
 #include "base/ORMALogQString.hpp"
-#include "application/QcbsMainWindowActions.hpp"
 #include "base/QcbsUtilities.hpp"
-#include "application/QtServerApplication.hpp"
 #include "cif/CifMandatoryItems.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
+#include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
@@ -40,50 +42,10 @@
 #include "widgets/QcbsHelpWindow.hpp"
 #include "widgets/RecentFilesMenu.hpp"
 
-bool QcbsMainWindow::text_buttons = false;
-int QcbsMainWindow::initial_app_width = 800;
-int QcbsMainWindow::initial_app_height = 650;
-int QcbsMainWindow::max_consec_error = 4;
-bool QcbsMainWindow::reuse_window = false;
-bool QcbsMainWindow::start_with_template = false;
-QString QcbsMainWindow::template_file;
-bool QcbsMainWindow::check_mandatory_items = false;
-QString QcbsMainWindow::mandatory_items_file;
-QcbsContactAuthor QcbsMainWindow::contact_author;
 RecentFilesMenu* QcbsMainWindow::recentFiles = nullptr;
 QPointer<QcbsMainWindow> QcbsMainWindow::lastActive_;
 
 namespace {
-
-// Reads and writes settings keys with one level-3 debug line each, so that
-// the log shows every key in the order it was used.
-class TracedSettings {
-public:
-    explicit TracedSettings(const char* method) : method_(method) {}
-
-    bool read(const char* key, bool def) { return trace(key, store_.readBoolEntry(key, def)); }
-    int read(const char* key, int def) { return trace(key, store_.readNumEntry(key, def)); }
-    QString read(const char* key, const QString& def) { return trace(key, store_.readEntry(key, def)); }
-
-    template <class T>
-    void write(const char* key, const T& value) {
-        store_.writeEntry(key, value);
-        trace(key, value);
-    }
-
-private:
-    template <class T>
-    const T& trace(const char* key, const T& value) {
-        if (ORMALog::wants(3)) {
-            ORMALog::start_debug_line(3) << "QcbsMainWindow::" << method_ << " - " << key << ": " << value;
-            ORMALog::end_debug_line();
-        }
-        return value;
-    }
-
-    ORMAApplicationSettings store_;
-    const char* method_;
-};
 
 QIcon imageIcon(int image) {
     QIcon icon;
@@ -117,7 +79,7 @@ QcbsMainWindow::QcbsMainWindow(THandle<QcbsMainWindowSharedData> sharedData, Win
     debugLine(1, "QcbsMainWindow::QcbsMainWindow - Applying preference settings ...");
     initialiseSettings();
     setMinimumSize(400, 300);
-    resize(initial_app_width, initial_app_height);
+    resize(options().initial_app_width, options().initial_app_height);
 
     makeRecentFilesList();
     makeFileActions();
@@ -139,6 +101,7 @@ QcbsMainWindow::QcbsMainWindow(THandle<QcbsMainWindowSharedData> sharedData, Win
 
     makeEditorPage();
     makeTabs();
+    makeDocument();
 
     enableTools(tabs_->currentWidget());
     makeEditorConnections();
@@ -166,68 +129,41 @@ void QcbsMainWindow::makeRecentFilesList() {
 void QcbsMainWindow::connectSharedData() {
     connect(sharedData_->dictionaryLoader().get(), &QcbsDictionaryLoader::outputMessageRequest, this,
             &QcbsMainWindow::writeToOutputPane);
+    // A change of the preferences reaches every window at once.
+    connect(sharedData_->options(), &QcbsProgramOptions::changed, this, &QcbsMainWindow::applyOptions);
 }
 
 void QcbsMainWindow::loadSettings() {
     sharedData_->fontStyles()->loadSettings();
-
-    TracedSettings settings("loadSettings");
-    text_buttons = settings.read("text on buttons", false);
-    initial_app_height = settings.read("window height", 650);
-    initial_app_width = settings.read("window width", 800);
-    max_consec_error = settings.read("max consec error", 4);
-    reuse_window = settings.read("reuse window", false);
-    start_with_template = settings.read("start with template", false);
-    template_file = settings.read("template filename", QString(""));
-    check_mandatory_items = settings.read("check mandatory items", false);
-    mandatory_items_file = settings.read("mandatory filename", QString(""));
-    sharedData_->setLineNumbers(settings.read("line numbers", false));
-    sharedData_->setSaveBackup(settings.read("save backup file", false));
-    // One limit for reader and printer, read once for each.
-    sharedData_->setParserLineLength(settings.read("line length limit", 80));
-    sharedData_->setWriteLineLength(settings.read("line length limit", 80));
-    sharedData_->setConsistencyChecks(settings.read("consistency checks", true));
-    contact_author.name = settings.read("contact name", QString());
-    contact_author.address = settings.read("contact address", QString());
-    contact_author.phone = settings.read("contact phone", QString());
-    contact_author.fax = settings.read("contact fax", QString());
-    contact_author.email = settings.read("contact email", QString());
+    sharedData_->options()->load();
 }
 
 void QcbsMainWindow::saveSettings() {
     sharedData_->dictionarySettings()->saveSettings();
     sharedData_->fontStyles()->saveSettings();
     // The window saved last gives the size of new windows.
-    initial_app_width = width();
-    initial_app_height = height();
+    QcbsOptions values = options();
+    values.initial_app_width = width();
+    values.initial_app_height = height();
+    sharedData_->options()->setValues(values);
     if (recentFiles != nullptr) recentFiles->saveSettings();
-
-    TracedSettings settings("saveSettings");
-    settings.write("text on buttons", text_buttons);
-    settings.write("window height", initial_app_height);
-    settings.write("window width", initial_app_width);
-    settings.write("max consec error", max_consec_error);
-    settings.write("reuse window", reuse_window);
-    settings.write("start with template", start_with_template);
-    settings.write("template filename", template_file);
-    settings.write("check mandatory items", check_mandatory_items);
-    settings.write("mandatory filename", mandatory_items_file);
-    settings.write("line numbers", sharedData_->lineNumbers());
-    settings.write("save backup file", sharedData_->saveBackup());
-    // The reader's copy is the one saved.
-    settings.write("line length limit", sharedData_->parserLineLength());
-    settings.write("consistency checks", sharedData_->consistencyChecks());
-    settings.write("contact name", contact_author.name);
-    settings.write("contact address", contact_author.address);
-    settings.write("contact phone", contact_author.phone);
-    settings.write("contact fax", contact_author.fax);
-    settings.write("contact email", contact_author.email);
+    sharedData_->options()->save();
 }
 
 void QcbsMainWindow::initialiseSettings() {
-    setToolButtonStyle(text_buttons ? Qt::ToolButtonTextUnderIcon : Qt::ToolButtonIconOnly);
+    setToolButtonStyle(options().text_buttons ? Qt::ToolButtonTextUnderIcon : Qt::ToolButtonIconOnly);
     // "Insert Template" inserts the template file that new documents start from.
-    QcbsRichTextEdit::template_ = template_file;
+    QcbsRichTextEdit::template_ = options().template_file;
+}
+
+void QcbsMainWindow::applyOptions(const QcbsOptions& previous) {
+    initialiseSettings();
+    const QcbsOptions& now = options();
+    if (editorPane_ != nullptr && now.line_numbers != previous.line_numbers)
+        editorPane_->setShowLineNumbers(now.line_numbers);
+    if (now.check_mandatory_items != previous.check_mandatory_items ||
+        now.mandatory_items_file != previous.mandatory_items_file)
+        loadMandatoryDataItemSettings();
 }
 
 void QcbsMainWindow::initialiseAllInstSettings() {
@@ -250,7 +186,8 @@ void QcbsMainWindow::loadMandatoryDataItemSettings() {
     std::vector<std::string>& crystal = sharedData_->mandatoryCrystalItems();
     publication.clear();
     crystal.clear();
-    if (!check_mandatory_items || mandatory_items_file.isEmpty()) return;
+    const QString& mandatory_items_file = options().mandatory_items_file;
+    if (!options().check_mandatory_items || mandatory_items_file.isEmpty()) return;
 
     debugLine(2, "QcbsMainWindow::loadMandatoryDataItemSettings - " + mandatory_items_file);
     std::ifstream in;
@@ -327,7 +264,9 @@ void QcbsMainWindow::makeMainWidgets() {
     messages->setObjectName("messagesplitter");
     messages->addWidget(errorList_);
     messages->addWidget(pane);
-    messages->setSizes({initial_app_width * 11 / 20, initial_app_width * 9 / 20});
+    const int width = options().initial_app_width;
+    const int height = options().initial_app_height;
+    messages->setSizes({width * 11 / 20, width * 9 / 20});
 
     auto* central = new QSplitter(Qt::Vertical, this);
     central->setObjectName("mainsplitter");
@@ -335,7 +274,7 @@ void QcbsMainWindow::makeMainWidgets() {
     central->addWidget(messages);
     central->setStretchFactor(0, 1);
     central->setStretchFactor(1, 0);
-    central->setSizes({initial_app_height * 7 / 10, initial_app_height * 3 / 10});
+    central->setSizes({height * 7 / 10, height * 3 / 10});
     setCentralWidget(central);
     setOutputPane(pane);
 
@@ -382,7 +321,7 @@ void QcbsMainWindow::makeEditorPage() {
 void QcbsMainWindow::initBoxEdSplitterSizes() {
     editorPage_->setStretchFactor(0, 0);
     editorPage_->setStretchFactor(1, 1);
-    editorPage_->setSizes({initial_app_width / 4, initial_app_width * 3 / 4});
+    editorPage_->setSizes({options().initial_app_width / 4, options().initial_app_width * 3 / 4});
 }
 
 void QcbsMainWindow::makeBoxViewConnections() {
@@ -439,16 +378,19 @@ QcbsRichTextEdit* QcbsMainWindow::currentEditor() const {
 
 QComboBox* QcbsMainWindow::blocksCombo() const { return actions_->blocks(); }
 
-void QcbsMainWindow::setFileName(QcbsRichTextEdit* editor, const QString& name) {
-    fileNames_[editor] = name;
-    if (editor == currentEditor()) updateCaption();
+void QcbsMainWindow::makeDocument() {
+    document_ = new QcbsCifDocument(currentEditor(), this);
+    document_->setCheckSource([this] { return documentCheck(); });
+    connect(document_, &QcbsCifDocument::fileNameChanged, this, &QcbsMainWindow::updateCaption);
+    connect(document_, &QcbsCifDocument::checked, this, [this](THandle<Cif> cif) { finishCheck(cif, true); });
 }
 
-THandle<Cif> QcbsMainWindow::currentCif() const { return documents_.value(currentEditor()); }
+QString QcbsMainWindow::fileName() const { return document_ != nullptr ? document_->fileName() : QString(); }
 
-void QcbsMainWindow::setCif(QcbsRichTextEdit* editor, THandle<Cif> cif) {
-    documents_[editor] = std::move(cif);
-    if (editor == currentEditor()) updateCrystalWizard();
+bool QcbsMainWindow::isUntitled(const QString& filename) { return QcbsCifDocument::isUntitled(filename); }
+
+THandle<Cif> QcbsMainWindow::currentCif() const {
+    return document_ != nullptr ? document_->lastCheck() : THandle<Cif>();
 }
 
 THandle<CifDataBlock> QcbsMainWindow::currentBlock() const {
@@ -459,13 +401,6 @@ THandle<CifDataBlock> QcbsMainWindow::currentBlock() const {
     currentEditor()->getCursorPosition(&paragraph, &index);
     const auto block = cif->block_at_line(paragraph + 1);
     return block != cif->block_end() ? *block : cif->block(0);
-}
-
-void QcbsMainWindow::setParseAllowed(QcbsRichTextEdit* editor, bool allowed) {
-    if (allowed)
-        notParsed_.remove(editor);
-    else
-        notParsed_.insert(editor);
 }
 
 int QcbsMainWindow::instances() {
@@ -485,7 +420,7 @@ void QcbsMainWindow::enableTools(QWidget* page) {
         enableFindTools(true);
         enableVisTools(false);
         enableCifTools(true);
-        enableParseTools(parseAllowed(currentEditor()));
+        enableParseTools(document_ == nullptr || document_->checkAllowed());
         // The chooser offers blocks only once a check has listed some.
         blocksCombo()->setEnabled(blocksCombo()->count() > 1);
     } else if (page->inherits("QcbsVisSorter")) {
@@ -562,7 +497,7 @@ void QcbsMainWindow::setCaption(const QString& fileName) {
     setWindowTitle(shown + " - " + programQName());
 }
 
-void QcbsMainWindow::updateCaption() { setCaption(fileName(currentEditor())); }
+void QcbsMainWindow::updateCaption() { setCaption(fileName()); }
 
 void QcbsMainWindow::statusLineNumber() {
     const QcbsRichTextEdit* editor = currentEditor();
@@ -612,7 +547,7 @@ void QcbsMainWindow::fileCloseRequested() {
 }
 
 void QcbsMainWindow::closeEvent(QCloseEvent* event) {
-    if (fileNames_.contains(currentEditor()) && !fileClose()) {
+    if (document_->isOpen() && !fileClose()) {
         event->ignore();
         return;
     }
@@ -724,8 +659,29 @@ void QcbsMainWindow::editSelectall() {
     if (QcbsRichTextEdit* editor = currentEditor()) editor->selectAll();
 }
 
-void QcbsMainWindow::editorInsertTextHelper(const QString& text) {
-    if (QcbsRichTextEdit* editor = currentEditor()) editor->insertPlainText(text);
+void QcbsMainWindow::editorInsertTextHelper(const QString& text) { document_->insertText(text); }
+
+void QcbsMainWindow::editorJumpToItemHelper(const QString& dataName, int index) {
+    if (!document_->goToItem(dataName, index)) QApplication::beep();
+}
+
+void QcbsMainWindow::editorJumpToBlockHelper(const QString& blockName) {
+    if (!document_->goToBlock(blockName)) QApplication::beep();
+}
+
+void QcbsMainWindow::blockUpdate(const QString& blockText) {
+    // The block is the one the text names in its heading.
+    const QString heading = blockText.trimmed().section(QRegularExpression("\\s"), 0, 0);
+    if (!document_->replaceBlock(heading, blockText))
+        statusBarMessage("The block " + heading + " is no longer in the text.");
+}
+
+void QcbsMainWindow::blockAdd(const QString& blockText) {
+    // A new block goes before the first block, or is the document's first.
+    const THandle<Cif> cif = currentCif();
+    const QString first =
+        cif.is_null() || cif->block_count() == 0 ? QString() : QString::fromStdString(cif->block(0)->name());
+    document_->addBlock(blockText, first);
 }
 
 void QcbsMainWindow::toggleBoxView() { boxView_->setVisible(boxView_->isHidden()); }

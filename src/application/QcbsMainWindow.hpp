@@ -1,15 +1,12 @@
 #pragma once
 
 #include <QMainWindow>
-#include <QMap>
 #include <QPointer>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
-#include "application/QcbsContactAuthor.hpp"
-#include "document/QcbsDocumentEncoding.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
+#include "base/QcbsOptions.hpp"
 #include "cif/Cif.hpp"
 #include "cif/CifDocumentCheck.hpp"
 #include "support/THandle.hpp"
@@ -24,6 +21,7 @@ class QSplitter;
 class QTabWidget;
 class RecentFilesMenu;
 class QcbsAboutBox;
+class QcbsCifDocument;
 class QcbsCifBoxView;
 class QcbsErrorListView;
 class QcbsHelpWindow;
@@ -34,10 +32,11 @@ class QcbsVisSorter;
 
 // One editor window holding one document: the editor with the tree of its
 // blocks beside it, the visualiser page, the error list and the output pane,
-// the menus and tool bars and the status bar. All windows share one
-// QcbsMainWindowSharedData; the options that hold for the whole program are
-// class-wide members, read from the settings by loadSettings() and written
-// back by saveSettings().
+// the menus and tool bars and the status bar. The document itself (text,
+// file, encoding, last check, the edits views ask for) is the window's
+// QcbsCifDocument. All windows share one QcbsMainWindowSharedData and with
+// it the program's options, read from the settings by loadSettings() and
+// written back by saveSettings().
 class QcbsMainWindow : public QMainWindow {
     Q_OBJECT
 public:
@@ -63,18 +62,17 @@ public:
     // The right-hand part of the status bar: "Line N, Column M".
     QLabel* statusLine() const { return statusLine_; }
 
-    // The file an editor shows; empty for an editor never given a file.
-    QString fileName(QcbsRichTextEdit* editor) const { return fileNames_.value(editor); }
-    void setFileName(QcbsRichTextEdit* editor, const QString& name);
-    // The result of the last check of the current editor's text, or null.
+    // The window's document; it exists as long as the window.
+    QcbsCifDocument* document() const { return document_; }
+    // The file shown; empty when the window holds no document.
+    QString fileName() const;
+    // The result of the last check of the document, or null.
     THandle<Cif> currentCif() const;
-    void setCif(QcbsRichTextEdit* editor, THandle<Cif> cif);
     // The block the cursor stands in (the first block when the cursor is
     // above every block) of the last check, or null.
     THandle<CifDataBlock> currentBlock() const;
-    // Whether Check may run on an editor's text (true unless marked otherwise).
-    bool parseAllowed(QcbsRichTextEdit* editor) const { return !notParsed_.contains(editor); }
-    void setParseAllowed(QcbsRichTextEdit* editor, bool allowed);
+    // The program's options (shared by every window).
+    const QcbsOptions& options() const { return sharedData_->optionValues(); }
 
     // --- Parsing and error processing (QcbsMainWindowParsing.cpp) ---
     // The pool of enabled dictionaries that every check uses. The dictionary
@@ -99,10 +97,6 @@ public:
     // The block chooser: a header counting the blocks, then one item per
     // block; the placeholder block is neither counted nor named.
     void fillBlocksCombo(THandle<Cif> cif);
-    // Whether the editor's text was checked by parse(), and its line count
-    // at the last check (-1 before any).
-    bool isParsed(QcbsRichTextEdit* editor) const { return parsed_.contains(editor); }
-    int parsedLineCount(QcbsRichTextEdit* editor) const { return parsedLines_.value(editor, -1); }
     // The block the publication wizard adds to a document without blocks.
     static QString placeholderBlockName() { return "data_added_by_tessary"; }
 
@@ -117,7 +111,7 @@ public:
     // Saves the dictionary settings, the text styles, this window's size (as
     // the size of new windows), the recent files and the window's settings keys.
     void saveSettings();
-    // Applies the class-wide options to this window.
+    // Applies the program's options to this window.
     void initialiseSettings();
     // Applies initialiseSettings() to every main window of the program.
     static void initialiseAllInstSettings();
@@ -135,17 +129,7 @@ public:
     QcbsOutputPane* outputPane() const { return outputPane_; }
     const QStringList& pendingOutputPaneWrites() const { return pendingOutputPaneWrites_; }
 
-    // Options shared by every window.
-    static bool text_buttons;
-    static int initial_app_width;
-    static int initial_app_height;
-    static int max_consec_error;
-    static bool reuse_window;
-    static bool start_with_template;
-    static QString template_file;
-    static bool check_mandatory_items;
-    static QString mandatory_items_file;
-    static QcbsContactAuthor contact_author;
+    // The one recent-files list of the program.
     static RecentFilesMenu* recentFiles;
 
 public slots:
@@ -265,7 +249,7 @@ signals:
 public:
     // Whether opening a file replaces this window's document (the option
     // "reuse window") rather than opening another window.
-    static bool reuseWindow() { return reuse_window; }
+    bool reuseWindow() const { return options().reuse_window; }
     // Gives the editor a new untitled name ("x:/dummy/untitled" + number +
     // ".cif", a path that cannot exist, so that Save turns into Save As).
     void fileNewUntitled();
@@ -284,10 +268,7 @@ public:
     // Whether the window holds no document worth keeping: none at all, or
     // an untitled one that is empty and unmodified.
     bool isBlank() const;
-    // The encoding an editor's file was read in and is written back in.
-    QcbsDocumentEncoding documentEncoding(QcbsRichTextEdit* editor) const { return encodings_.value(editor); }
-    static bool isUntitled(const QString& filename) { return filename.startsWith(untitledPrefix()); }
-    static QString untitledPrefix() { return "x:/dummy/untitled"; }
+    static bool isUntitled(const QString& filename);
 
 signals:
     // A loaded file is wholly in the editor (and checked, when asked).
@@ -296,14 +277,13 @@ signals:
 private:
     bool saveDocument();
     bool saveDocumentAs();
-    bool writeDocument(QcbsRichTextEdit* editor, const QString& filename);
+    bool writeDocument(const QString& filename);
     void finishLoad(int serial, const QString& filename, bool check);
-    void clearDocument(QcbsRichTextEdit* editor);
+    void clearDocument();
     void resetBlocksCombo();
     void openDroppedFiles(const QStringList& files);
     QString askSaveFileName(const QString& proposed);
 
-    QMap<QcbsRichTextEdit*, QcbsDocumentEncoding> encodings_;
     // Counts the loads begun, so that a load overtaken by another (or by a
     // close) is not finished.
     int loadSerial_ = 0;
@@ -334,6 +314,9 @@ private:
     void makeTabs();
     void makeVisConnections();
     void makeEditorConnections();
+    void makeDocument();
+    // Applies changed options to this window.
+    void applyOptions(const QcbsOptions& previous);
     void updateCrystalWizard();
     void updateCaption();
     void showNotAvailable(const QString& function);
@@ -353,9 +336,7 @@ private:
     QPointer<QcbsHelpWindow> helpWindow_;
     QPointer<QcbsAboutBox> aboutBox_;
 
-    QMap<QcbsRichTextEdit*, QString> fileNames_;
-    QMap<QcbsRichTextEdit*, THandle<Cif>> documents_;
-    QSet<QcbsRichTextEdit*> notParsed_;
+    QcbsCifDocument* document_ = nullptr;
     bool editorToolsOn_ = false;
     bool cifToolsOn_ = false;
 
@@ -366,13 +347,12 @@ private:
     // dictionaries, the line-length limit, the mandatory items, the
     // consistency option.
     CifDocumentCheck documentCheck();
-    void finishCheck(QcbsRichTextEdit* editor, THandle<Cif> cif, bool showErrors);
-    void noteLinesAtCheck(QcbsRichTextEdit* editor);
+    // The window's lists and views follow a new check of the document.
+    void finishCheck(THandle<Cif> cif, bool showErrors);
+    void noteLinesAtCheck();
     void writeMissingDictionaryNote();
     // Hands the new document to the tree of blocks beside the editor.
     void loadBoxView();
 
-    QSet<QcbsRichTextEdit*> parsed_;
-    QMap<QcbsRichTextEdit*, int> parsedLines_;
     bool missingDictionaryNoted_ = false;
 };

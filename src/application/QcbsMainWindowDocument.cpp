@@ -17,13 +17,13 @@
 #include <QTimer>
 #include <QUrl>
 
-#include "base/ORMALogQString.hpp"
-#include "document/QcbsDocumentLines.hpp"
-#include "document/QcbsDocumentPrinter.hpp"
-#include "document/QcbsDocumentSaver.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
+#include "base/ORMALogQString.hpp"
 #include "base/QcbsUtilities.hpp"
+#include "document/QcbsCifDocument.hpp"
+#include "document/QcbsDocumentPrinter.hpp"
+#include "document/QcbsDocumentSaver.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "support/ORMALog.hpp"
 #include "validation/QcbsCoreCifFileValidator.hpp"
@@ -87,7 +87,7 @@ bool canWriteTo(const QString& filename) {
 // One running number for the untitled files of all windows.
 QString nextUntitledName() {
     static int count = 0;
-    return QcbsMainWindow::untitledPrefix() + QString::number(++count) + ".cif";
+    return QcbsCifDocument::untitledPrefix() + QString::number(++count) + ".cif";
 }
 
 }  // namespace
@@ -97,18 +97,18 @@ QString nextUntitledName() {
 void QcbsMainWindow::fileNew() { fileNew(reuseWindow()); }
 
 void QcbsMainWindow::fileNew(bool replace) {
-    const bool open = fileNames_.contains(currentEditor());
+    const bool open = document_->isOpen();
     if (!replace && open) {
         newWindow();
         return;
     }
     if (replace && open && !fileClose()) return;
     errorList_->removeAll();
-    if (start_with_template && !template_file.isEmpty()) {
-        if (load(template_file, false, false)) {
+    if (options().start_with_template && !options().template_file.isEmpty()) {
+        if (load(options().template_file, false, false)) {
             // The copy is a new document: saving must never overwrite the template.
-            setFileName(currentEditor(), nextUntitledName());
-            setParseAllowed(currentEditor(), true);
+            document_->setFileName(nextUntitledName());
+            document_->setCheckAllowed(true);
             enableParseTools(true);
             writeToOutputPane("(Note, template files are not automatically parsed for errors)", true);
             return;
@@ -121,12 +121,9 @@ void QcbsMainWindow::fileNew(bool replace) {
 }
 
 void QcbsMainWindow::fileNewUntitled() {
-    QcbsRichTextEdit* editor = currentEditor();
-    if (editor == nullptr) return;
+    if (currentEditor() == nullptr) return;
     const QString name = nextUntitledName();
-    setFileName(editor, name);
-    encodings_[editor] = QcbsDocumentEncoding();
-    setParseAllowed(editor, true);
+    document_->open(name);
     resetBlocksCombo();
     writeToOutputPane("<br>Starting new file " + quotedHtml(name), true);
     enableFileTools(true);
@@ -135,8 +132,8 @@ void QcbsMainWindow::fileNewUntitled() {
 
 bool QcbsMainWindow::isBlank() const {
     QcbsRichTextEdit* editor = currentEditor();
-    if (editor == nullptr || !fileNames_.contains(editor)) return true;
-    return isUntitled(fileName(editor)) && !editor->isModified() && !editor->isLoading() &&
+    if (editor == nullptr || !document_->isOpen()) return true;
+    return document_->isUntitled() && !document_->isModified() && !document_->isLoading() &&
            editor->document()->isEmpty();
 }
 
@@ -144,7 +141,7 @@ bool QcbsMainWindow::isBlank() const {
 
 void QcbsMainWindow::fileOpen() {
     QString directory;
-    const QString current = fileName(currentEditor());
+    const QString current = fileName();
     if (!current.isEmpty() && !isUntitled(current)) directory = QFileInfo(current).absolutePath();
     QFileDialog dialog(this, "Open", directory, kFileFilter);
     dialog.setObjectName("openfiledialog");
@@ -165,9 +162,9 @@ void QcbsMainWindow::fileOpen(const QString& filename, bool interactive) {
     // The document goes only when the new one can take its place; a file
     // already open is refused by load() with this document kept.
     if (!fileAlreadyOpen(filename)) {
-        if (fileNames_.contains(editor) && !fileClose()) return;
+        if (document_->isOpen() && !fileClose()) return;
     }
-    if (!load(filename, interactive, true) && !fileNames_.contains(editor)) fileNewUntitled();
+    if (!load(filename, interactive, true) && !document_->isOpen()) fileNewUntitled();
 }
 
 bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check) {
@@ -214,27 +211,20 @@ bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check)
     const int serial = ++loadSerial_;
     {
         const WaitCursor wait;
-        QString text;
-        encodings_[editor] = QcbsDocumentEncoding::detect(bytes, &text);
-        bytes.clear();
-        QcbsDocumentLines::Read read = QcbsDocumentLines::fromFileText(std::move(text));
-        setFileName(editor, filename);
-        setParseAllowed(editor, check);
-        documents_.remove(editor);
-
-        // The line count is known before the text is in: the output pane
-        // gets it now, so that it comes before the check's messages.
-        loadLog("setting up UI");
-        writeToOutputPane("Read " + QString::number(read.lines) + (read.lines == 1 ? " line." : " lines."),
-                          true);
-
         // A big text goes into the editor in slices of the event loop; the
         // check runs once the whole text is in (at once for a small text).
         connect(
             editor, &QcbsRichTextEdit::textLoaded, this,
             [this, serial, filename, check] { finishLoad(serial, filename, check); },
             Qt::SingleShotConnection);
-        editor->loadText(read.text);
+        // The line count is known before the text is in: the output pane
+        // gets it first, so that it comes before the check's messages.
+        document_->load(filename, bytes, [this, check](int lines) {
+            document_->setCheckAllowed(check);
+            loadLog("setting up UI");
+            writeToOutputPane("Read " + QString::number(lines) + (lines == 1 ? " line." : " lines."), true);
+        });
+        bytes.clear();
     }
     if (check && recentFiles != nullptr) recentFiles->addFile(filename);
     enableFileTools(true);
@@ -278,8 +268,8 @@ bool QcbsMainWindow::fileAlreadyOpen(const QString& filename) {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         const auto* window = qobject_cast<QcbsMainWindow*>(widget);
         if (window == nullptr) continue;
-        for (const QString& open : window->fileNames_)
-            if (!isUntitled(open) && sameFile(open, filename)) return true;
+        const QString open = window->fileName();
+        if (window->document()->isOpen() && !isUntitled(open) && sameFile(open, filename)) return true;
     }
     return false;
 }
@@ -298,9 +288,9 @@ bool QcbsMainWindow::saveDocument() {
         statusBarMessage("The file is still being read; it can be saved once it is in.");
         return false;
     }
-    const QString name = fileName(editor);
+    const QString name = fileName();
     if (name.isEmpty() || !QFileInfo::exists(name)) return saveDocumentAs();
-    return writeDocument(editor, name);
+    return writeDocument(name);
 }
 
 bool QcbsMainWindow::saveDocumentAs() {
@@ -310,7 +300,7 @@ bool QcbsMainWindow::saveDocumentAs() {
         statusBarMessage("The file is still being read; it can be saved once it is in.");
         return false;
     }
-    const QString current = fileName(editor);
+    const QString current = fileName();
     QString name = current.isEmpty() || isUntitled(current) ? QString("new.cif") : current;
     for (;;) {
         name = askSaveFileName(name);
@@ -327,8 +317,7 @@ bool QcbsMainWindow::saveDocumentAs() {
     }
     // The document takes the new name only once it is there, so that a
     // failed Save As leaves Save pointing at the file that holds it.
-    if (!writeDocument(editor, name)) return false;
-    setFileName(editor, name);
+    if (!writeDocument(name)) return false;
     if (recentFiles != nullptr) recentFiles->addFile(name);
     return true;
 }
@@ -344,16 +333,9 @@ QString QcbsMainWindow::askSaveFileName(const QString& proposed) {
     return dialog.selectedFiles().first();
 }
 
-bool QcbsMainWindow::writeDocument(QcbsRichTextEdit* editor, const QString& filename) {
-    const QString text = QcbsDocumentLines::toFileText(*editor->document());
-    QcbsDocumentEncoding encoding = encodings_.value(editor);
-    // A character Latin-1 cannot hold is never dropped: such a text is
-    // written as UTF-8.
-    const bool widened = !encoding.canEncode(text);
-    if (widened) encoding = QcbsDocumentEncoding(QcbsDocumentEncoding::Utf8);
-
-    const QcbsDocumentSaver::Result result =
-        QcbsDocumentSaver::save(filename, encoding.encode(text), sharedData_->saveBackup());
+bool QcbsMainWindow::writeDocument(const QString& filename) {
+    bool widened = false;
+    const QcbsDocumentSaver::Result result = document_->save(filename, sharedData_->saveBackup(), &widened);
     if (result.backupFailed)
         QMessageBox::warning(this, "Error",
                              "Could not write backup copy of this file:\n" + result.backupName);
@@ -364,12 +346,10 @@ bool QcbsMainWindow::writeDocument(QcbsRichTextEdit* editor, const QString& file
                               "make a copy");
         return false;
     }
-    encodings_[editor] = encoding;
     if (widened)
         writeToOutputPane("Saved " + quotedHtml(filename) +
                               " as UTF-8: the text holds characters that Latin-1 cannot represent.",
                           true);
-    editor->setModified(false);
     statusLineNumber();
     return true;
 }
@@ -379,7 +359,7 @@ bool QcbsMainWindow::writeDocument(QcbsRichTextEdit* editor, const QString& file
 bool QcbsMainWindow::fileClose() {
     QcbsRichTextEdit* editor = currentEditor();
     if (editor == nullptr) return true;
-    if (editor->isModified()) {
+    if (document_->isModified()) {
         const int answer = ask(
             this, QMessageBox::Question, programQName(), "Save changes to current file?",
             {{"Yes", QMessageBox::YesRole}, {"No", QMessageBox::NoRole}, {"Cancel", QMessageBox::RejectRole}},
@@ -388,22 +368,13 @@ bool QcbsMainWindow::fileClose() {
         // A save that fails or is cancelled keeps the document open.
         if (answer == 0 && !saveDocument()) return false;
     }
-    clearDocument(editor);
+    clearDocument();
     return true;
 }
 
-void QcbsMainWindow::clearDocument(QcbsRichTextEdit* editor) {
+void QcbsMainWindow::clearDocument() {
     ++loadSerial_;  // a load still running is not finished
-    if (editor->isLoading())
-        editor->loadText(QString());
-    else
-        editor->clear();  // also forgets the undo history
-    editor->clearErrorHighlighting();
-    editor->setModified(false);
-    fileNames_.remove(editor);
-    documents_.remove(editor);
-    encodings_.remove(editor);
-    notParsed_.remove(editor);
+    document_->close();
     errorList_->removeAll();
     resetBlocksCombo();
     boxView_->showNoItems();
@@ -467,7 +438,7 @@ void QcbsMainWindow::filePrint() {
         statusBarMessage("The file is still being read; it can be printed once it is in.");
         return;
     }
-    const QString name = fileName(editor);
+    const QString name = fileName();
     const QString title = name.isEmpty()     ? QString("new.cif")
                           : isUntitled(name) ? QFileInfo(name).fileName()
                                              : name;

@@ -4,13 +4,10 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QHash>
-#include <QSignalBlocker>
 #include <QSplitter>
 #include <QTabWidget>
-#include <QTextCursor>
-#include <QTextDocument>
 #include <fstream>
-#include <optional>
+#include <utility>
 
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
@@ -18,36 +15,12 @@
 #include "cif/ORMACifConsistencyChecker.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
+#include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 #include "validation/QcbsErrorListView.hpp"
 
 namespace {
-
-// The bytes handed to the reader: the editor's text in the encoding its file
-// was read in (UTF-8 for a text Latin-1 cannot hold). One pass over a text
-// of plain characters, as most of a big file is.
-std::string documentBytes(const QString& raw, QcbsDocumentEncoding encoding) {
-    const bool utf8 = encoding.kind() == QcbsDocumentEncoding::Utf8;
-    const char16_t limit = utf8 ? 0x7f : 0xff;
-    std::string bytes(static_cast<std::size_t>(raw.size()), '\0');
-    const QChar* in = raw.constData();
-    for (qsizetype i = 0; i < raw.size(); ++i) {
-        char16_t c = in[i].unicode();
-        if (c > limit) {
-            // Raw text ends its lines with Unicode separators.
-            if (c != QChar::ParagraphSeparator && c != QChar::LineSeparator) {
-                QString text = raw;
-                text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
-                const bool asUtf8 = utf8 || !encoding.canEncode(text);
-                return (asUtf8 ? text.toUtf8() : text.toLatin1()).toStdString();
-            }
-            c = u'\n';
-        }
-        bytes[static_cast<std::size_t>(i)] = static_cast<char>(c);
-    }
-    return bytes;
-}
 
 bool isPlaceholder(const THandle<CifDataBlock>& block) {
     return "data_" + QString::fromStdString(block->name()).toLower() ==
@@ -94,52 +67,40 @@ CifDocumentCheck QcbsMainWindow::documentCheck() {
 }
 
 THandle<Cif> QcbsMainWindow::parse() {
-    QcbsRichTextEdit* editor = currentEditor();
-    if (editor == nullptr || !fileNames_.contains(editor)) return THandle<Cif>();
-
-    // Raw text keeps every character as typed (a no-break space stays one).
-    std::string text = documentBytes(editor->document()->toRawText(), documentEncoding(editor));
-    THandle<Cif> cif = documentCheck().run(std::move(text));
-    documents_[editor] = cif;
-    parsed_.insert(editor);
-    noteLinesAtCheck(editor);
-    // The tools that depend on the document (the crystal wizard) follow it.
-    enableTools(tabs_->currentWidget());
-    finishCheck(editor, cif, true);
-    return cif;
+    if (currentEditor() == nullptr || !document_->isOpen()) return THandle<Cif>();
+    // The document's check: its lists and views follow through checked().
+    return document_->check();
 }
 
 THandle<Cif> QcbsMainWindow::parse(std::string filename, bool showErrors) {
-    QcbsRichTextEdit* editor = currentEditor();
-    if (editor == nullptr) return THandle<Cif>();
-
-    // A file that cannot be opened reads as an empty stream.
-    std::ifstream file(filename, std::ios::binary);
-    THandle<Cif> cif = documentCheck().run(file);
-    documents_[editor] = cif;
-    noteLinesAtCheck(editor);
+    if (currentEditor() == nullptr) return THandle<Cif>();
+    const THandle<Cif> cif = document_->checkFile(filename);
+    noteLinesAtCheck();
     updateCrystalWizard();
-    finishCheck(editor, cif, showErrors);
+    finishCheck(cif, showErrors);
     return cif;
 }
 
-void QcbsMainWindow::finishCheck(QcbsRichTextEdit* editor, THandle<Cif> cif, bool showErrors) {
+void QcbsMainWindow::finishCheck(THandle<Cif> cif, bool showErrors) {
+    // The tools that depend on the document (the crystal wizard) follow it.
+    if (showErrors) enableTools(tabs_->currentWidget());
+    noteLinesAtCheck();
     if (showErrors) processErrors(cif);
     fillBlocksCombo(cif);
     loadBoxView();
     // The error list now matches the text: double-clicks highlight again.
-    editor->reopenErrorHighlighting();
+    currentEditor()->reopenErrorHighlighting();
 }
 
-void QcbsMainWindow::noteLinesAtCheck(QcbsRichTextEdit* editor) {
-    parsedLines_[editor] = editor->lines();
+void QcbsMainWindow::noteLinesAtCheck() {
+    QcbsRichTextEdit* editor = currentEditor();
     if (!editor->isLoading()) return;
     // A text still coming in (the file that was just read) has its full line
     // count, and a text unchanged since the check, only once it is in.
     connect(
         editor, &QcbsRichTextEdit::textLoaded, this,
         [this, editor] {
-            parsedLines_[editor] = editor->lines();
+            document_->noteLinesAtCheck();
             editor->reopenErrorHighlighting();
         },
         Qt::SingleShotConnection);
@@ -147,7 +108,7 @@ void QcbsMainWindow::noteLinesAtCheck(QcbsRichTextEdit* editor) {
 
 void QcbsMainWindow::reparse() {
     QcbsRichTextEdit* editor = currentEditor();
-    if (editor == nullptr || !fileNames_.contains(editor)) return;
+    if (editor == nullptr || !document_->isOpen()) return;
     statusBarMessage("Parsing CIF...");
     if (editor->isLoading()) {
         // Checked once the whole text is in; a second request adds nothing.
@@ -169,108 +130,51 @@ void QcbsMainWindow::consistency_check(THandle<Cif> cif) {
 }
 
 void QcbsMainWindow::processErrors(THandle<Cif> cif) {
-    errorList_->removeAll();
-    if (cif.is_null()) return;
+    if (cif.is_null()) {
+        errorList_->removeAll();
+        return;
+    }
     const CifErrorContainer& errors = *cif->errors();
     if (errors.empty()) {
+        errorList_->removeAll();
         writeToOutputPane("No errors, warnings or remarks.", true);
         return;
     }
-
-    QcbsRichTextEdit* editor = currentEditor();
-    QTextDocument* text = editor->document();
-    // The tree hears of its new rows once, after the last: told of each
-    // one, it re-measures its columns every time, which costs a long list
-    // seconds. It sorts and paints once as well.
-    QList<bool> open;
-    for (int i = 0; i < errorList_->topLevelItemCount(); ++i)
-        open << errorList_->topLevelItem(i)->isExpanded();
-    errorList_->setUpdatesEnabled(false);
-    errorList_->setSortingEnabled(false);
-    std::optional<QSignalBlocker> quiet(std::in_place, errorList_->model());
-
     // Remarks about a data name (303, 304) go to its first occurrence in the
-    // text. The search runs on the document, not the editor, so the user's
-    // cursor, selection and scroll position never move.
+    // text when that lies in the same block. The search runs on the
+    // document, so the user's cursor, selection and scroll position stay.
     QHash<QString, int> firstOccurrence;
-    const auto relocated = [&](const CifError& error) {
+    const auto remarkLine = [&](const CifError& error) {
+        if (error.id() != CifError::calculated_value_differs && error.id() != CifError::count_mismatch)
+            return error.line();
         const QString name = QString::fromStdString(error.text());
         auto found = firstOccurrence.find(name);
-        if (found == firstOccurrence.end()) {
-            const QTextCursor at = name.isEmpty() ? QTextCursor() : text->find(name, 0);
-            found = firstOccurrence.insert(name, at.isNull() ? -1 : at.blockNumber() + 1);
-        }
+        if (found == firstOccurrence.end())
+            found = firstOccurrence.insert(name, document_->firstLineOf(name));
         const int line = found.value();
         if (line < 0 || cif->block_at_line(line) != cif->block_at_line(error.line())) return error.line();
         return line;
     };
+    const QcbsErrorListView::Filled filled = errorList_->fill(errors, options().max_consec_error, remarkLine);
+    for (int i = 0; i < filled.misc; ++i) writeToOutputPane("(misc error/info): ", true);
+    if (filled.stoppedAt >= 0)
+        writeToOutputPane(
+            "Check stopped at line " + QString::number(filled.stoppedAt) + ": fix previous errors first. ",
+            false);
 
-    const int limit = max_consec_error;
-    int warningRun = 0;
-    int errorRun = 0;
-    int previousWarning = -99;
-    int previousError = -99;
-    bool stopped = false;
-    for (auto it = errors.begin(); it != errors.end() && !stopped; ++it) {
-        const CifError& error = *it;
-        const int line = error.line();
-        const QString message = QString::fromStdString(error.message());
-        switch (error.type()) {
-            case CifError::remark: {
-                const bool search = error.id() == CifError::calculated_value_differs ||
-                                    error.id() == CifError::count_mismatch;
-                errorList_->addRemark(message, search ? relocated(error) : line, error.id());
-                break;
-            }
-            case CifError::warning: {
-                // Validation reply items (_vrf_...) answer a validation
-                // report; no dictionary defines them, and that is no fault.
-                if (error.id() == CifError::undefined_data_name &&
-                    error.text().find("_vrf") != std::string::npos)
-                    break;
-                if (line == previousWarning + 1)
-                    ++warningRun;
-                else if (line > previousWarning + 1)
-                    warningRun = 1;
-                if (warningRun <= limit) errorList_->addWarning(message, line, error.id());
-                previousWarning = line;
-                if (warningRun == limit + 1) {
-                    errorList_->addWarning("(warnings omitted)", line, CifError::warnings_omitted);
-                    ++warningRun;
-                }
-                break;
-            }
-            case CifError::error: {
-                errorList_->addError(message, line, error.id());
-                if (line == previousError + 1)
-                    ++errorRun;
-                else if (line > previousError + 1)
-                    errorRun = 0;
-                previousError = line;
-                if (errorRun >= limit) {
-                    writeToOutputPane(
-                        "Check stopped at line " + QString::number(line) + ": fix previous errors first.",
-                        false);
-                    stopped = true;
-                }
-                break;
-            }
-            default:
-                writeToOutputPane("(misc error/info): ", true);
-                break;
-        }
+    const auto count = [&](int kind) { return QString::number(filled.total[kind]); };
+    QString totals = "Total errors: " + count(CifError::error) + "; warnings: " + count(CifError::warning) +
+                     "; remarks: " + count(CifError::remark);
+    // The list and the pane tell the same story when the limits hid entries.
+    QStringList cut;
+    for (const auto& [kind, name] : {std::pair{int(CifError::error), "errors"},
+                                     {int(CifError::warning), "warnings"},
+                                     {int(CifError::remark), "remarks"}}) {
+        if (filled.listed[kind] != filled.total[kind])
+            cut << QString::number(filled.listed[kind]) + " of " + count(kind) + " " + name;
     }
-    quiet.reset();
-    errorList_->reset();
-    for (int i = 0; i < open.size(); ++i) errorList_->topLevelItem(i)->setExpanded(open[i]);
-    errorList_->setSortingEnabled(true);
-    errorList_->sortByColumn(0, Qt::AscendingOrder);
-    errorList_->setUpdatesEnabled(true);
-
-    writeToOutputPane("Total errors: " + QString::number(errors.errors_of_type(CifError::error)) +
-                          "; warnings: " + QString::number(errors.errors_of_type(CifError::warning)) +
-                          "; remarks: " + QString::number(errors.errors_of_type(CifError::remark)),
-                      true);
+    if (!cut.isEmpty()) totals += " (listed: " + cut.join(", ") + ")";
+    writeToOutputPane(totals, true);
 }
 
 void QcbsMainWindow::fillBlocksCombo(THandle<Cif> cif) {

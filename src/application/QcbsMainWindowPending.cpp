@@ -42,21 +42,9 @@ void QcbsMainWindow::loopNew() { showNotAvailable("Making new loops"); }
 // The tree keeps its "(no items to show)" line until it can list a document.
 void QcbsMainWindow::loadBoxView() {}
 
-void QcbsMainWindow::editorJumpToItemHelper(const QString& /*dataName*/, int /*index*/) {
-    showNotAvailable("Going to a data item");
-}
-
-void QcbsMainWindow::editorJumpToBlockHelper(const QString& /*blockName*/) {
-    showNotAvailable("Going to a block");
-}
-
 void QcbsMainWindow::setDataItem(const QString& /*dataName*/, const QString& /*value*/) {
     showNotAvailable("Setting data items");
 }
-
-void QcbsMainWindow::blockUpdate(const QString& /*blockText*/) { showNotAvailable("Updating a block"); }
-
-void QcbsMainWindow::blockAdd(const QString& /*blockText*/) { showNotAvailable("Adding a block"); }
 
 // --- visualiser ------------------------------------------------------------------------
 

@@ -2,15 +2,18 @@
 
 #include <QDir>
 
-#include "base/ORMALogQString.hpp"
 #include "application/QtServerApplication.hpp"
+#include "base/ORMALogQString.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 #include "dictionaries/QcbsDictionarySettings.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "support/ORMALog.hpp"
 
 QcbsMainWindowSharedData::QcbsMainWindowSharedData(const QFileInfo& programFile)
-    : dictionaryLoader_(nullptr), dictionarySettings_(nullptr), fontStyles_(nullptr) {
+    : options_(std::make_unique<QcbsProgramOptions>()),
+      dictionaryLoader_(nullptr),
+      dictionarySettings_(nullptr),
+      fontStyles_(nullptr) {
     dictionaryLoader_ = THandle<QcbsDictionaryLoader>(new QcbsDictionaryLoader());
     dictionarySettings_ = THandle<QcbsDictionarySettings>(new QcbsDictionarySettings());
     fontStyles_ =
@@ -21,6 +24,18 @@ QcbsMainWindowSharedData::QcbsMainWindowSharedData(const QFileInfo& programFile)
 }
 
 QcbsMainWindowSharedData::~QcbsMainWindowSharedData() = default;
+
+CifParserSettings QcbsMainWindowSharedData::parserSettings() const {
+    CifParserSettings settings;
+    settings.line_length = optionValues().line_length_limit;
+    return settings;
+}
+
+CifWriteSettings QcbsMainWindowSharedData::writeSettings() const {
+    CifWriteSettings settings;
+    settings.line_length = optionValues().line_length_limit;
+    return settings;
+}
 
 void QcbsMainWindowSharedData::findBrowserScript() {
     QtServerApplication::findBrowserScriptPath(

@@ -3,9 +3,11 @@
 #include <QFileInfo>
 #include <QString>
 #include <QStringList>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "base/QcbsProgramOptions.hpp"
 #include "cif/CifParserSettings.hpp"
 #include "cif/CifWriteSettings.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
@@ -13,8 +15,8 @@
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "support/THandle.hpp"
 
-// The data every main window shares: options that hold for every document,
-// the reader's and printer's line length, the dictionary loader and settings,
+// The data every main window shares: the program's options, the dictionary
+// loader and settings,
 // the text styles, the mandatory data names and where the help documentation
 // is. Made once, before the first window; each window holds it through a
 // THandle, so it lives as long as the last window.
@@ -39,24 +41,18 @@ public:
     // when it was.
     const QString& missingDocumentationMessage() const { return missingDocumentationMessage_; }
 
-    bool lineNumbers() const { return lineNumbers_; }
-    void setLineNumbers(bool on) { lineNumbers_ = on; }
-    bool saveBackup() const { return saveBackup_; }
-    void setSaveBackup(bool on) { saveBackup_ = on; }
-    bool consistencyChecks() const { return consistencyChecks_; }
-    void setConsistencyChecks(bool on) { consistencyChecks_ = on; }
+    // The program's options, shared by every window; changed() tells them
+    // when the preferences change.
+    QcbsProgramOptions* options() const { return options_.get(); }
+    const QcbsOptions& optionValues() const { return options_->values(); }
+    bool lineNumbers() const { return optionValues().line_numbers; }
+    bool saveBackup() const { return optionValues().save_backup; }
+    bool consistencyChecks() const { return optionValues().consistency_checks; }
 
-    // How every check reads a text and every print writes one. Only the
-    // line-length limits come from the settings: one setting ("line length
-    // limit") feeds both, and the reader's copy is saved.
-    const CifParserSettings& parserSettings() const { return parserSettings_; }
-    CifParserSettings& parserSettings() { return parserSettings_; }
-    const CifWriteSettings& writeSettings() const { return writeSettings_; }
-    CifWriteSettings& writeSettings() { return writeSettings_; }
-    int parserLineLength() const { return parserSettings_.line_length; }
-    void setParserLineLength(int length) { parserSettings_.line_length = length; }
-    int writeLineLength() const { return writeSettings_.line_length; }
-    void setWriteLineLength(int length) { writeSettings_.line_length = length; }
+    // How every check reads a text and every print writes one: the library's
+    // defaults with the line-length limit of the options.
+    CifParserSettings parserSettings() const;
+    CifWriteSettings writeSettings() const;
 
     THandle<QcbsDictionaryLoader> dictionaryLoader() const { return dictionaryLoader_; }
     THandle<QcbsDictionarySettings> dictionarySettings() const { return dictionarySettings_; }
@@ -68,20 +64,13 @@ public:
     std::vector<std::string>& mandatoryCrystalItems() { return mandatoryCrystalItems_; }
     const std::vector<std::string>& mandatoryCrystalItems() const { return mandatoryCrystalItems_; }
 
-    // The CIF library's default line length of its reader and printer.
-    static constexpr int DefaultLineLength = CifParserSettings().line_length;
-
 private:
     void findBrowserScript();
     void findDocumentation();
 
     QString programDirectory_;
     QString documentationDirectory_;
-    bool lineNumbers_ = false;
-    bool saveBackup_ = false;
-    bool consistencyChecks_ = true;
-    CifParserSettings parserSettings_;
-    CifWriteSettings writeSettings_;
+    std::unique_ptr<QcbsProgramOptions> options_;
     THandle<QcbsDictionaryLoader> dictionaryLoader_;
     THandle<QcbsDictionarySettings> dictionarySettings_;
     THandle<QcbsFontStyleSettings> fontStyles_;

@@ -2,15 +2,40 @@
 
 #include <QTextDocument>
 
+namespace {
+
+QString dominantLineEnd(const QString& text) {
+    qsizetype lf = 0, crlf = 0, cr = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'\n') {
+            ++lf;
+        } else if (text[i] == u'\r') {
+            if (i + 1 < text.size() && text[i + 1] == u'\n') {
+                ++crlf;
+                ++i;
+            } else {
+                ++cr;
+            }
+        }
+    }
+    if (crlf > lf && crlf >= cr) return "\r\n";
+    if (cr > lf && cr > crlf) return "\r";
+    return "\n";
+}
+
+}  // namespace
+
 QcbsDocumentLines::Read QcbsDocumentLines::fromFileText(QString text) {
+    Read read;
     if (text.contains(u'\r')) {
+        read.lineEnd = dominantLineEnd(text);
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         text.replace(u'\r', u'\n');
     }
-    Read read;
     if (text.isEmpty()) return read;
     read.lines = static_cast<int>(text.count(u'\n'));
-    if (text.endsWith(u'\n'))
+    read.finalLineEnd = text.endsWith(u'\n');
+    if (read.finalLineEnd)
         text.chop(1);
     else
         ++read.lines;  // a last line without its end
@@ -18,33 +43,23 @@ QcbsDocumentLines::Read QcbsDocumentLines::fromFileText(QString text) {
     return read;
 }
 
-QString QcbsDocumentLines::savedLine(QString line) {
-    if (!line.isEmpty() && line.back().isSpace()) line.chop(1);
-    return line;
-}
-
-QString QcbsDocumentLines::toFileText(const QTextDocument& document) {
+QString QcbsDocumentLines::toFileText(const QTextDocument& document, const QString& lineEnd,
+                                      bool finalLineEnd) {
     // One pass over the raw text (paragraphs separated by U+2029, no
     // separator after the last) instead of a string per paragraph: a save
     // of a million lines stays quick.
     const QString raw = document.toRawText();
-    QString text(raw.size() + 1, Qt::Uninitialized);
-    QChar* const begin = text.data();
-    QChar* out = begin;
-    QChar* lineStart = begin;
-    const auto endLine = [&] {
-        if (out > lineStart && out[-1].isSpace()) --out;
-        *out++ = u'\n';
-        lineStart = out;
-    };
-    for (const QChar c : raw) {
-        // A soft line break inside a paragraph is a line end in the file.
-        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator)
-            endLine();
-        else
-            *out++ = c;
+    const qsizetype lines = document.blockCount();
+    QString text;
+    text.reserve(raw.size() + lines * (lineEnd.size() - 1) + lineEnd.size());
+    qsizetype start = 0;
+    for (;;) {
+        const qsizetype end = raw.indexOf(QChar::ParagraphSeparator, start);
+        text.append(QStringView(raw).mid(start, (end < 0 ? raw.size() : end) - start));
+        if (end < 0) break;
+        text.append(lineEnd);
+        start = end + 1;
     }
-    endLine();
-    text.truncate(out - begin);
+    if (finalLineEnd) text.append(lineEnd);
     return text;
 }

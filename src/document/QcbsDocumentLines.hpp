@@ -5,22 +5,22 @@
 class QTextDocument;
 
 // A document is read into the editor line by line and written back line by
-// line. Reading accepts any line ending ("\n", "\r\n", "\r"); writing ends
-// every line with "\n" and drops one trailing white-space character from
-// each line (only one: a line ending in two blanks keeps one).
+// line. Reading accepts any line ending ("\n", "\r\n", "\r") and remembers
+// the one most lines use and whether the last line has one; writing ends
+// the lines so and leaves every line exactly as it stands.
 class QcbsDocumentLines {
 public:
     // A file's text as the editor holds it: line ends made "\n", the final
-    // line end dropped. A final line end makes no extra empty line, so that
-    // writing the lines back gives the same text.
+    // line end dropped (so that it makes no extra empty line).
     struct Read {
         QString text;
         int lines = 0;
+        QString lineEnd = "\n";
+        bool finalLineEnd = false;
     };
     static Read fromFileText(QString text);
 
     // The text to write for the editor's document.
-    static QString toFileText(const QTextDocument& document);
-    // The same rule for one line.
-    static QString savedLine(QString line);
+    static QString toFileText(const QTextDocument& document, const QString& lineEnd = "\n",
+                              bool finalLineEnd = true);
 };

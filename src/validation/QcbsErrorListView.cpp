@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QRegularExpression>
+#include <QSignalBlocker>
 
 #include "resources/QcbsXpmResource.hpp"
 #include "validation/QcbsErrorResource.hpp"
@@ -90,6 +91,88 @@ void QcbsErrorListView::removeAll() {
     errors_->setExpanded(errorsOpen);
     warnings_->setExpanded(warningsOpen);
     remarks_->setExpanded(remarksOpen);
+}
+
+QcbsErrorListView::Filled QcbsErrorListView::fill(const CifErrorContainer& errors, int runLimit,
+                                                  const std::function<int(const CifError&)>& remarkLine) {
+    removeAll();
+    const bool open[3] = {errors_->isExpanded(), warnings_->isExpanded(), remarks_->isExpanded()};
+    Filled filled;
+    // The tree hears of its new rows once, after the last: told of each
+    // one, it re-measures its columns every time, which costs a long list
+    // seconds. It sorts and paints once as well.
+    setUpdatesEnabled(false);
+    setSortingEnabled(false);
+    {
+        const QSignalBlocker quiet(model());
+        int warningRun = 0;
+        int errorRun = 0;
+        int previousWarning = -99;
+        int previousError = -99;
+        for (const CifError& error : errors) {
+            const int line = error.line();
+            const int type = error.type();
+            const bool known = type >= CifError::remark && type <= CifError::error;
+            // Validation reply items (_vrf_...) answer a validation report;
+            // no dictionary defines them, and that is no fault.
+            if (type == CifError::warning && error.id() == CifError::undefined_data_name &&
+                error.text().find("_vrf") != std::string::npos)
+                continue;
+            if (known) ++filled.total[type];
+            if (filled.stoppedAt >= 0) continue;
+            const QString message = QString::fromStdString(error.message());
+            switch (type) {
+                case CifError::remark:
+                    addRemark(message, remarkLine ? remarkLine(error) : line, error.id());
+                    ++filled.listed[type];
+                    break;
+                case CifError::warning:
+                    if (line == previousWarning + 1)
+                        ++warningRun;
+                    else if (line > previousWarning + 1)
+                        warningRun = 1;
+                    if (warningRun <= runLimit) {
+                        addWarning(message, line, error.id());
+                        ++filled.listed[type];
+                    }
+                    previousWarning = line;
+                    if (warningRun == runLimit + 1) {
+                        addWarning("(warnings omitted)", line, CifError::warnings_omitted);
+                        ++warningRun;
+                    }
+                    break;
+                case CifError::error:
+                    addError(message, line, error.id());
+                    ++filled.listed[type];
+                    if (line == previousError + 1)
+                        ++errorRun;
+                    else if (line > previousError + 1)
+                        errorRun = 0;
+                    previousError = line;
+                    if (errorRun >= runLimit) filled.stoppedAt = line;
+                    break;
+                default:
+                    ++filled.misc;
+                    break;
+            }
+        }
+        if (!filled.complete()) {
+            QcbsKeyListViewItem* headings[3] = {remarks_, warnings_, errors_};
+            for (int kind = 0; kind < 3; ++kind) {
+                if (filled.total[kind] == 0) continue;
+                headings[kind]->setText(1, "  " + QString::number(filled.listed[kind]) + " shown of " +
+                                               QString::number(filled.total[kind]));
+            }
+        }
+    }
+    reset();
+    errors_->setExpanded(open[0]);
+    warnings_->setExpanded(open[1]);
+    remarks_->setExpanded(open[2]);
+    setSortingEnabled(true);
+    sortByColumn(0, Qt::AscendingOrder);
+    setUpdatesEnabled(true);
+    return filled;
 }
 
 void QcbsErrorListView::tidyMessage(QString& message) {

@@ -2,7 +2,9 @@
 
 #include <QString>
 #include <QTreeWidget>
+#include <functional>
 
+#include "cif/CifErrorContainer.hpp"
 #include "validation/QcbsErrorListViewItem.hpp"
 
 class QcbsKeyListViewItem;
@@ -41,6 +43,32 @@ public:
 
     // Creates the three headings, each saying " - none".
     void setup();
+
+    // What fill() listed and what it left out. Counts are indexed by
+    // CifError::ErrorType (0 remarks, 1 warnings, 2 errors); `total` counts
+    // every message of a kind that fill() did not drop as no fault at all.
+    struct Filled {
+        int listed[3] = {0, 0, 0};
+        int total[3] = {0, 0, 0};
+        int stoppedAt = -1;  // the line of the error that stopped the listing, or -1
+        int misc = 0;        // messages of no known kind
+        bool complete() const {
+            return listed[0] == total[0] && listed[1] == total[1] && listed[2] == total[2];
+        }
+    };
+    // Empties the list and fills it with a check's messages in their order,
+    // with the limits on runs of messages on consecutive lines:
+    // - a run of warnings on consecutive lines lists `runLimit` of them, then
+    //   one "(warnings omitted)" entry, then none until the run ends;
+    // - errors are all listed, but the error that ends runLimit + 1 errors
+    //   on consecutive lines stops the listing: nothing after it is listed;
+    // - warnings about undefined names of validation replies ("_vrf") are
+    //   dropped: they are no fault;
+    // - `remarkLine`, when given, says on which line a remark is listed.
+    // When the limits hid entries, each heading says how many it shows of
+    // how many.
+    Filled fill(const CifErrorContainer& errors, int runLimit,
+                const std::function<int(const CifError&)>& remarkLine = {});
 
 public slots:
     void doubleClickedItem(QTreeWidgetItem* item);

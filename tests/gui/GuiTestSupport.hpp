@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTest>
 #include <sstream>
 
 #include "support/ORMALog.hpp"
@@ -40,3 +42,16 @@ private:
     int level_;
     int minimum_;
 };
+
+// Lets the event loop run until the condition holds or the time is up;
+// tells whether it holds. GUI tests wait for conditions this way, never for
+// one pass of the event loop.
+template <class Condition>
+bool waitUntil(Condition condition, int milliseconds = 20000) {
+    const QDeadlineTimer deadline(milliseconds);
+    while (!condition()) {
+        if (deadline.hasExpired()) return false;
+        QTest::qWait(5);
+    }
+    return true;
+}

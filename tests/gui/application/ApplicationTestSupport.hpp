@@ -14,8 +14,10 @@
 #include <QTest>
 #include <QTreeWidgetItem>
 
+#include "GuiTestSupport.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
+#include "document/QcbsCifDocument.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 
@@ -24,6 +26,14 @@
 inline THandle<QcbsMainWindowSharedData> buildTreeSharedData() {
     return THandle<QcbsMainWindowSharedData>(
         new QcbsMainWindowSharedData(QFileInfo(TESSARY_SOURCE_DIR "/build/bin/tessary")));
+}
+
+// Changes the program's options as the preferences dialog does: every window hears of it.
+template <class Change>
+void changeOptions(const QcbsMainWindow& window, Change change) {
+    QcbsOptions values = window.options();
+    change(values);
+    window.sharedData()->options()->setValues(values);
 }
 
 inline QAction* windowAction(const QcbsMainWindow& window, QcbsMainWindowActions::Id id) {
@@ -50,16 +60,6 @@ inline void typeLines(QWidget* editor, const QStringList& lines) {
         QTest::keyClicks(editor, line);
         QTest::keyClick(editor, Qt::Key_Return);
     }
-}
-
-template <class Condition>
-bool waitUntil(Condition condition, int milliseconds = 20000) {
-    const QDeadlineTimer deadline(milliseconds);
-    while (!condition()) {
-        if (deadline.hasExpired()) return false;
-        QTest::qWait(5);
-    }
-    return true;
 }
 
 inline QByteArray readBytes(const QString& name) {

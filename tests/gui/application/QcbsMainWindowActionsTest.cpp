@@ -94,9 +94,8 @@ protected:
     // Gives the editor the text and the window a document read from it.
     void checked(const std::string& text) {
         editor()->setPlainText(QString::fromStdString(text));
-        THandle<Cif> cif(new Cif);
-        cif->read_text(text);
-        window_.setCif(editor(), cif);
+        window_.document()->setFileName("checked.cif");
+        window_.parse();
     }
 
     ScopedPrefsDir prefs_;
@@ -225,10 +224,10 @@ TEST_F(MainWindowActions, TheVisualiserPageTurnsOffTheEditorsToolsAndTheEditorPa
         for (A::Id id : always) EXPECT_TRUE(enabled(id)) << id;
     }
     // A text marked not to be checked keeps Check off, in every window when asked.
-    window_.setParseAllowed(editor(), false);
+    window_.document()->setCheckAllowed(false);
     window_.enableTools(window_.editorPage());
     EXPECT_FALSE(enabled(A::Reparse));
-    window_.setParseAllowed(editor(), true);
+    window_.document()->setCheckAllowed(true);
     window_.enableTools(window_.editorPage());
     EXPECT_TRUE(enabled(A::Reparse));
     QcbsMainWindow second(window_.sharedData());

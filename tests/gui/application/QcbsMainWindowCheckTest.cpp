@@ -49,7 +49,7 @@ protected:
     void start(const QString& dictionaries = QString()) {
         qputenv("TESSARY_DICTIONARIES", (dictionaries.isNull() ? empty_.path() : dictionaries).toUtf8());
         window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData());
-        window_->setFileName(editor(), "known.cif");
+        window_->document()->setFileName("known.cif");
     }
     // Focus on the editor of the active window, for accelerators typed there.
     void focus() {
@@ -82,7 +82,6 @@ protected:
 TEST_F(MainWindowCheck, CtrlKListsEveryProblemAgainstTheCoreDictionaryAndLeadsToItsLine) {
     if (!QFileInfo::exists(kCoreDirectory + "/cif_core.dic"))
         GTEST_SKIP() << "cif_core.dic not found in " << kCoreDirectory.toStdString();
-    QcbsMainWindow::max_consec_error = 4;
     start(kCoreDirectory);
     focus();
     EXPECT_TRUE(pane().contains("Loaded dictionary: " + kCoreDirectory + "/cif_core.dic"));
@@ -107,7 +106,7 @@ TEST_F(MainWindowCheck, CtrlKListsEveryProblemAgainstTheCoreDictionaryAndLeadsTo
     ASSERT_EQ(remarks.size(), 1);
     EXPECT_TRUE(remarks[0].startsWith("8: Value of _cell_volume differs")) << remarks[0].toStdString();
     EXPECT_EQ(list()->topLevelItem(0)->text(1), "  Total of 5");
-    EXPECT_EQ(pane().mid(paneBefore).trimmed(), "Checking CIF ...\nTotal errors: 5; warnings: 2; remarks: 1");
+    EXPECT_EQ(pane().mid(paneBefore).trimmed(), "Checking CIF ...\nTotal errors: 5; warnings: 1; remarks: 1");
     EXPECT_EQ(comboItems(), (QStringList{"Blocks:   1", "known"}));
 
     // The user opens the errors and double-clicks the one on line 16.
@@ -187,10 +186,7 @@ THandle<Cif> documentWithFindings(const QString& findings) {
 
 class MainWindowParsing : public MainWindowCheck {
 protected:
-    void SetUp() override {
-        QcbsMainWindow::max_consec_error = 4;
-        start();
-    }
+    void SetUp() override { start(); }
     // The entries of the list in the same form, an omission note with a "~".
     QString listed() const {
         QStringList entries;
@@ -210,14 +206,15 @@ TEST_F(MainWindowParsing, RunsOfErrorsAndWarningsAreCutAndEveryCheckEndsWithItsT
     } cases[] = {
         // An error run stops the list at its fifth line; the totals count all.
         {"E10 E11 E12 E13 E14 E15 W30 R31", "E10 E11 E12 E13 E14",
-         "Check stopped at line 14: fix previous errors first.Total errors: 6; warnings: 1; remarks: 1\n"},
+         "Check stopped at line 14: fix previous errors first. Total errors: 6; warnings: 1; remarks: 1 "
+         "(listed: 5 of 6 errors, 0 of 1 warnings, 0 of 1 remarks)\n"},
         // A repeated line leaves the run as it is; a gap starts a new one.
         {"E10 E11 E11 E12 E13 E20 E21 E22 E23", "E10 E11 E11 E12 E13 E20 E21 E22 E23",
          "Total errors: 9; warnings: 0; remarks: 0\n"},
         {"W10 W11 W12 W13 W14 W15 W20", "W10 W11 W12 W13 W14~ W20",
-         "Total errors: 0; warnings: 7; remarks: 0\n"},
+         "Total errors: 0; warnings: 7; remarks: 0 (listed: 5 of 7 warnings)\n"},
         // Had the validation reply counted, line 15 would be the fifth of a run.
-        {"W10 W11 W12 W13 V14 W15", "W10 W11 W12 W13 W15", "Total errors: 0; warnings: 6; remarks: 0\n"},
+        {"W10 W11 W12 W13 V14 W15", "W10 W11 W12 W13 W15", "Total errors: 0; warnings: 5; remarks: 0\n"},
         {"", "", "No errors, warnings or remarks.\n"},
         {"I4", "", "(misc error/info): \nTotal errors: 0; warnings: 0; remarks: 0\n"},
     };
@@ -228,6 +225,12 @@ TEST_F(MainWindowParsing, RunsOfErrorsAndWarningsAreCutAndEveryCheckEndsWithItsT
         EXPECT_EQ(listed(), c.listed);
         EXPECT_EQ(pane().mid(before), c.output);
     }
+    // The headings tell the same story as the pane.
+    window_->processErrors(documentWithFindings("E10 E11 E12 E13 E14 E15 W30 R31"));
+    EXPECT_EQ(list()->topLevelItem(0)->text(1), "  5 shown of 6");
+    EXPECT_EQ(list()->topLevelItem(1)->text(1), "  0 shown of 1");
+    window_->processErrors(documentWithFindings("E10 W11"));
+    EXPECT_EQ(list()->topLevelItem(0)->text(1), "  Total of 1");
 }
 
 TEST_F(MainWindowParsing, RemarksAboutADataNameGoToItsFirstLineInTheSameBlockLeavingTheView) {
@@ -305,8 +308,8 @@ TEST_F(MainWindowParsing, CheckRunsOnlyForAnEditorWithAFileAndSomeText) {
     editor()->setPlainText("data_x\n_a 1\n_b\n");
     const qsizetype before = pane().size();
     window_->reparse();
-    EXPECT_TRUE(window_->isParsed(editor()));
-    EXPECT_EQ(window_->parsedLineCount(editor()), 4);
+    EXPECT_TRUE(window_->document()->isChecked());
+    EXPECT_EQ(window_->document()->linesAtCheck(), 4);
     // An empty paragraph, then the two lines of the check.
     EXPECT_TRUE(pane().mid(before).startsWith("\n"));
     EXPECT_EQ(pane().mid(before).trimmed(), "Checking CIF ...\nTotal errors: 1; warnings: 0; remarks: 0");
@@ -319,12 +322,16 @@ TEST_F(MainWindowParsing, TheLineLengthAndConsistencyOptionsReachTheCheck) {
         "_cell_angle_alpha 90\n_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 2000.0\n"
         "_a " +
         QString(60, 'v') + "\n");
-    window_->sharedData()->setParserLineLength(40);
-    window_->sharedData()->setConsistencyChecks(false);
+    changeOptions(*window_, [](QcbsOptions& o) {
+        o.line_length_limit = 40;
+        o.consistency_checks = false;
+    });
     window_->reparse();
     EXPECT_EQ(listed(), "W9");
-    window_->sharedData()->setParserLineLength(80);
-    window_->sharedData()->setConsistencyChecks(true);
+    changeOptions(*window_, [](QcbsOptions& o) {
+        o.line_length_limit = 80;
+        o.consistency_checks = true;
+    });
     window_->reparse();
     EXPECT_EQ(listed(), "R8");
     EXPECT_TRUE(entriesUnder(list(), "Remarks").first().contains("_cell_volume"));
@@ -341,7 +348,7 @@ TEST_F(MainWindowParsing, TheTextIsCheckedInTheEncodingOfItsFile) {
     QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
     ASSERT_TRUE(window_->load(path, false, true));
     ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
-    EXPECT_EQ(window_->documentEncoding(editor()).kind(), QcbsDocumentEncoding::Latin1);
+    EXPECT_EQ(window_->document()->encoding().kind(), QcbsDocumentEncoding::Latin1);
     EXPECT_TRUE(listed().startsWith("E3")) << listed().toStdString();
 }
 
@@ -361,7 +368,7 @@ TEST_F(MainWindowParsing, ACheckAskedForWhileATextComesInRunsOnceWhenItIsIn) {
     ASSERT_TRUE(loaded.wait(30000));
     EXPECT_EQ(pane().mid(before).count("Checking CIF ..."), 1);
     EXPECT_EQ(entriesUnder(list(), "Errors"), QStringList{"200005: Data name _x has no value"});
-    EXPECT_EQ(window_->parsedLineCount(editor()), 200006);
+    EXPECT_EQ(window_->document()->linesAtCheck(), 200006);
 }
 
 TEST_F(MainWindowParsing, AFileCheckedFromDiskIsListedOnlyWhenAsked) {
@@ -373,7 +380,7 @@ TEST_F(MainWindowParsing, AFileCheckedFromDiskIsListedOnlyWhenAsked) {
     EXPECT_TRUE(window_->currentCif() == quiet);
     EXPECT_EQ(listed(), "E1") << "the list is left alone";
     EXPECT_EQ(comboItems(), (QStringList{"Blocks:   2", "a", "b"}));
-    EXPECT_FALSE(window_->isParsed(editor())) << "the editor's text is not what was checked";
+    EXPECT_FALSE(window_->document()->isChecked()) << "the editor's text is not what was checked";
     window_->parse(path.toStdString(), true);
     EXPECT_EQ(listed(), "E2");
     EXPECT_EQ(window_->parse(dir.filePath("absent.cif").toStdString(), true)->block_count(), 0u);

@@ -48,18 +48,12 @@ const QRegularExpression kCheckDone("No errors|Total errors");
 
 class DocumentWindow : public ::testing::Test {
 protected:
-    DocumentWindow() { resetOptions(); }
     ~DocumentWindow() override {
         for (QcbsMainWindow* other : otherWindows()) {
             other->currentEditor()->setModified(false);
             other->close();
         }
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        resetOptions();
-    }
-    static void resetOptions() {
-        QcbsMainWindow::reuse_window = QcbsMainWindow::start_with_template = false;
-        QcbsMainWindow::template_file.clear();
     }
     // The main windows other than this one that are open.
     QList<QcbsMainWindow*> otherWindows() const {
@@ -88,7 +82,8 @@ protected:
     }
     QcbsRichTextEdit* editor() const { return window_.currentEditor(); }
     QString output() const { return window_.outputPane()->toPlainText(); }
-    QString fileName() const { return window_.fileName(editor()); }
+    QString fileName() const { return window_.fileName(); }
+    void option(void (*change)(QcbsOptions&)) { changeOptions(window_, change); }
     // The caption and text of the last message box.
     QString lastBox() const {
         return answers_.boxes.isEmpty() ? QString()
@@ -198,12 +193,12 @@ TEST_F(DocumentWindow, AFileSavedKeepsItsEncodingUnlessACharacterNeedsUtf8) {
     window_.fileSave();
     EXPECT_EQ(readBytes(path), "data_a\n_publ_author_name 'Cr\xc3\xa9pin'\xce\xb1\n");
     EXPECT_TRUE(output().contains("as UTF-8"));
-    EXPECT_EQ(window_.documentEncoding(editor()).kind(), QcbsDocumentEncoding::Utf8);
+    EXPECT_EQ(window_.document()->encoding().kind(), QcbsDocumentEncoding::Utf8);
     EXPECT_TRUE(answers_.boxes.isEmpty());
 }
 
 TEST_F(DocumentWindow, WithBackupsTheOldFileKeepsTheBackupNameAndABackupThatFailsIsReported) {
-    window_.sharedData()->setSaveBackup(true);
+    changeOptions(window_, [&](QcbsOptions& o) { o.save_backup = true; });
     for (const QString name : {"a.b/c.cif", "x.d/c.cif"}) {
         const QString path = write(name, kQuartz);
         const QString backup = QcbsDocumentSaver::backupName(path);
@@ -223,7 +218,7 @@ TEST_F(DocumentWindow, WithBackupsTheOldFileKeepsTheBackupNameAndABackupThatFail
         EXPECT_EQ(answers_.boxes.size(), backupPossible ? 0 : 1);
         ASSERT_TRUE(window_.fileClose());
     }
-    window_.sharedData()->setSaveBackup(false);
+    changeOptions(window_, [&](QcbsOptions& o) { o.save_backup = false; });
     EXPECT_EQ(lastBox(), "Error: Could not write backup copy of this file:\n" +
                              QcbsDocumentSaver::backupName(dir_.filePath("x.d/c.cif")));
     EXPECT_EQ(answers_.boxes.last().icon, QMessageBox::Warning);
@@ -235,12 +230,12 @@ TEST_F(DocumentWindow, AFailedSaveKeepsTheFileTheTextAndItsModifiedMark) {
     editor()->moveCursor(QTextCursor::End);
     editor()->insertPlainText("_note '" + QString(20000, u'x') + "'");
     for (const bool backup : {false, true}) {
-        window_.sharedData()->setSaveBackup(backup);
+        changeOptions(window_, [&](QcbsOptions& o) { o.save_backup = backup; });
         {
             const FileSizeLimit diskFull(8192);
             window_.fileSave();
         }
-        window_.sharedData()->setSaveBackup(false);
+        changeOptions(window_, [&](QcbsOptions& o) { o.save_backup = false; });
         ASSERT_EQ(answers_.boxes.size(), backup ? 2 : 1);
         EXPECT_EQ(
             lastBox(),
@@ -364,10 +359,9 @@ TEST_F(DocumentWindow, NewDocumentsAreUntitledAndOpenAnotherWindowUnlessInSingle
     window_.fileNew();
     ASSERT_EQ(otherWindows().size(), 1);
     const int number = first.mid(17).chopped(4).toInt();
-    EXPECT_EQ(otherWindows().first()->fileName(otherWindows().first()->currentEditor()),
-              "x:/dummy/untitled" + QString::number(number + 1) + ".cif");
+    EXPECT_EQ(otherWindows().first()->fileName(), "x:/dummy/untitled" + QString::number(number + 1) + ".cif");
 
-    QcbsMainWindow::reuse_window = true;
+    option([](QcbsOptions& o) { o.reuse_window = true; });
     QTest::keyClicks(editor(), "data_a");
     answers_.click("No");
     window_.fileNew();
@@ -378,15 +372,19 @@ TEST_F(DocumentWindow, NewDocumentsAreUntitledAndOpenAnotherWindowUnlessInSingle
 }
 
 TEST_F(DocumentWindow, ANewDocumentFromTheTemplateNeverOverwritesTheTemplate) {
-    QcbsMainWindow::start_with_template = QcbsMainWindow::reuse_window = true;
-    QcbsMainWindow::template_file = dir_.filePath("gone.cif");
+    const QString gone = dir_.filePath("gone.cif");
+    changeOptions(window_, [&](QcbsOptions& o) {
+        o.start_with_template = o.reuse_window = true;
+        o.template_file = gone;
+    });
     window_.fileNew();
-    EXPECT_EQ(lastBox(), "Error: Could not open file \"" + QcbsMainWindow::template_file + "\"");
+    EXPECT_EQ(lastBox(), "Error: Could not open file \"" + gone + "\"");
     EXPECT_EQ(statusMessage(window_), "Could not open template file");
     EXPECT_TRUE(QcbsMainWindow::isUntitled(fileName()));
 
     const QByteArray templateText = "data_template\n_journal_name_full ?\n";
-    QcbsMainWindow::template_file = write("template.cif", templateText);
+    const QString templateFile = write("template.cif", templateText);
+    changeOptions(window_, [&](QcbsOptions& o) { o.template_file = templateFile; });
     const QString recent = QcbsMainWindow::recentFiles->filename(0);
     window_.fileNew();
     ASSERT_TRUE(waitUntil([&] { return !editor()->isLoading(); }));
@@ -398,7 +396,7 @@ TEST_F(DocumentWindow, ANewDocumentFromTheTemplateNeverOverwritesTheTemplate) {
     QTest::keyClicks(editor(), "#");
     window_.fileSave();  // Save As, cancelled
     EXPECT_EQ(answers_.proposals.size(), 1);
-    EXPECT_EQ(readBytes(QcbsMainWindow::template_file), templateText);
+    EXPECT_EQ(readBytes(templateFile), templateText);
 }
 
 // --- recent and dropped files ----------------------------------------------------------
@@ -437,7 +435,7 @@ TEST_F(DocumentWindow, DroppedFilesOpenInWindowsOfTheirOwnOrOneAtATimeAndDropped
     EXPECT_FALSE(drop({}, "_dropped_text 1"));
     EXPECT_TRUE(editor()->document()->isEmpty());
 
-    QcbsMainWindow::reuse_window = true;
+    option([](QcbsOptions& o) { o.reuse_window = true; });
     ASSERT_TRUE(drop({"one.cif", "two.cif"}));
     ASSERT_TRUE(waitUntil([&] { return !answers_.boxes.isEmpty(); }));
     EXPECT_EQ(
@@ -448,13 +446,12 @@ TEST_F(DocumentWindow, DroppedFilesOpenInWindowsOfTheirOwnOrOneAtATimeAndDropped
     ASSERT_TRUE(waitUntil([&] { return fileName() == dir_.filePath("one.cif"); }));
     EXPECT_TRUE(otherWindows().isEmpty());
 
-    QcbsMainWindow::reuse_window = false;
+    option([](QcbsOptions& o) { o.reuse_window = false; });
     ASSERT_TRUE(window_.fileClose());
     ASSERT_TRUE(drop({"two.cif", "three.cif"}));
     ASSERT_TRUE(waitUntil([&] { return otherWindows().size() == 1; }));
     EXPECT_EQ(fileName(), dir_.filePath("two.cif"));
-    EXPECT_EQ(otherWindows().first()->fileName(otherWindows().first()->currentEditor()),
-              dir_.filePath("three.cif"));
+    EXPECT_EQ(otherWindows().first()->fileName(), dir_.filePath("three.cif"));
 }
 
 // --- printing --------------------------------------------------------------------------

@@ -4,10 +4,10 @@
 
 #include <QSettings>
 #include <QTemporaryDir>
-#include <regex>
 
 #include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
+#include "editor/QcbsLineNumberedTextEdit.hpp"
 
 namespace {
 
@@ -41,10 +41,10 @@ const Setting kSettings[] = {
 
 // Makes a window read the settings file and write it afresh; gives each
 // setting's value in what it wrote.
-QStringList readAndWrittenAgain(const ScopedPrefsDir& prefs, void (*check)(QcbsMainWindow&)) {
+template <class Check>
+QStringList readAndWrittenAgain(const ScopedPrefsDir& prefs, Check check) {
     QcbsMainWindow window(buildTreeSharedData());
     check(window);
-    window.sharedData()->setWriteLineLength(60);  // the reader's copy is written
     QFile::remove(prefs.iniFile());
     window.saveSettings();
     const QSettings ini(prefs.iniFile(), QSettings::IniFormat);
@@ -55,14 +55,11 @@ QStringList readAndWrittenAgain(const ScopedPrefsDir& prefs, void (*check)(QcbsM
 
 TEST(MainWindowSettings, AMissingSettingsFileGivesTheDefaults) {
     ScopedPrefsDir prefs;
-    // Values a previous window might have left behind.
-    QcbsMainWindow::text_buttons = true;
-    QcbsMainWindow::template_file = "old.cif";
-    QcbsMainWindow::contact_author.name = "someone";
     const QStringList written = readAndWrittenAgain(prefs, [](QcbsMainWindow& window) {
         EXPECT_EQ(window.size(), QSize(800, 650));
-        EXPECT_FALSE(QcbsMainWindow::template_file.isNull());
-        EXPECT_TRUE(QcbsMainWindow::contact_author.email.isNull());
+        EXPECT_EQ(window.options(), QcbsOptions());
+        EXPECT_FALSE(window.options().template_file.isNull());
+        EXPECT_TRUE(window.options().contact_author.email.isNull());
     });
     for (std::size_t i = 0; i < std::size(kSettings); ++i)
         EXPECT_EQ(written.value(i), kSettings[i].byDefault) << kSettings[i].key;
@@ -75,50 +72,25 @@ TEST(MainWindowSettings, EverySettingRoundTripsUnderItsKeyIntoItsOwnOption) {
         for (const Setting& setting : kSettings) ini.setValue(setting.key, setting.changed);
     }
     const QStringList written = readAndWrittenAgain(prefs, [](QcbsMainWindow& window) {
-        using W = QcbsMainWindow;
-        EXPECT_TRUE(W::text_buttons && W::reuse_window && W::start_with_template && W::check_mandatory_items);
+        const QcbsOptions& o = window.options();
+        EXPECT_TRUE(o.text_buttons && o.reuse_window && o.start_with_template && o.check_mandatory_items);
         EXPECT_EQ(window.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
         EXPECT_EQ(window.size(), QSize(1000, 700));
-        EXPECT_EQ(W::max_consec_error, 7);
-        EXPECT_EQ(W::template_file, "/data/template, new.cif");
-        EXPECT_EQ(W::mandatory_items_file, "/data/mandatory.txt");
-        EXPECT_EQ(W::contact_author,
+        EXPECT_EQ(o.max_consec_error, 7);
+        EXPECT_EQ(o.template_file, "/data/template, new.cif");
+        EXPECT_EQ(o.mandatory_items_file, "/data/mandatory.txt");
+        EXPECT_EQ(o.contact_author,
                   (QcbsContactAuthor{"A. Author", "1 Road\nTown", "+1 555", "+1 556", "a@example.org"}));
         const QcbsMainWindowSharedData& shared = *window.sharedData();
         EXPECT_TRUE(shared.lineNumbers() && shared.saveBackup() && !shared.consistencyChecks());
-        EXPECT_EQ(shared.parserLineLength(), 2048);
-        EXPECT_EQ(shared.writeLineLength(), 2048);
+        EXPECT_EQ(shared.parserSettings().line_length, 2048);
+        EXPECT_EQ(shared.writeSettings().line_length, 2048);
     });
     for (std::size_t i = 0; i < std::size(kSettings); ++i)
         EXPECT_EQ(written.value(i), kSettings[i].changed) << kSettings[i].key;
-    // Leave the class-wide options as a fresh start would have them.
-    QcbsMainWindow::text_buttons = QcbsMainWindow::reuse_window = false;
-    QcbsMainWindow::start_with_template = QcbsMainWindow::check_mandatory_items = false;
 }
 
-TEST(MainWindowSettings, KeysAreReadAndWrittenInTheirFixedOrder) {
-    ScopedPrefsDir prefs;
-    QcbsMainWindow window(buildTreeSharedData());
-    ScopedLogCapture log(3);
-    window.loadSettings();
-    window.saveSettings();
-    std::vector<std::string> keys;
-    for (const Setting& setting : kSettings) keys.push_back(setting.key);
-    // The line-length limit is read once for the reader and once for the printer.
-    std::vector<std::string> reads = keys;
-    reads.insert(reads.begin() + 12, "line length limit");
-    for (const auto& [method, expected] : {std::pair{"loadSettings", reads}, {"saveSettings", keys}}) {
-        const std::regex line(std::string("QcbsMainWindow::") + method + " - ([^:]+):");
-        const std::string text = log.text();
-        std::vector<std::string> found;
-        for (auto it = std::sregex_iterator(text.begin(), text.end(), line); it != std::sregex_iterator();
-             ++it)
-            found.push_back((*it)[1]);
-        EXPECT_EQ(found, expected) << method;
-    }
-}
-
-TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindowsAndOptionsReachEveryWindow) {
+TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindowsAndOptionsReachEveryWindowAtOnce) {
     ScopedPrefsDir prefs;
     const THandle<QcbsMainWindowSharedData> shared = buildTreeSharedData();
     QcbsMainWindow first(shared);
@@ -127,14 +99,22 @@ TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindowsAndOptionsReachEveryW
     second.resize(640, 480);
     second.saveSettings();
     first.saveSettings();
-    QcbsMainWindow::initial_app_width = 0;
     EXPECT_EQ(QcbsMainWindow(shared).size(), QSize(900, 600));
 
-    QcbsMainWindow::text_buttons = true;
-    QcbsMainWindow::initialiseAllInstSettings();
-    EXPECT_EQ(first.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
-    EXPECT_EQ(second.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
-    QcbsMainWindow::text_buttons = false;
+    QTemporaryDir dir;
+    const QString mandatory = writeBytes(dir.filePath("mandatory.txt"), "data_all\n_cell_volume\n");
+    changeOptions(first, [&](QcbsOptions& o) {
+        o.text_buttons = true;
+        o.line_numbers = true;
+        o.check_mandatory_items = true;
+        o.mandatory_items_file = mandatory;
+    });
+    for (QcbsMainWindow* window : {&first, &second}) {
+        EXPECT_EQ(window->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        EXPECT_TRUE(window->editorPane()->showLineNumbers());
+    }
+    // The next check of any window uses the mandatory items just chosen.
+    EXPECT_EQ(shared->mandatoryCrystalItems(), std::vector<std::string>{"_cell_volume"});
 }
 
 // --- the shared data: where the documentation is ---------------------------------------
@@ -182,16 +162,15 @@ using Names = std::vector<std::string>;
 
 class MandatoryItems : public ::testing::Test {
 protected:
-    MandatoryItems() {
-        QcbsMainWindow::check_mandatory_items = true;
-        QcbsMainWindow::mandatory_items_file = dir_.filePath("mandatory.txt");
-    }
-    ~MandatoryItems() override {
-        QcbsMainWindow::check_mandatory_items = false;
-        QcbsMainWindow::mandatory_items_file.clear();
+    MandatoryItems() { use(true, dir_.filePath("mandatory.txt")); }
+    void use(bool check, const QString& file) {
+        changeOptions(window_, [&](QcbsOptions& o) {
+            o.check_mandatory_items = check;
+            o.mandatory_items_file = file;
+        });
     }
     void load(const QByteArray& contents) {
-        writeBytes(QcbsMainWindow::mandatory_items_file, contents);
+        writeBytes(window_.options().mandatory_items_file, contents);
         window_.loadMandatoryDataItemSettings();
     }
     const Names& crystal() const { return window_.sharedData()->mandatoryCrystalItems(); }
@@ -227,25 +206,22 @@ TEST_F(MandatoryItems, SectionsDecideWhichListsTheFirstWordOfEachItemJoins) {
         EXPECT_EQ(crystal(), c.crystal);
         EXPECT_EQ(publication(), c.publication);
         EXPECT_TRUE(
-            pane().endsWith("Loaded mandatory data items file: " + QcbsMainWindow::mandatory_items_file));
+            pane().endsWith("Loaded mandatory data items file: " + window_.options().mandatory_items_file));
     }
 }
 
 TEST_F(MandatoryItems, NoCheckOrAnUnreadableFileLeavesBothListsEmpty) {
     load("data_all\n_cell_volume\n");
-    QcbsMainWindow::check_mandatory_items = false;
-    window_.loadMandatoryDataItemSettings();
+    use(false, window_.options().mandatory_items_file);
     EXPECT_TRUE(crystal().empty() && publication().empty());
 
-    QcbsMainWindow::check_mandatory_items = true;
     for (const QString& unreadable : {dir_.filePath("missing.txt"), dir_.path()}) {
+        use(true, dir_.filePath("mandatory.txt"));
         load("data_all\n_cell_volume\n");
-        QcbsMainWindow::mandatory_items_file = unreadable;
-        window_.loadMandatoryDataItemSettings();
+        use(true, unreadable);
         EXPECT_TRUE(crystal().empty() && publication().empty());
         EXPECT_TRUE(
             pane().endsWith("Error loading mandatory data items, could not open file: " + unreadable));
-        QcbsMainWindow::mandatory_items_file = dir_.filePath("mandatory.txt");
     }
 }
 

@@ -5,14 +5,15 @@
 #include <QDesktopServices>
 #include <QLabel>
 #include <QMessageBox>
+#include <QSettings>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 
 #include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
-#include "base/QcbsUtilities.hpp"
 #include "application/QtServerApplication.hpp"
+#include "base/QcbsUtilities.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 #include "widgets/QcbsAboutBox.hpp"
@@ -48,23 +49,32 @@ protected:
     RecordingWindow window_{buildTreeSharedData()};
 };
 
-TEST(MainWindowStartUp, AWindowStartedForADocumentAsksForOneAfterLoadingTheMandatoryItems) {
+TEST(MainWindowStartUp, AWindowStartedForADocumentHasOneAfterLoadingTheMandatoryItems) {
     ScopedPrefsDir prefs;
-    ScopedLogCapture log(1);
+    QTemporaryDir dir;
+    const QString mandatory = writeBytes(dir.filePath("mandatory.txt"), "data_all\n_cell_volume\n");
+    {
+        QSettings ini(prefs.iniFile(), QSettings::IniFormat);
+        ini.setValue("check mandatory items", true);
+        ini.setValue("mandatory filename", mandatory);
+    }
     QcbsMainWindow window(buildTreeSharedData(), QcbsMainWindow::StartWithNewFile);
-    const std::string opening = "QcbsMainWindow::QcbsMainWindow - Opening a new file";
-    const std::size_t newFile = log.text().find(opening);
-    ASSERT_NE(newFile, std::string::npos) << log.text();
-    EXPECT_LT(log.text().find("QcbsMainWindow::QcbsMainWindow - Load mandatory data item settings"), newFile);
-    EXPECT_TRUE(QcbsMainWindow::isUntitled(window.fileName(window.currentEditor())));
+    EXPECT_TRUE(window.document()->isOpen());
+    EXPECT_TRUE(QcbsMainWindow::isUntitled(window.fileName()));
+    const QString pane = window.outputPane()->toPlainText();
+    const qsizetype loaded = pane.indexOf("Loaded mandatory data items file: " + mandatory);
+    ASSERT_GE(loaded, 0) << pane.toStdString();
+    EXPECT_GT(pane.indexOf("Starting new file"), loaded);
+
     QcbsMainWindow empty(buildTreeSharedData());
-    EXPECT_EQ(log.text().find(opening, newFile + 1), std::string::npos);
+    EXPECT_FALSE(empty.document()->isOpen());
+    EXPECT_TRUE(empty.fileName().isEmpty());
 }
 
 TEST_F(MainWindow, TheCaptionAndStatusLineFollowTheFileTypingAndTheCursor) {
-    window_.setFileName(editor(), "/data/structures/quartz.cif");
+    window_.document()->setFileName("/data/structures/quartz.cif");
     EXPECT_EQ(window_.windowTitle(), "quartz.cif - Tessary");
-    window_.setFileName(editor(), "");
+    window_.document()->setFileName("");
     EXPECT_EQ(window_.windowTitle(), "new.cif - Tessary");
 
     EXPECT_EQ(statusLine(), "Line 1, Column 1");
