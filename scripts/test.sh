@@ -18,3 +18,15 @@ fi
 cmake --build build-sanitize --parallel "$(nproc)"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build-sanitize --output-on-failure --parallel "$(nproc)"
+
+# The Release build with the benchmarks, and the fuzz target built with
+# clang, compile with warnings as errors as well; their tests ran above.
+if [ ! -f build-release/CMakeCache.txt ]; then
+  cmake -S . -B build-release "${generator[@]}" -DCMAKE_BUILD_TYPE=Release -DTESSARY_BENCH=ON
+fi
+cmake --build build-release --parallel "$(nproc)"
+if [ ! -f build-fuzz/CMakeCache.txt ]; then
+  cmake -S . -B build-fuzz "${generator[@]}" -DCMAKE_CXX_COMPILER=clang++ -DTESSARY_FUZZ=ON \
+    -DTESSARY_GUI=OFF -DTESSARY_TESTS=OFF
+fi
+cmake --build build-fuzz --parallel "$(nproc)"

@@ -37,6 +37,7 @@
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "cif/ORMACifConsistencyChecker.hpp"
+#include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "validation/QcbsErrorListView.hpp"
 
@@ -169,7 +170,7 @@ void benchDocument(QcbsMainWindow& window, const char* title, const QString& tex
     QElapsedTimer loading;
     loading.start();
     loadIntoEditor(editor, text);
-    window.setFileName(editor, QString("bench-%1.cif").arg(title));
+    window.document()->setFileName(QString("bench-%1.cif").arg(title));
     std::printf("\n%s: %d lines, %.1f MB (in the editor after %.0f ms)\n", title, editor->lines(),
                 static_cast<double>(text.size()) / 1e6, msSince(loading));
 
