@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The publication and crystal lists of a mandatory-data-items file.
 #include "tools/MandatoryItems.hpp"
 
 MandatoryItems MandatoryItems::read(std::istream& stream) {
