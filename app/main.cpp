@@ -1,6 +1,6 @@
-// The launcher: application object, splash screen, the data shared by all
-// windows, the first window, then the event loop. Everything else lives in
-// libtessarylib.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The launcher: application object, splash screen, shared data, first window, event loop.
+// Everything else lives in libtessarylib.
 #include <QFileInfo>
 
 #include "application/QcbsApplication.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One CIF document: its data blocks in text order, its dictionary and its messages.
 #include "cif/Cif.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One CIF document: its data blocks in text order, its dictionary and its messages.
 #pragma once
 
 #include <deque>

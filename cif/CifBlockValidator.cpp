@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Checks a block's items and loops against a dictionary, each finding on its own line.
 #include "cif/CifBlockValidator.hpp"
 
 #include <algorithm>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
+// Character classes of CIF 1.1 text, shared by the reader and the editor's highlighter.
 #pragma once
 
-// Character classes of CIF 1.1 text, shared by the reader and the editor's
-// syntax highlighter. CIF 1.1 allows printable ASCII (32-126), TAB, LF and CR.
+// CIF 1.1 allows printable ASCII (32-126), TAB, LF and CR.
 
 // Control characters other than TAB, LF and CR, and DEL (127).
 constexpr bool is_bad_nonprinting_char(unsigned char c) {

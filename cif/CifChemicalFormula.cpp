@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// A chemical formula as _chemical_formula_sum writes it, with weights and electron counts.
 #include "cif/CifChemicalFormula.hpp"
 
 #include <cstdlib>

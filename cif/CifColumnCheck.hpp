@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The quick first look at a loop column's values, before the full check of doubtful ones.
 #pragma once
 
 #include <cstddef>

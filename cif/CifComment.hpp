@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// A comment line met between tokens, as the lexer hands it on.
 #pragma once
 
 #include <cstddef>

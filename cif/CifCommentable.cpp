@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The comment text that blocks and data items carry.
 #include "cif/CifCommentable.hpp"
 
 CifCommentable::CifCommentable(const CifCommentable& other)

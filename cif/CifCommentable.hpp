@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The comment text that blocks and data items carry.
 #pragma once
 
 #include <array>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One DDL1 dictionary file read into memory: its descriptor and definitions.
 #pragma once
 
 #include <istream>

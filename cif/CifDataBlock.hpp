@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One data block: its items, loops, comments, save frames and the order items print in.
 #pragma once
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One data name with its value or its column of loop values.
 #include "cif/CifDataItem.hpp"
 
 #include <utility>

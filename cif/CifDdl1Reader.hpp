@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Fills a concrete dictionary from DDL1 text: its descriptor and one definition per name.
 #pragma once
 
 #include <ostream>

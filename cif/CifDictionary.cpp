@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The interface of a source of data-name definitions that documents are checked against.
 #include "cif/CifDictionary.hpp"
 
 #include "cif/CifNames.hpp"

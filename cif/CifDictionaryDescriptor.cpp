@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// What identifies a dictionary file: its name, version and date.
 #include "cif/CifDictionaryDescriptor.hpp"
 
 std::string CifDictionaryDescriptor::text() const {

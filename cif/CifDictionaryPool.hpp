@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Several dictionaries searched together; for a name both define, the first inserted wins.
 #pragma once
 
 #include <string>

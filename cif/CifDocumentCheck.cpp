@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The whole check of a document: read, mandatory items, consistency.
 #include "cif/CifDocumentCheck.hpp"
 
 #include "cif/ORMACifConsistencyChecker.hpp"

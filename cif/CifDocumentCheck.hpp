@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The whole check of a document, shared by the editor and tessary-check.
 #pragma once
 
 #include <istream>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One permitted value of a data item, with the dictionary's explanation of it.
 #pragma once
 
 #include <string>

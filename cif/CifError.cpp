@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One message of reading or checking a CIF: its code, line, text and detail.
 #include "cif/CifError.hpp"
 
 #include <utility>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The error catalogue's table: every code with its kind, message and explanation.
 #include "cif/CifErrorCatalogue.hpp"
 
 #include <string>

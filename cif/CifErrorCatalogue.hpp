@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The table of every message code with its kind, message and explanation.
 #pragma once
 
 #include <span>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The messages of a read or check in the order produced, counted by kind.
 #pragma once
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Collects the messages of one read up to a limit, so that non-CIF text cannot fill memory.
 #pragma once
 
 #include <cstddef>

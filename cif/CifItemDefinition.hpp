@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The definition of one data name as a dictionary gives it.
 #pragma once
 
 #include <string>

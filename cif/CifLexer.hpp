@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Splits CIF 1.1 or 2.0 text into tokens in one pass, with the line of each.
 #pragma once
 
 #include <cstddef>

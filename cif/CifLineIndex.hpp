@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The start of every line of a text, so that a value's line is found from its offset.
 #pragma once
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Checks the values of a loop in batches of rows, in full only where the quick look doubts.
 #include "cif/CifLoopChecker.hpp"
 
 #include <algorithm>

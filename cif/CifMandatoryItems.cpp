@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Reads a mandatory-data-items file into its two lists.
 #include "cif/CifMandatoryItems.hpp"
 
 #include "support/getline.hpp"

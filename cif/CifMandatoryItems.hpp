@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The mandatory-data-items file: which data names a document and its crystal blocks need.
 #pragma once
 
 #include <functional>

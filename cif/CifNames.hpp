@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Data names and block names compared, lower-cased and hashed without regard to case.
 #pragma once
 
 #include <string>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// A CIF number with its optional standard uncertainty, read from its text.
 #include "cif/CifNumber.hpp"
 
 #include <charconv>

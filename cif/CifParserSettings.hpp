@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// How a text is read: the line length above which a line is reported as too long.
 #pragma once
 
 #include <cstddef>

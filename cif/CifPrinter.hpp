@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Writes blocks as CIF text, every value delimited as CIF requires.
 #pragma once
 
 #include <ostream>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Builds a document's blocks from its text in one pass, recovering from every problem.
 #include "cif/CifReader.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Checks every line of a text for the characters CIF allows and for its length.
 #include "cif/CifTextCheck.hpp"
 
 #include <cstdint>

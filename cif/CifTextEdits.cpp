@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Edits that replace or add items, loops and blocks in a document's text.
 #include "cif/CifTextEdits.hpp"
 
 namespace {

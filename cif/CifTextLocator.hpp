@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Finds where blocks, items and loops stand in a document's text.
 #pragma once
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The text a document was read from and the values given to its items afterwards.
 #include "cif/CifTextStore.hpp"
 
 CifValueRef CifTextStore::add(std::string_view value, std::uint32_t flags) {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The text a document was read from and the values given to its items afterwards.
 #pragma once
 
 #include <cstddef>

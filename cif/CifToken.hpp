@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// One token of CIF text as the lexer hands it to the reader.
 #pragma once
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Checks one value against one dictionary definition: type, enumeration and range.
 #pragma once
 
 #include <string>

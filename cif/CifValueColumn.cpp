@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The values of one data item, long columns kept in chunks of fixed size.
 #include "cif/CifValueColumn.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Where one value lives: a span of the read text or an entry of the values added later.
 #pragma once
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The full check of single values, each problem reported on the line of its value.
 #include "cif/CifValueReporter.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// How blocks are printed: the line length limit that printing keeps to.
 #pragma once
 
 // How blocks are printed. The first field is the line length limit that

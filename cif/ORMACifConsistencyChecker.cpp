@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Cross-checks of a document's values: cell, density, formula, symmetry, counts, labels.
 #include "cif/ORMACifConsistencyChecker.hpp"
 
 #include <algorithm>

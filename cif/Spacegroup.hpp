@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Space groups over the table of International Tables settings, by symbol and by operators.
 #pragma once
 
 #include <string>

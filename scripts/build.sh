@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Configures and builds Tessary into build/ (executables in build/bin/).
 set -euo pipefail
 cd "$(dirname "$0")/.."

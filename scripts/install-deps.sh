@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs every Debian package that building, testing and running Tessary
 # needs. Idempotent: when everything is present it only checks and returns.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Sets everything up and runs the editor: installs packages, builds, starts
 # build/bin/tessary with any file names given.
 set -euo pipefail

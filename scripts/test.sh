@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Sets everything up and runs every test: installs packages, builds, runs the
 # whole suite with CTest, then runs the Qt-free tests again in a build with
 # AddressSanitizer and UndefinedBehaviorSanitizer.

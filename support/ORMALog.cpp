@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The process-wide diagnostic log: debug, warning and error lines written whole to stderr.
 #include "support/ORMALog.hpp"
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// THandle, the reference-counted handle in which the libraries pass their objects around.
 #pragma once
 
 #include <cstddef>

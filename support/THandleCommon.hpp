@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// What every THandle instantiation shares: the fatal report of a null dereference.
 #pragma once
 
 #include <typeinfo>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Turning text into comment lines and back.
 #include "support/comment.hpp"
 
 void comment(const std::string& text, std::vector<std::string>& out, const std::string& first_prefix,

@@ -1,10 +1,10 @@
+// SPDX-License-Identifier: MIT
+// Turning text into comment lines and back.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <vector>
-
-// Turning text into comment lines and back.
 
 // Appends to `out` the comment lines that hold `text`: each starts with
 // `marker`, then `first_prefix` on the first line and `next_prefix` on the

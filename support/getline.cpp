@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// orma::getline, which reads one line whatever its ending (LF, CR LF or CR).
 #include "support/getline.hpp"
 
 namespace orma {

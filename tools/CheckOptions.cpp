@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The command line of tessary-check read into options, and its usage text.
 #include "tools/CheckOptions.hpp"
 
 #include <charconv>

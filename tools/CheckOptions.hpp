@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The command line of tessary-check read into options, and its usage text.
 #pragma once
 
 #include <string>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Writes tessary-check's results as text lines or as one JSON document.
 #include "tools/CheckReport.hpp"
 
 #include <cstdio>

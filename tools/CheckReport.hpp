@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Writes tessary-check's results as text lines or as one JSON document.
 #pragma once
 
 #include <ostream>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The dictionaries tessary-check uses: those of TESSARY_DICTIONARIES, then the command line's.
 #include "tools/DictionaryFiles.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Checks one file for tessary-check: read, mandatory items, consistency, messages collected.
 #include "tools/FileCheck.hpp"
 
 #include <cerrno>

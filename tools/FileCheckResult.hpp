@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The outcome of checking one file: its messages and their counts by kind.
 #pragma once
 
 #include <string>

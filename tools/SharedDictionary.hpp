@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// A dictionary that answers from a pool owned elsewhere, one handle per thread.
 #pragma once
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // tessary-check: checks CIF files from the command line (see CheckOptions::usage).
 
 #include <atomic>

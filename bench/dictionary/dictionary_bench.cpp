@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: MIT
+// Benchmark: loading the core dictionary, and reading a loop with and without it.
+//
 // dictionary_bench [--rows N] [--runs N] [--dictionary FILE]
 //
 // Times are processor time of the thread (the machines here are shared).

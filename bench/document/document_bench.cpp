@@ -1,5 +1,6 @@
-// Reading a document's file and saving it, on a generated file of a million
-// lines, against peers doing the least that the same job needs:
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Benchmark: reading a document's file and saving it, against peers doing the least.
+// On a generated file of a million lines; the peers do the least that the same job needs:
 //
 //   read: QFile::readAll + QString::fromUtf8 (the floor) against what a load
 //         does before the editor: readAll, the CIF file check, the encoding

@@ -1,5 +1,5 @@
-// Speed of CIF highlighting on two generated files of a million lines: a
-// reflection loop and a text-heavy file.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Benchmark: CIF highlighting on a million-line reflection loop and a text-heavy file.
 //
 // 1. Classification alone (QcbsCifLineClassifier over every line, runs
 //    included; the lines are split beforehand, as Qt hands them over one by

@@ -1,5 +1,6 @@
-// Reads arbitrary bytes as CIF, prints the document and, when the text had
-// no errors, reads the printed text back and requires the same blocks,
+// SPDX-License-Identifier: MIT
+// Fuzz target of the CIF reader: arbitrary bytes read as CIF and printed.
+// When the text had no errors, the printed text is read back and must give the same blocks,
 // items and values.
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The editor's application object: the splash screen at start-up, files opened in a window.
 #include "application/QcbsApplication.hpp"
 
 #include <QCoreApplication>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window: its parts and connections, settings, tools, caption, status and editing.
 #include "application/QcbsMainWindow.hpp"
 
 #include <QAction>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// One editor window holding one document, with its views, menus and status bar.
 #pragma once
 
 #include <QMainWindow>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The actions of a main window with their menus and tool bars, built from one table.
 #pragma once
 
 #include <QList>

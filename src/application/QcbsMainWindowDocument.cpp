@@ -1,5 +1,6 @@
-// The main window's document operations: new, open and load, save with a
-// backup, save as, close, recent files, dropped files and printing.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's document operations: new, open, save, save as, close, print.
+// Also loading, the backup on saving, recent files and dropped files.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>

@@ -1,6 +1,7 @@
-// The main window's check of a document: the editor's text (or a file being
-// loaded) read into a Cif, its messages turned into error-list entries and
-// output-pane lines, and the block chooser refilled.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's check of a document: text read into a Cif, messages into the error list.
+// The text is the editor's or that of a file being loaded; the messages also go to the output
+// pane, and the block chooser is refilled.
 #include <QApplication>
 #include <QComboBox>
 #include <QHash>

@@ -1,7 +1,7 @@
-// The main window's functions that are connected but whose work is not built
-// yet: each tells the user so in the status bar instead of doing nothing.
-// Replace them one by one, deleting each from this file as its real
-// version lands elsewhere.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's connected functions whose work is not built yet.
+// Each tells the user so in the status bar instead of doing nothing. Replace them one by one,
+// deleting each from this file as its real version lands elsewhere.
 #include <QDropEvent>
 
 #include "application/QcbsMainWindow.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The data every main window shares: options, dictionaries, styles, mandatory names, help.
 #include "application/QcbsMainWindowSharedData.hpp"
 
 #include <QDir>

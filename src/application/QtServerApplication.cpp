@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The application base that receives the file names of later launches over a local socket.
 #include "application/QtServerApplication.hpp"
 
 #include <QCryptographicHash>

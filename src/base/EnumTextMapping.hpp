@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A fixed table from an enumeration's values to the texts that name them in settings.
 #pragma once
 
 #include <QString>

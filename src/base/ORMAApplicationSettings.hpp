@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The user's persistent settings: one flat key-value store in tessary.ini.
 #pragma once
 
 #include <QSettings>

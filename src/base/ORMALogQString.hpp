@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// QString values streamed into log lines, and one whole debug line from a QString.
 #pragma once
 
 #include <QString>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The contact author of a publication, as the publication wizard offers it.
 #pragma once
 
 #include <QString>

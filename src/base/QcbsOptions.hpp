@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The options that hold for the whole program, with their defaults.
 #pragma once
 
 #include <QString>

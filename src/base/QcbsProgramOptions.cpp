@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program's one set of options: read, written and announced when changed.
 #include "base/QcbsProgramOptions.hpp"
 
 #include "base/ORMAApplicationSettings.hpp"

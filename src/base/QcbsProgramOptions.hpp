@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program's one set of options, shared by every window, with a change signal.
 #pragma once
 
 #include <QObject>

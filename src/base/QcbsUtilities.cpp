@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program's name, versions and directories, and small text utilities.
 #include "base/QcbsUtilities.hpp"
 
 #include <QDate>

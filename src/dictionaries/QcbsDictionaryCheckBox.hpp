@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A check box that switches one dictionary on or off.
 #pragma once
 
 #include <QCheckBox>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Finds the dictionary files and reads them, once, into one pool of all dictionaries.
 #pragma once
 
 #include <QObject>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which dictionaries are enabled, kept in the settings, and the pool of the enabled ones.
 #include "dictionaries/QcbsDictionarySettings.hpp"
 
 #include "base/ORMAApplicationSettings.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The one document of a main window and the edits views and wizards ask for.
 #pragma once
 
 #include <QByteArray>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How a document's text is stored on disk: UTF-8 or Latin-1, with any byte-order mark.
 #include "document/QcbsDocumentEncoding.hpp"
 
 #include <QStringDecoder>

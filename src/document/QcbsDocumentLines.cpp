@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A document read into the editor line by line and written back with its line ends.
 #include "document/QcbsDocumentLines.hpp"
 
 #include <QTextDocument>

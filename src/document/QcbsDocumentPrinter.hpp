@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Prints a document's text as the editor shows it, with a header on every page.
 #pragma once
 
 #include <QFont>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Writes a document's bytes over its file through a synced temporary file, with a backup.
 #pragma once
 
 #include <QByteArray>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How the CIF highlighter reads one line: a style per character and a state for the next.
 #include "editor/QcbsCifLineClassifier.hpp"
 
 #include <QChar>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The editor's base font and the style of each kind of CIF text, kept in the settings.
 #include "editor/QcbsFontStyleSettings.hpp"
 
 #include <QApplication>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Highlights a big document in slices, visible lines first, so the window never freezes.
 #include "editor/QcbsHighlightScheduler.hpp"
 
 #include <QPlainTextEdit>

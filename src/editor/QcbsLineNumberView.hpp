@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The line-number margin left of an editor.
 #pragma once
 
 #include <QFrame>

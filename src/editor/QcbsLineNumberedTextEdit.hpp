@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The document area of a main window: the CIF editor with its line-number margin.
 #pragma once
 
 #include <QWidget>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The CIF text editor: CIF questions about lines, commenting, error marks, copy and paste.
 #pragma once
 
 #include <QPlainTextEdit>

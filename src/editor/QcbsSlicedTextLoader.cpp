@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Puts a large text into a QPlainTextEdit a slice at a time, so the window stays live.
 #include "editor/QcbsSlicedTextLoader.hpp"
 
 #include <QElapsedTimer>

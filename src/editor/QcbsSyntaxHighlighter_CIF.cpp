@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Colours the CIF text of an editor line by line through the line classifier.
 #include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 
 #include <QPlainTextEdit>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The table of CIF backslash codes with their Unicode characters, and the conversions.
 #include "editor/QcbsUnicode.hpp"
 
 #include <QHash>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Conversion between CIF backslash codes and the Unicode characters they stand for.
 #pragma once
 
 #include <QString>

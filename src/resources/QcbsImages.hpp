@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program's built-in pictures that are not numbered icons: splash and about images.
 #pragma once
 
 #include <QPixmap>

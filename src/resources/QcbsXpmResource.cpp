@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program's numbered built-in pictures, drawn from SVG resources at the asked size.
 #include "resources/QcbsXpmResource.hpp"
 
 #include <QGuiApplication>

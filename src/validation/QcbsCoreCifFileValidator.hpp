@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Decides, before a file is loaded, whether it looks like a CIF.
 #pragma once
 
 #include <QByteArrayView>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The list of the problems a document's last check found, under Errors, Warnings, Remarks.
 #pragma once
 
 #include <QString>

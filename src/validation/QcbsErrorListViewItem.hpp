@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// One entry of the error list, which remembers the kind of problem it reports.
 #pragma once
 
 #include <QString>

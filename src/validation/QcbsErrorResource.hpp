@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which help page explains which kind of problem.
 #pragma once
 
 #include <QString>

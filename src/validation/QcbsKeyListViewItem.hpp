@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A list row that sorts by its own key per column instead of its text.
 #pragma once
 
 #include <QString>

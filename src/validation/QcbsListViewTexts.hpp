@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Rows of the list views made from up to eight column texts.
 #pragma once
 
 #include <QString>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The read-only log beside the error list in which the editor reports what it does.
 #include "validation/QcbsOutputPane.hpp"
 
 #include <QContextMenuEvent>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The tree of a document's blocks, categories and data items beside the editor.
 #include "views/QcbsCifBoxView.hpp"
 
 QcbsCifBoxView::QcbsCifBoxView(QWidget* parent) : QTreeWidget(parent) {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The tree of a document's blocks, categories and data items beside the editor.
 #pragma once
 
 #include <QString>

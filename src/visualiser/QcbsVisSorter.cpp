@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The visualiser page of a main window, where a block's structure is drawn in 3-D.
 #include "visualiser/QcbsVisSorter.hpp"
 
 #include <QLabel>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The "About Tessary" box: picture, name, version, date, core dictionary, home page.
 #pragma once
 
 #include <QDialog>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A window that shows the help pages, with Back, Forward and Home.
 #include "widgets/QcbsHelpWindow.hpp"
 
 #include <QAction>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The list of recently opened files, shown as a sub-menu and kept in the settings.
 #include "widgets/RecentFilesMenu.hpp"
 
 #include <QAction>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Real crystal files: read without errors unless they break a rule, printed and read back.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The document model: blocks, items, loops, copies, merges and the order items print in.
 #include <gtest/gtest.h>
 
 #include <algorithm>

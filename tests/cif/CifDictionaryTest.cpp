@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading DDL1 dictionaries, their queries, and pools of several.
 #include <gtest/gtest.h>
 

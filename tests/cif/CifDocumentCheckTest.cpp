@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole check of a document as the editor and tessary-check run it, and
 // the mandatory-items file that feeds it.
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The error catalogue: every code complete, fixed roles, messages, docs/errors.md in step.
 #include <gtest/gtest.h>
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Printing blocks as CIF 1.1 and 2.0 text that reads back unchanged within the line limit.
 #include <gtest/gtest.h>
 
 #include <random>

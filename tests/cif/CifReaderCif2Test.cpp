@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Reading CIF 2.0 text: lists, tables, triple quotes, UTF-8, and what breaks them.
 #include <gtest/gtest.h>
 
 #include "tests/cif/CifTestSupport.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Reading CIF 1.1 text into blocks, items and values, and every problem with its line.
 #include <gtest/gtest.h>
 
 #include <sstream>

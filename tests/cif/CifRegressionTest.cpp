@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Stored inputs that once broke the reader or sit on its edges, each read and printed safely.
 #include <gtest/gtest.h>
 
 #include <filesystem>

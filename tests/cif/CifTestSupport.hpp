@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Helpers of the CIF library's tests: text read into a document, its messages, a dictionary.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Edits that replace or add items, loops and blocks in a document's text,
 // leaving every byte outside the edited span as it was.
 #include <gtest/gtest.h>

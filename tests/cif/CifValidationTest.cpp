@@ -1,5 +1,6 @@
-// Checking a document against a dictionary while it is read: each finding
-// with its code, kind and the line of what it is about.
+// SPDX-License-Identifier: MIT
+// Checking a document against a dictionary while it is read.
+// Each finding comes with its code, kind and the line of what it is about.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,5 +1,6 @@
-// Cross-checks of the values of a document: each check passes on a
-// consistent block and reports a changed value on the line of its item.
+// SPDX-License-Identifier: MIT
+// Cross-checks of a document's values: a consistent block passes, a changed value is found.
+// Each check reports the changed value on the line of its item.
 #include <gtest/gtest.h>
 
 #include <string>

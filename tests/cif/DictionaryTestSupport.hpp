@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Helpers of the dictionary tests: dictionaries from text or from tests/data, and reading.
 #pragma once
 
 #include <gtest/gtest.h>

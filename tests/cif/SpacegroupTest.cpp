@@ -1,5 +1,5 @@
-// Space groups: settings, symbols as users write them, crystal systems, and
-// the group that a list of symmetry operators forms.
+// SPDX-License-Identifier: MIT
+// Space groups: settings, symbols as users write them, crystal systems, groups of operators.
 #include <gtest/gtest.h>
 
 #include <set>

@@ -1,5 +1,5 @@
-// Runs the GUI tests inside one QcbsApplication on the offscreen platform,
-// with the settings in a fresh directory.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Runs the GUI tests in one QcbsApplication on the offscreen platform, with fresh settings.
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Helpers of the GUI tests: a fresh settings directory and a capture of the log.
 #pragma once
 
 #include <QDeadlineTimer>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// The diagnostic log: which debug lines are wanted, and lines written whole.
 #include <gtest/gtest.h>
 
 #include <sstream>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// THandle: counts, assignment, destruction through a base, casts, comparison, null.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// Turning text into comment lines and back: round trips, markers, line breaking.
 #include <gtest/gtest.h>
 
 #include "support/comment.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+// orma::getline: every line ending, the final line, empty lines, other bytes kept.
 #include <gtest/gtest.h>
 
 #include <sstream>

@@ -1,6 +1,6 @@
-// The parts of tessary-check: its command line, its JSON report, and its
-// inputs besides the files (dictionaries found, mandatory items). The program
-// as a whole is run in TessaryCheckTest.cpp.
+// SPDX-License-Identifier: MIT
+// The parts of tessary-check: command line, JSON report, dictionaries found, mandatory items.
+// The program as a whole is run in TessaryCheckTest.cpp.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

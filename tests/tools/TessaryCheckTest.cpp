@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // tessary-check run as a program on files written by the tests.
 #include <gtest/gtest.h>
 #include <sys/wait.h>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Helpers of the tests of the main window and its documents.
 #pragma once
 
-// Helpers of the tests of the main window and its documents.
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Answers the modal dialogs a test provokes, so that no test waits for a user.
 #pragma once
 
 #include <QAbstractButton>

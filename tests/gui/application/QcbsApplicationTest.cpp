@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Start-up: the splash screen, and files handed over by a later launch.
 #include <gtest/gtest.h>
 
 #include <QLabel>

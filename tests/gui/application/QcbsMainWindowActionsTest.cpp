@@ -1,5 +1,6 @@
-// The main window's actions: menus, tool bars, what each does now, and
-// which are on for the page and the document at hand.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's actions: menus, tool bars, what each does now, and when each is on.
+// Which actions are on depends on the page and the document at hand.
 #include <gtest/gtest.h>
 
 #include <QApplication>

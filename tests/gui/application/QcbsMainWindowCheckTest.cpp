@@ -1,6 +1,7 @@
-// Checking a document as a user does: dictionaries found or not, text typed
-// into the editor, Ctrl+K, the error list and the output pane read, an entry
-// double-clicked; and the rules by which the findings are listed.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Checking a document as a user does: text typed, Ctrl+K, the error list and pane read.
+// Also with dictionaries found or not, an entry double-clicked, and the rules by which the
+// findings are listed.
 #include <gtest/gtest.h>
 
 #include <QComboBox>

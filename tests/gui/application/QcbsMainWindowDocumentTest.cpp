@@ -1,5 +1,6 @@
-// The main window's document operations as a user meets them: opening,
-// saving, closing, new documents, recent and dropped files, printing.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's document operations as a user meets them.
+// Opening, saving, closing, new documents, recent and dropped files, printing.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>

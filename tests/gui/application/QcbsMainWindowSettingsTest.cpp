@@ -1,5 +1,5 @@
-// What the main windows share: their options in the settings file, the
-// documentation found for them, and the mandatory data items file.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the main windows share: options in the settings file, documentation, mandatory items.
 #include <gtest/gtest.h>
 
 #include <QSettings>

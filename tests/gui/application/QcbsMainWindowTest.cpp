@@ -1,5 +1,5 @@
-// The main window itself: caption, status line, messages, closing, help and
-// the about box.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window itself: caption, status line, messages, closing, help and the about box.
 #include <gtest/gtest.h>
 
 #include <QDesktopServices>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The recent-files list: newest first, kept in the settings, one choice per sub-menu.
 #include <gtest/gtest.h>
 
 #include <QMenu>

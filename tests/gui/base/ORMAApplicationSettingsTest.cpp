@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The settings store: every type round-trips through tessary.ini; missing keys give defaults.
 #include <gtest/gtest.h>
 
 #include <QFile>

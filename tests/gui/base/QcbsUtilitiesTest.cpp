@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program's small text utilities.
 #include <gtest/gtest.h>
 
 #include "base/QcbsUtilities.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Helpers of the dictionary tests: a small DDL1 file written, an environment variable set.
 #pragma once
 
 #include <QByteArray>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Finding and reading the dictionary files, and when the search runs again.
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>

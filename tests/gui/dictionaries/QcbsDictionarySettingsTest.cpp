@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Switching dictionaries on and off, and the switches kept in the settings.
 #include <gtest/gtest.h>
 
 #include <QSettings>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The document of a window: the edits views and wizards ask for land as one
 // undo step each, change only their own bytes and are checked at once; jumps
 // land on the right line in the middle of the view.

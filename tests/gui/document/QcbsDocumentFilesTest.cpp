@@ -1,5 +1,5 @@
-// A document's file: its text read and written back, saving that keeps the
-// old content, and printing.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A document's file: its text read and written back, saving that keeps the old content, printing.
 #include <gtest/gtest.h>
 
 #include <QFontDatabase>

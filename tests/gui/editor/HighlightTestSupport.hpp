@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Helpers of the highlighting tests: a small dictionary and one letter per style.
 #pragma once
 
 #include <gtest/gtest.h>

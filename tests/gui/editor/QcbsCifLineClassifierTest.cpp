@@ -1,5 +1,6 @@
-// How single CIF lines are classified: one style letter per character (see
-// HighlightTestSupport.hpp) and the state handed to the next line.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How single CIF lines are classified: a style letter per character, the state handed on.
+// The style letters are those of HighlightTestSupport.hpp.
 #include <gtest/gtest.h>
 
 #include <QString>

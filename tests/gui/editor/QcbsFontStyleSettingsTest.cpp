@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The editor's text styles and base font: defaults, round trips, incomplete entries.
 #include <gtest/gtest.h>
 
 #include <QApplication>

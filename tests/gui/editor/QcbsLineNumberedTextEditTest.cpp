@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The line-number margin beside the editor: its place, width, numbers and zoom.
 #include <gtest/gtest.h>
 
 #include <QScrollBar>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The CIF editor's highlighting and loading of whole documents.
 #include <gtest/gtest.h>
 

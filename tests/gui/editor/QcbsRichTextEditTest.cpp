@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The CIF editor's own work: lines, error marks, commenting, copy and paste, files, keys.
 #include <gtest/gtest.h>
 
 #include <QAction>

@@ -1,5 +1,6 @@
-// Loading a big text into an editor a slice at a time (the CIF editor's
-// tests load a big text end to end).
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Loading a big text into an editor a slice at a time.
+// The CIF editor's tests load a big text end to end.
 #include <gtest/gtest.h>
 
 #include <QPlainTextEdit>

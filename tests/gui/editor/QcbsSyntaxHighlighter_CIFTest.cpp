@@ -1,7 +1,7 @@
-// The highlighter on a document: formats per run and states per line, edits
-// followed only as far as they change states, and big documents highlighted
-// in slices (visible lines first) to the same result as all at once, without
-// counting as edits.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The highlighter on a document: formats per run, states per line, edits, big documents.
+// Edits are followed only as far as they change states; big documents are highlighted in
+// slices (visible lines first) to the same result as all at once, without counting as edits.
 #include <gtest/gtest.h>
 
 #include <QPlainTextEdit>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Converting between CIF backslash codes and Unicode: the table, accents, running text.
 #include <gtest/gtest.h>
 
 #include <QSet>

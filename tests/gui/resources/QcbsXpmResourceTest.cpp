@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The built-in pictures: distinct, visible, found by name and number, scaled to size.
 #include <gtest/gtest.h>
 
 #include <QImage>

@@ -1,5 +1,6 @@
-// The help pages the error list opens, and the start page of the user guide
-// that leads to them, as they lie in the source tree's docs/ folder.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The help pages the error list opens, and the user guide's start page that leads to them.
+// They are read where they lie, in the source tree's docs/ folder.
 #include <gtest/gtest.h>
 
 #include <QDir>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Whether a text or a file on disk looks like a CIF.
 #include <gtest/gtest.h>
 
 #include <QDirIterator>

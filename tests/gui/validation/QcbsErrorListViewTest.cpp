@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The error list: its headings, entries in line order, double-click and right-click.
 #include <gtest/gtest.h>
 
 #include <QHeaderView>

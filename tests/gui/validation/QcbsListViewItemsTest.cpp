@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The rows of the list views: sorting by key and a kind per column.
 #include <gtest/gtest.h>
 
 #include <QTreeWidget>

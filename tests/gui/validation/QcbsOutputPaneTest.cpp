@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The output pane: clearing, copying, keys ignored and its context menu.
 #include <gtest/gtest.h>
 
 #include <QApplication>
