@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Rules every source file keeps: its folder's licence on line 1, its purpose on line 2.
+// Rules every source file keeps: licence and purpose on top, includes that follow the layering.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -149,6 +151,126 @@ TEST(SourceRules, EverySourceFileStartsWithItsFoldersLicenceAndItsPurpose) {
     for (const SourceFile& file : files) {
         const std::string problem = licenceProblem(file.folder, firstLines(file, 2));
         if (!problem.empty()) ADD_FAILURE() << file.path << ": " << problem;
+    }
+}
+
+// --- layering -----------------------------------------------------------------------------
+
+// One #include line of a source file.
+struct Include {
+    int line = 0;
+    std::string target;  // as written, without quotes or brackets
+    bool angled = false;
+};
+
+std::vector<Include> includesOf(const SourceFile& file) {
+    std::ifstream stream(fs::path(TESSARY_SOURCE_DIR) / file.path, std::ios::binary);
+    std::vector<Include> includes;
+    std::string text;
+    for (int line = 1; std::getline(stream, text); ++line) {
+        const std::size_t hash = text.find_first_not_of(" \t");
+        if (hash == std::string::npos || text.compare(hash, 8, "#include") != 0) continue;
+        const std::size_t open = text.find_first_of("\"<", hash + 8);
+        if (open == std::string::npos) continue;
+        const std::size_t close = text.find(text[open] == '<' ? '>' : '"', open + 1);
+        if (close == std::string::npos) continue;
+        includes.push_back({line, text.substr(open + 1, close - open - 1), text[open] == '<'});
+    }
+    return includes;
+}
+
+// The piece a path belongs to: "cif", "support", "tools", "app", or "src/<folder>" for the
+// application's floors ("src/editor"); a quoted include names its piece the same way, with
+// the application's folders written without "src/".
+std::string pieceOfFile(const std::string& path) {
+    const std::string top = path.substr(0, path.find('/'));
+    if (top != "src") return top;
+    const std::size_t second = path.find('/', 4);
+    return second == std::string::npos ? "src" : path.substr(0, second);
+}
+
+std::string pieceOfInclude(const std::string& target) {
+    const std::string top = target.substr(0, target.find('/'));
+    if (top == "cif" || top == "support" || top == "tools" || top == "tests") return top;
+    return "src/" + top;
+}
+
+bool isQtHeader(const Include& include) { return include.angled && include.target.rfind("Q", 0) == 0; }
+
+// What is wrong with one include of a file of the given piece; empty when nothing is.
+std::string layeringProblem(const std::string& piece, const Include& include) {
+    if (piece == "support" || piece == "cif" || piece == "tools") {
+        if (isQtHeader(include))
+            return "the CIF library, the support library and the checker never include Qt";
+        if (include.angled) return std::string();
+        const std::string target = pieceOfInclude(include.target);
+        static const std::map<std::string, std::set<std::string>> allowed = {
+            {"support", {"support"}}, {"cif", {"cif", "support"}}, {"tools", {"tools", "cif", "support"}}};
+        if (allowed.at(piece).count(target) == 0) return piece + " may not include " + include.target;
+        return std::string();
+    }
+    if (include.angled || piece.rfind("src", 0) != 0) return std::string();
+    const std::string target = pieceOfInclude(include.target);
+    if (target == "cif" || target == "support" || target == piece) return std::string();
+    if (target == "tools" || target == "tests") return "the application never includes " + include.target;
+    if (target == "src/application") return "no folder includes the application: " + include.target;
+    if (piece == "src/base") return "the base floor includes only itself: " + include.target;
+    if (piece == "src/document" && target != "src/base" && include.target != "editor/QcbsRichTextEdit.hpp")
+        return "a document includes only the base floor and the editor's text widget: " + include.target;
+    return std::string();
+}
+
+TEST(SourceRules, LayeringRulesAreCheckedAsWritten) {
+    const struct {
+        const char* piece;
+        Include include;
+        bool good;
+    } cases[] = {
+        {"cif", {1, "support/THandle.hpp", false}, true},
+        {"cif", {1, "vector", true}, true},
+        {"cif", {1, "QString", true}, false},
+        {"cif", {1, "base/QcbsOptions.hpp", false}, false},
+        {"support", {1, "cif/Cif.hpp", false}, false},
+        {"tools", {1, "cif/Cif.hpp", false}, true},
+        {"tools", {1, "editor/QcbsUnicode.hpp", false}, false},
+        {"src/editor", {1, "base/ORMALogQString.hpp", false}, true},
+        {"src/editor", {1, "application/QcbsMainWindow.hpp", false}, false},
+        {"src/application", {1, "application/QcbsMainWindow.hpp", false}, true},
+        {"src/application", {1, "views/QcbsCifBoxView.hpp", false}, true},
+        {"src/base", {1, "editor/QcbsUnicode.hpp", false}, false},
+        {"src/document", {1, "editor/QcbsRichTextEdit.hpp", false}, true},
+        {"src/document", {1, "editor/QcbsUnicode.hpp", false}, false},
+        {"src/views", {1, "tools/FileCheck.hpp", false}, false},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(layeringProblem(c.piece, c.include).empty(), c.good)
+            << c.piece << " -> " << c.include.target;
+}
+
+TEST(SourceRules, IncludesFollowTheLayeringAndTheApplicationsFoldersFormNoCycle) {
+    std::map<std::string, std::set<std::string>> uses;  // src folder -> src folders it includes
+    for (const SourceFile& file : sourceFiles()) {
+        const std::string piece = pieceOfFile(file.path);
+        for (const Include& include : includesOf(file)) {
+            const std::string problem = layeringProblem(piece, include);
+            if (!problem.empty()) ADD_FAILURE() << file.path << ":" << include.line << ": " << problem;
+            if (piece.rfind("src/", 0) == 0 && !include.angled) {
+                const std::string target = pieceOfInclude(include.target);
+                if (target != piece && target.rfind("src/", 0) == 0) uses[piece].insert(target);
+            }
+        }
+    }
+    // Dependencies point one way: a folder never reaches itself through others.
+    for (const auto& [start, direct] : uses) {
+        std::set<std::string> seen;
+        std::vector<std::string> todo(direct.begin(), direct.end());
+        while (!todo.empty()) {
+            const std::string folder = todo.back();
+            todo.pop_back();
+            if (!seen.insert(folder).second) continue;
+            EXPECT_NE(folder, start) << start << " includes itself through other folders";
+            for (const std::string& next : uses[folder]) todo.push_back(next);
+        }
     }
 }
 
