@@ -39,6 +39,7 @@ public:
     std::string name() const override { return descriptor_.name; }
     std::vector<std::string> categories() const override { return categories_; }
     std::vector<std::string> category_items(const std::string& category) const override;
+    std::vector<std::string> data_names() const override;
 
     // Every definition, in the dictionary's order (one per data name).
     const std::vector<CifItemDefinition>& definitions() const { return definitions_; }

@@ -58,6 +58,11 @@ public:
         return {};
     }
 
+    // Every data name the dictionary defines (no category overviews), in
+    // the dictionary's order, each once regardless of case: what an editor
+    // offers when the user starts to type a name.
+    virtual std::vector<std::string> data_names() const { return {}; }
+
     // Shorthands over definition(); empty answers for undefined names.
     std::vector<Enumeration> enumerations(const std::string& data_name) const;
     std::string definition_text(const std::string& data_name) const;

@@ -68,3 +68,14 @@ std::vector<std::string> CifDictionaryPool::category_items(const std::string& ca
     }
     return result;
 }
+
+std::vector<std::string> CifDictionaryPool::data_names() const {
+    std::vector<std::string> result;
+    std::unordered_set<std::string> seen;
+    for (const THandle<CifConcreteDictionary>& member : members_) {
+        for (const std::string& name : member->data_names()) {
+            if (seen.insert(cif_lowercase(name)).second) result.push_back(name);
+        }
+    }
+    return result;
+}

@@ -27,6 +27,7 @@ public:
     std::vector<std::string> category_items(const std::string& category) const override {
         return target_.category_items(category);
     }
+    std::vector<std::string> data_names() const override { return target_.data_names(); }
 
 private:
     const CifDictionary& target_;
