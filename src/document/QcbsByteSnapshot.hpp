@@ -18,7 +18,7 @@ class QcbsByteSnapshot : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int SliceBytes = 32 * 1024 * 1024;
+    static constexpr int SliceBytes = 16 * 1024 * 1024;
 
     // `prefix` goes before the editor's bytes (a byte-order mark).
     QcbsByteSnapshot(QcbsRichTextEdit* editor, std::string prefix, QObject* parent = nullptr);

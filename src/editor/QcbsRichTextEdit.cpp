@@ -2,6 +2,8 @@
 // The CIF text editor: a file's bytes in Scintilla, CIF line queries, commenting, error marks.
 #include "editor/QcbsRichTextEdit.hpp"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -44,6 +46,10 @@ constexpr int kErrorMarginWidth = 12;
 constexpr int kFoldMarginWidth = 14;
 // How far the search for a matching delimiter looks, in bytes.
 constexpr int kMatchReach = 1024 * 1024;
+// The buffer gap is walked towards the cursor this far a turn, and left
+// alone within this distance of it.
+constexpr int kGapStep = 32 * 1024 * 1024;
+constexpr int kGapNear = 256 * 1024;
 
 // Wide enough that no real line is broken into several comment lines, and
 // wider still for a longer line, so that nothing of it is lost.
@@ -111,6 +117,17 @@ QString withNewlines(QString text) {
 
 bool isBlankByte(char c) { return c == ' ' || c == '\t'; }
 
+// The editor's accessible object: an editable text named as the editor is.
+// Asked for first (by the class's own name), it stands in for the one the
+// base class offers, which counts the characters from the start of the text
+// on every repaint after the cursor moved: a quarter of a second on a
+// document of a few million lines.
+QAccessibleInterface* editorAccessible(const QString& className, QObject* object) {
+    if (className != QLatin1String("QcbsRichTextEdit") || object == nullptr || !object->isWidgetType())
+        return nullptr;
+    return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::EditableText);
+}
+
 }  // namespace
 
 QcbsRichTextEdit::QcbsRichTextEdit(QWidget* parent, const char* name) : QsciScintilla(parent) {
@@ -128,6 +145,11 @@ QcbsRichTextEdit::QcbsRichTextEdit(THandle<CifDictionary> dictionary, THandle<Qc
 QcbsRichTextEdit::~QcbsRichTextEdit() = default;
 
 void QcbsRichTextEdit::setUpEngine() {
+    static const bool accessible = [] {
+        QAccessible::installFactory(editorAccessible);
+        return true;
+    }();
+    (void)accessible;
     // Only the notices before a change: the others make Qt's accessibility
     // code count the characters from the start of the text on every keystroke.
     SendScintilla(SCI_SETMODEVENTMASK, SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE);
@@ -156,9 +178,37 @@ void QcbsRichTextEdit::setUpEngine() {
     connect(this, &QsciScintillaBase::SCN_AUTOCCANCELLED, this, [] { QToolTip::hideText(); });
     connect(this, &QsciScintillaBase::SCN_AUTOCCOMPLETED, this, [] { QToolTip::hideText(); });
     setUtf8(true);
+    // No annotations: shown, they make every change of document walk all lines.
+    setAnnotationDisplay(AnnotationHidden);
     for (int margin = 0; margin < 3; ++margin) setMarginWidth(margin, 0);
     SendScintilla(SCI_SETSCROLLWIDTH, 1L);
     SendScintilla(SCI_SETSCROLLWIDTHTRACKING, 1L);
+    gapWalk_ = new QTimer(this);
+    gapWalk_->setSingleShot(true);
+    gapWalk_->setInterval(0);
+    connect(gapWalk_, &QTimer::timeout, this, &QcbsRichTextEdit::moveGapTowardsCursor);
+}
+
+void QcbsRichTextEdit::moveGapTowardsCursor() {
+    if (isLoading()) return;
+    const int length = byteLength();
+    const int gap = static_cast<int>(SendScintilla(SCI_GETGAPPOSITION));
+    const int cursor = static_cast<int>(SendScintilla(SCI_POSITIONFROMLINE, SendScintilla(SCI_LINEFROMPOSITION, cursorBytePosition())));
+    if (length < kGapStep || std::abs(gap - cursor) <= kGapNear) return;
+    // A line start a step nearer, so that no character is split.
+    const int step = gap > cursor ? std::max(cursor, gap - kGapStep) : std::min(cursor, gap + kGapStep);
+    const int target = static_cast<int>(SendScintilla(SCI_POSITIONFROMLINE, SendScintilla(SCI_LINEFROMPOSITION, step)));
+    const bool readOnly = isReadOnly();
+    const bool collecting = SendScintilla(SCI_GETUNDOCOLLECTION) != 0;
+    movingGap_ = true;
+    SendScintilla(SCI_SETREADONLY, 0L);
+    SendScintilla(SCI_SETUNDOCOLLECTION, 0L);
+    SendScintilla(SCI_INSERTTEXT, static_cast<unsigned long>(target), " ");
+    SendScintilla(SCI_DELETERANGE, static_cast<unsigned long>(target), 1L);
+    SendScintilla(SCI_SETUNDOCOLLECTION, collecting ? 1L : 0L);
+    SendScintilla(SCI_SETREADONLY, readOnly ? 1L : 0L);
+    movingGap_ = false;
+    if (target != gap) gapWalk_->start();
 }
 
 void QcbsRichTextEdit::initialise(THandle<CifDictionary> dictionary, THandle<QcbsFontStyleSettings> styles) {
@@ -288,9 +338,12 @@ QString QcbsRichTextEdit::dominantLineEnd() const {
 
 void QcbsRichTextEdit::finishLoad() {
     changePending_ = false;
+    // A big text arrives as a document of its own: nothing of the old one's styling holds.
+    if (highlighter_ != nullptr) highlighter_->rehighlightInSlices();
     lastCursorPosition_ = -1;
     updateHistorySignals();
     followCursor();
+    gapWalk_->start();
     emit numberOfLinesChanged(paragraphs());
     emit textLoaded();
 }
@@ -407,6 +460,8 @@ void QcbsRichTextEdit::modified(int position, int type, const char*, int length,
     if (!(type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE))) return;
     const int delta = (type & SC_MOD_BEFOREINSERT) ? length : -length;
     if (highlighter_ != nullptr) highlighter_->textAboutToChange(position, delta);
+    // A blank put in and taken out to move the buffer gap changes nothing.
+    if (movingGap_) return;
     emit textAboutToChange(position, delta);
     if (isLoading()) return;
     ++editSerial_;
@@ -460,6 +515,7 @@ void QcbsRichTextEdit::followCursor() {
     const int position = cursorBytePosition();
     if (position != lastCursorPosition_) {
         lastCursorPosition_ = position;
+        if (!gapWalk_->isActive()) gapWalk_->start();
         int para = 0;
         int index = 0;
         paragraphIndexOf(position, &para, &index);

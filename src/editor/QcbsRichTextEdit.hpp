@@ -18,6 +18,7 @@ class QcbsSlicedTextLoader;
 class QcbsSyntaxHighlighter_CIF;
 class QMenu;
 class QMimeData;
+class QTimer;
 
 // The CIF text editor. It holds a file's bytes as they are: a UTF-8 file in
 // Scintilla's UTF-8 mode, any other as 8-bit bytes shown as Latin-1; every
@@ -294,6 +295,8 @@ private:
     void showCompletion();
     const QByteArray& completionList();
     bool ensureEncodable(const QString& text);
+    // Moves Scintilla's buffer gap a step towards the cursor's line.
+    void moveGapTowardsCursor();
 
     THandle<QcbsFontStyleSettings> styles_;
     QcbsSyntaxHighlighter_CIF* highlighter_ = nullptr;
@@ -318,6 +321,14 @@ private:
     bool rectangular_ = true;
     bool whiteSpace_ = false;
     std::pair<int, int> matched_{-1, -1};
+    // Scintilla keeps text and styles in buffers with a gap where the last
+    // change was; the first keystroke far from it moves the bytes between,
+    // twice (a tenth of a second at the top of a 300 MB file just read,
+    // whose gap is at its end). The gap is walked towards the cursor's line
+    // from the event loop, a few megabytes a turn, by a blank put in and
+    // taken out again (no undo step, no change to anyone).
+    QTimer* gapWalk_ = nullptr;
+    bool movingGap_ = false;
     // The dictionary's data names for completion, made on first use.
     QByteArray completionList_;
     const CifDictionary* completionSource_ = nullptr;

@@ -20,6 +20,11 @@ constexpr int kMinimumChunk = 64 * 1024;
 // The lines in view are coloured ahead of the styling from the top only
 // while they hold at most this many bytes.
 constexpr int kPreviewLimit = 4 * 1024 * 1024;
+// Styling that nothing in view waits for (idle time, the slice Scintilla
+// styles when the view is far below) stops after this long; Scintilla asks
+// again for the rest. Its own measure of a line's cost is thrown far off by
+// the lines skipped after an edit, so it cannot be left to bound the work.
+constexpr qint64 kBudgetNanoseconds = 8 * 1000 * 1000;
 
 bool inTextField(int state) {
     return state != QcbsSyntaxHighlighter_CIF::FreshState &&
@@ -160,6 +165,15 @@ void QcbsSyntaxHighlighter_CIF::styleText(int start, int end) {
     int from = static_cast<int>(view->SendScintilla(Sci::SCI_POSITIONFROMLINE, line));
     end = std::min(length, std::max(end, from + kMinimumChunk));
     if (end > from) {
+        // A request that ends outside the view is worked off in bounded pieces.
+        const long top = view->SendScintilla(Sci::SCI_GETFIRSTVISIBLELINE);
+        const long bottom = top + view->SendScintilla(Sci::SCI_LINESONSCREEN) + 1;
+        const long firstShown = view->SendScintilla(Sci::SCI_POSITIONFROMLINE,
+                                                    view->SendScintilla(Sci::SCI_DOCLINEFROMVISIBLE, top));
+        const long lastShown = view->SendScintilla(Sci::SCI_POSITIONFROMLINE,
+                                                   view->SendScintilla(Sci::SCI_DOCLINEFROMVISIBLE, bottom));
+        bounded_ = end < firstShown || end > lastShown + 1 || lastShown < 0;
+        clock_.start();
         const int lastLine = static_cast<int>(view->SendScintilla(Sci::SCI_LINEFROMPOSITION, end - 1));
         const int to = lastLine + 1 < lineCount
                            ? static_cast<int>(view->SendScintilla(Sci::SCI_POSITIONFROMLINE, lastLine + 1))
@@ -232,6 +246,9 @@ int QcbsSyntaxHighlighter_CIF::classifyLines(int firstLine, int from, int to, in
     int line = firstLine;
     std::size_t next = 0;  // the first clean stretch that may lie ahead
     for (int i = 0; i < length; ++line) {
+        if (!preview && bounded_ && i > 0 && (line - firstLine) % 256 == 0 &&
+            clock_.nsecsElapsed() > kBudgetNanoseconds)
+            return from + i;  // the rest when Scintilla asks again
         if (!preview && i > 0) {
             // Where a clean stretch goes on from a line that ends as it did
             // before, the rest of the stretch needs nothing.

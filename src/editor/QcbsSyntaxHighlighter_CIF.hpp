@@ -5,6 +5,7 @@
 #include <Qsci/qscilexercustom.h>
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QFont>
 #include <QString>
 #include <string>
@@ -113,5 +114,7 @@ private:
     std::vector<char> styleBuffer_;  // the styles of the bytes being styled
     std::vector<Clean> clean_;
     bool inStyleText_ = false;
+    bool bounded_ = false;  // the styling under way may stop after a while
+    QElapsedTimer clock_;
     long long linesStyled_ = 0;
 };

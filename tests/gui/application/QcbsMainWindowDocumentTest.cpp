@@ -151,7 +151,7 @@ TEST_F(DocumentWindow, FilesThatCannotBeReadOrAreOpenAlreadyAreRefusedWithAMessa
 
 TEST_F(DocumentWindow, ABigFileComesInSlicesAndIsCheckedOnceItIsIn) {
     QByteArray big = "data_big\nloop_\n_atom_site_label\n_atom_site_fract_x\n";
-    for (int i = 0; i < 40000; ++i) big += "C" + QByteArray::number(i) + " 0.25\n";
+    for (int i = 0; i < 100000; ++i) big += "C" + QByteArray::number(i) + " 0.25\n";  // 1.3 MB
     const QString path = write("big.cif", big);
     QSignalSpy loaded(&window_, &QcbsMainWindow::documentLoaded);
     window_.fileOpen(path, true);
@@ -162,11 +162,13 @@ TEST_F(DocumentWindow, ABigFileComesInSlicesAndIsCheckedOnceItIsIn) {
     EXPECT_EQ(readBytes(path), big) << "a text only partly in is not saved";
 
     ASSERT_TRUE(loaded.wait(30000));
-    // 40,004 lines and the empty one after the last line end.
-    EXPECT_EQ(editor()->lines(), 40005);
+    // 100,004 lines and the empty one after the last line end.
+    EXPECT_EQ(editor()->lines(), 100005);
     EXPECT_EQ(statusMessage(window_), "Ready");
-    // The count as a reader gives it, before the check's messages.
-    const qsizetype count = output().indexOf("Read 40004 lines.");
+    // The count as a reader gives it, before the check's messages (the
+    // check runs on the worker thread).
+    ASSERT_TRUE(waitUntil([this] { return output().contains(kCheckDone); }, 30000));
+    const qsizetype count = output().indexOf("Read 100004 lines.");
     EXPECT_GE(count, 0);
     EXPECT_GT(output().indexOf(kCheckDone), count);
     EXPECT_FALSE(editor()->isModified());

@@ -108,10 +108,12 @@ inline std::string documentLetters(const QcbsRichTextEdit& edit, Blanks blanks =
     return text;
 }
 
-// Styles the rest of the text now, from where the styling stands, as idle time would.
+// Styles the rest of the text now, from where the styling stands, as idle
+// time would (piece by piece).
 inline void styleEverything(QcbsRichTextEdit& edit) {
-    edit.SendScintilla(QsciScintillaBase::SCI_COLOURISE,
-                       edit.SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED), -1L);
+    using Sci = QsciScintillaBase;
+    while (edit.SendScintilla(Sci::SCI_GETENDSTYLED) < edit.byteLength())
+        edit.SendScintilla(Sci::SCI_COLOURISE, edit.SendScintilla(Sci::SCI_GETENDSTYLED), -1L);
 }
 
 inline bool everythingStyled(const QcbsRichTextEdit& edit) {

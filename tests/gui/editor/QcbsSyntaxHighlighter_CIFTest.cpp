@@ -156,7 +156,8 @@ TEST_F(Highlighting, EditsAnywhereLeaveTheSameStylesAsStylingAfreshWould) {
         edit.SendScintilla(Sci::SCI_SETSEL, from, std::min(edit.byteLength(), from + change.removed));
         edit.insertPlainText(change.inserted);
         // Only the part in view, as after a keystroke.
-        edit.SendScintilla(Sci::SCI_COLOURISE, 0L, static_cast<long>(edit.positionOf(change.line + 30, 0)));
+        edit.SendScintilla(Sci::SCI_COLOURISE, edit.SendScintilla(Sci::SCI_GETENDSTYLED),
+                           static_cast<long>(edit.positionOf(change.line + 30, 0)));
     }
     EXPECT_TRUE(sameAsAtOnce(Blanks::Ignored));
 }
