@@ -193,11 +193,13 @@ void QcbsRichTextEdit::moveGapTowardsCursor() {
     if (isLoading()) return;
     const int length = byteLength();
     const int gap = static_cast<int>(SendScintilla(SCI_GETGAPPOSITION));
-    const int cursor = static_cast<int>(SendScintilla(SCI_POSITIONFROMLINE, SendScintilla(SCI_LINEFROMPOSITION, cursorBytePosition())));
+    const int cursor = static_cast<int>(
+        SendScintilla(SCI_POSITIONFROMLINE, SendScintilla(SCI_LINEFROMPOSITION, cursorBytePosition())));
     if (length < kGapStep || std::abs(gap - cursor) <= kGapNear) return;
     // A line start a step nearer, so that no character is split.
     const int step = gap > cursor ? std::max(cursor, gap - kGapStep) : std::min(cursor, gap + kGapStep);
-    const int target = static_cast<int>(SendScintilla(SCI_POSITIONFROMLINE, SendScintilla(SCI_LINEFROMPOSITION, step)));
+    const int target =
+        static_cast<int>(SendScintilla(SCI_POSITIONFROMLINE, SendScintilla(SCI_LINEFROMPOSITION, step)));
     const bool readOnly = isReadOnly();
     const bool collecting = SendScintilla(SCI_GETUNDOCOLLECTION) != 0;
     movingGap_ = true;

@@ -131,7 +131,7 @@ bool startsWithByteOrderMark(const QByteArray& bytes) { return bytes.startsWith(
 // event loop's thread; the worker fills `document` and `summary`, then hands
 // the job back.
 struct QcbsSlicedTextLoader::Job {
-    QString file;     // the source: a file,
+    QString file;      // the source: a file,
     QByteArray bytes;  // or bytes
     ScintillaLoader* document = nullptr;
     std::atomic<bool> abandoned = false;
@@ -243,8 +243,8 @@ void QcbsSlicedTextLoader::start(QByteArray firstSlice, qint64, const std::share
     if (job) {
         // Made while the shown text is empty: Scintilla resets the view's
         // folding state as it makes it.
-        job->document = reinterpret_cast<ScintillaLoader*>(
-            editor_->SendScintilla(Sci::SCI_CREATELOADER, 0UL, static_cast<long>(Sci::SC_DOCUMENTOPTION_DEFAULT)));
+        job->document = reinterpret_cast<ScintillaLoader*>(editor_->SendScintilla(
+            Sci::SCI_CREATELOADER, 0UL, static_cast<long>(Sci::SC_DOCUMENTOPTION_DEFAULT)));
     }
 
     // The first slice (or the whole of a small text) into the shown document.
@@ -307,8 +307,9 @@ void QcbsSlicedTextLoader::finish() {
     loading_ = false;
     job_.reset();
     const QByteArray end = summary_.dominantLineEnd();
-    editor_->SendScintilla(Sci::SCI_SETEOLMODE,
-                           end == "\r\n" ? Sci::SC_EOL_CRLF : end == "\r" ? Sci::SC_EOL_CR : Sci::SC_EOL_LF);
+    editor_->SendScintilla(Sci::SCI_SETEOLMODE, end == "\r\n" ? Sci::SC_EOL_CRLF
+                                                : end == "\r" ? Sci::SC_EOL_CR
+                                                              : Sci::SC_EOL_LF);
     editor_->SendScintilla(Sci::SCI_SETREADONLY, 0L);
     editor_->SendScintilla(Sci::SCI_SETUNDOCOLLECTION, 1L);
     editor_->SendScintilla(Sci::SCI_EMPTYUNDOBUFFER);
