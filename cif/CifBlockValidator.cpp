@@ -30,16 +30,20 @@ std::string joined(const std::vector<std::string>& names) {
 }  // namespace
 
 CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
-                                     const std::unordered_set<const CifDataItem*>* checked)
+                                     const std::unordered_set<const CifDataItem*>* checked,
+                                     const DamagedRows* damaged)
     : reporter_(reporter),
       dictionary_(reporter.dictionary()),
       sink_(reporter.sink()),
       names_(names),
       values_(values),
-      checked_(checked) {}
+      checked_(checked),
+      damaged_(damaged),
+      keys_(dictionary_) {}
 
 void CifBlockValidator::validate(const CifDataBlock& block) {
     linked_.clear();
+    block_ = &block;
     for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it) {
         if (!(*it)->is_looped()) validate_single(**it);
     }
@@ -48,7 +52,7 @@ void CifBlockValidator::validate(const CifDataBlock& block) {
 }
 
 void CifBlockValidator::check_parents(const CifDataBlock& block) {
-    for (const auto& [item, definition] : linked_) {
+    for (const auto& [item, definition, rows] : linked_) {
         THandle<CifDataItem> parent;
         for (const std::string& name : definition->list_link_parent) {
             parent = block.find(name);
@@ -59,10 +63,12 @@ void CifBlockValidator::check_parents(const CifDataBlock& block) {
                       definition->list_link_parent[0]);
             continue;
         }
+        // A parent whose rows a syntax problem damaged may lack any value.
+        if (sound_rows(*parent) < parent->size()) continue;
         std::unordered_set<std::string_view> known;
         for (std::size_t n = 0; n < parent->size(); ++n) known.insert(parent->value_view(n));
         std::unordered_set<std::string_view> reported;
-        for (std::size_t n = 0; n < item->size(); ++n) {
+        for (std::size_t n = 0; n < rows; ++n) {
             std::string_view value = item->value_view(n);
             if (CifValueCheck::is_null_value(value, item->is_quoted(n)) || known.count(value) != 0 ||
                 !reported.insert(value).second)
@@ -81,12 +87,28 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
             if (names_) sink_.add(CifError::undefined_data_name, item.line(), item.name());
             return;
         }
-    } else if (values_) {
-        if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
-            reporter_.report(result, item.line(), item.name());
-        if (!definition->list_link_parent.empty()) linked_.emplace_back(&item, definition);
+    } else {
+        if (names_) check_replaced(item, *definition);
+        if (values_) {
+            if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
+                reporter_.report(result, item.line(), item.name());
+            if (!definition->list_link_parent.empty()) linked_.push_back({&item, definition, item.size()});
+        }
     }
     if (values_) reporter_.check_all(item, definition);
+}
+
+void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
+    std::vector<std::string> replacements, present;
+    for (const CifItemDefinition::Related& related : definition.related) {
+        if (!cif_iequals(related.function, "replace")) continue;
+        replacements.push_back(related.name);
+        if (!block_->find(related.name).is_null()) present.push_back(related.name);
+    }
+    if (replacements.empty()) return;
+    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), joined(replacements));
+    if (!present.empty())
+        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), joined(present));
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
@@ -97,15 +119,20 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
             sink_.add(CifError::undefined_data_name, item->line(), item->name());
+        if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;
+    // Rows a syntax problem damaged give no key or parent findings.
+    const std::size_t sound = sound_rows(*loop.front());
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (definitions[i] == nullptr) continue;
         if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
             reporter_.report(result, loop[i]->line(), loop[i]->name());
-        if (!definitions[i]->list_link_parent.empty()) linked_.emplace_back(loop[i].get(), definitions[i]);
+        if (!definitions[i]->list_link_parent.empty())
+            linked_.push_back({loop[i].get(), definitions[i], std::min(sound, loop[i]->size())});
     }
     check_loop_keys(loop, definitions);
+    keys_.check(loop, definitions, sound, reporter_);
     if (checked_ != nullptr && checked_->count(loop.front().get()) != 0) return;
     const std::string& text = loop.front()->store()->text();
     CifLoopChecker checker(reporter_, text.data(), text.size());
@@ -182,6 +209,18 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
             sink_.add(CifError::loop_key_missing, loop[i]->line(), loop[i]->name(), mandatory);
         }
     }
+}
+
+std::size_t CifBlockValidator::sound_rows(const CifDataItem& item) const {
+    if (damaged_ == nullptr || !item.is_looped()) return item.size();
+    for (const CifDataBlock::ItemList& loop : block_->loops()) {
+        if (std::none_of(loop.begin(), loop.end(),
+                         [&](const THandle<CifDataItem>& column) { return column.get() == &item; }))
+            continue;
+        auto found = damaged_->find(loop.front().get());
+        return found == damaged_->end() ? item.size() : std::min(item.size(), found->second);
+    }
+    return item.size();
 }
 
 const std::vector<std::string>& CifBlockValidator::mandatory_items(const std::string& category) {

@@ -3,11 +3,11 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifDictionary.hpp"
+#include "cif/CifLoopKeys.hpp"
 #include "cif/CifValueReporter.hpp"
 
 // Checks the items and loops of a block against a dictionary, each finding
@@ -18,22 +18,33 @@
 // lack the item their columns refer to (_list_reference) or an item their
 // category makes mandatory (_list_mandatory), both 358; items whose parent
 // (_list_link_parent) the block lacks (357) and values not found among the
-// parent's values (360, once per value).
+// parent's values (360, once per value); key values that repeat (359, 369,
+// CifLoopKeys); names the dictionary replaces (356), and those that stand
+// beside their replacement (367).
 class CifBlockValidator {
 public:
+    // First column of a loop -> the first of its rows a syntax problem damaged.
+    using DamagedRows = std::unordered_map<const CifDataItem*, std::size_t>;
+
     // names and values say which checks run; values of the items in
-    // checked were checked already (by the reader, while reading a loop).
+    // checked were checked already (by the reader, while reading a loop);
+    // rows from the damaged row of a loop on are left out of the key and
+    // parent checks, whose findings there would only follow from the damage.
     CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
-                      const std::unordered_set<const CifDataItem*>* checked = nullptr);
+                      const std::unordered_set<const CifDataItem*>* checked = nullptr,
+                      const DamagedRows* damaged = nullptr);
 
     void validate(const CifDataBlock& block);
 
 private:
     void validate_single(const CifDataItem& item);
     void validate_loop(const CifDataBlock::ItemList& loop);
+    void check_replaced(const CifDataItem& item, const CifItemDefinition& definition);
     void check_loop_keys(const CifDataBlock::ItemList& loop,
                          const std::vector<const CifItemDefinition*>& defs);
     void check_parents(const CifDataBlock& block);
+    // The item's rows before the first a syntax problem damaged.
+    std::size_t sound_rows(const CifDataItem& item) const;
     const std::vector<std::string>& mandatory_items(const std::string& category);
 
     CifValueReporter& reporter_;
@@ -42,7 +53,16 @@ private:
     bool names_;
     bool values_;
     const std::unordered_set<const CifDataItem*>* checked_;
+    const DamagedRows* damaged_;
     std::unordered_map<std::string, std::vector<std::string>> mandatory_;  // category -> its mandatory items
-    // Items of the current block that name a parent, with their definitions.
-    std::vector<std::pair<const CifDataItem*, const CifItemDefinition*>> linked_;
+    CifLoopKeys keys_;
+    const CifDataBlock* block_ = nullptr;
+    // Items of the current block that name a parent, with their definitions
+    // and the number of their rows that are checked.
+    struct Linked {
+        const CifDataItem* item;
+        const CifItemDefinition* definition;
+        std::size_t rows;
+    };
+    std::vector<Linked> linked_;
 };

@@ -10,6 +10,8 @@
 #include "cif/CifBlockValidator.hpp"
 #include "cif/CifLineIndex.hpp"
 #include "cif/CifLoopChecker.hpp"
+#include "cif/CifLoopDamage.hpp"
+#include "cif/CifLoopShift.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextCheck.hpp"
 #include "cif/CifValueReporter.hpp"
@@ -246,7 +248,8 @@ void CifReader::validate(const CifDataBlock& block) {
     const THandle<CifDictionary>& dictionary = cif_.dictionary_;
     if (dictionary.is_null() || !dictionary->has_definitions()) return;
     if (!settings_.check_data_names && !settings_.check_values) return;
-    CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_)
+    CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_,
+                      &damaged_rows_)
         .validate(block);
 }
 
@@ -366,6 +369,7 @@ CifToken CifReader::on_loop(const CifToken& token) {
     // Values are checked a batch of rows at a time, while their text is
     // still in the cache.
     std::unique_ptr<CifLoopChecker> checker = loop_checker(*block, columns);
+    const std::size_t first_error = errors_.errors().size();
     const std::size_t batch = checker == nullptr ? static_cast<std::size_t>(-1) : std::size_t(1) << 15;
     std::size_t checked_rows = 0;
     for (;;) {
@@ -420,8 +424,25 @@ CifToken CifReader::on_loop(const CifToken& token) {
         checker->check_rows(checked_rows, columns.front()->size());
         if (!kept.empty()) checked_loops_.insert(kept.front().get());
     }
+    if (!kept.empty() && checks_values()) note_damage(columns, kept.front().get(), column != 0, first_error);
     if (!kept.empty()) block->add_loop(kept);
     return t;
+}
+
+void CifReader::note_damage(const CifDataBlock::ItemList& columns, const CifDataItem* first_kept,
+                            bool short_row, std::size_t first_error) {
+    std::vector<CifError>& errors = errors_.errors();
+    if (first_error > errors.size()) return;
+    reporter();  // builds the line index
+    std::size_t damaged = columns.front()->size();
+    if (short_row) damaged = CifLoopShift::summarise(columns, errors, first_error, *lines_);
+    std::vector<int> lines;
+    for (std::size_t e = first_error; e < errors.size(); ++e) {
+        if (CifLoopDamage::displaces_values(errors[e].id())) lines.push_back(errors[e].line());
+    }
+    std::sort(lines.begin(), lines.end());
+    damaged = std::min(damaged, CifLoopDamage::first_damaged_row(columns, lines, *lines_));
+    if (damaged < columns.front()->size()) damaged_rows_[first_kept] = damaged;
 }
 
 CifToken CifReader::on_save(const CifToken& token) {

@@ -60,6 +60,11 @@ private:
     // are not checked); columns whose names are taken already are left out.
     std::unique_ptr<CifLoopChecker> loop_checker(const CifDataBlock& block,
                                                  const std::vector<THandle<CifDataItem>>& columns);
+    // After a loop is read: one message for values shifted out of their
+    // columns (when the last row was short) and the first row a syntax
+    // problem among the values damaged, from the messages since first_error.
+    void note_damage(const std::vector<THandle<CifDataItem>>& columns, const CifDataItem* first_kept,
+                     bool short_row, std::size_t first_error);
     CifValueRef reference(const CifToken& token) const;
     CifValueRef unknown_value();
 
@@ -83,4 +88,6 @@ private:
     std::unique_ptr<CifLineIndex> lines_;               // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;
     std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read
+    // First columns of loops -> the first row a syntax problem damaged.
+    std::unordered_map<const CifDataItem*, std::size_t> damaged_rows_;
 };

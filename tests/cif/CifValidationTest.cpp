@@ -159,8 +159,10 @@ TEST(CifValidation, ChildItemsNeedTheirParentAndItsValues) {
         "_atom_site_aniso_U_11\n"   // 8
         "C1 0.02\n"                 // 9
         "N9 0.03\n"                 // 10: no such site
-        "N9 0.04\n");               // 11: reported once
-    EXPECT_EQ(messages(*cif), (Messages{{357, 4}, {360, 10}}));
+        "N9 0.04\n");               // 11: reported once; a repeated key, too
+    EXPECT_EQ(messages(*cif), (Messages{{357, 4}, {360, 10}, {359, 11}}));
+    EXPECT_EQ((*cif->errors())[0].type(), CifError::remark);   // a missing parent item is a note
+    EXPECT_EQ((*cif->errors())[1].type(), CifError::warning);  // a value missing from a parent is not
     EXPECT_EQ((*cif->errors())[0].message(),
               "Data item _atom_site_type_symbol requires _atom_type_symbol, which is missing");
     EXPECT_EQ((*cif->errors())[1].message(),
@@ -176,14 +178,15 @@ TEST(CifValidation, LoopedValuesAreReportedOnTheirOwnLinesAlsoDeepInALargeLoop) 
         "data_a\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_observed_status\n";
     const int rows = 40000;  // more rows than one batch of checked values
     for (int r = 0; r < rows; ++r) {
+        const std::string h = std::to_string(r);  // the indices are the loop's key
         if (r == 3) {
-            text += "1 2\n3 o\n";  // a row over two lines
+            text += h + " 2\n3 o\n";  // a row over two lines
         } else if (r == rows - 2) {
-            text += "1 2 3 z\n";  // a bad code
+            text += h + " 2 3 z\n";  // a bad code
         } else if (r == rows - 1) {
-            text += "1 2 x7 o\n";  // a bad number
+            text += h + " 2 x7 o\n";  // a bad number
         } else {
-            text += "1 2 3 o\n";
+            text += h + " 2 3 o\n";
         }
     }
     text += "_cell_length_a 'x'\n";
