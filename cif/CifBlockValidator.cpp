@@ -31,14 +31,14 @@ std::string joined(const std::vector<std::string>& names) {
 
 CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
                                      const std::unordered_set<const CifDataItem*>* checked,
-                                     const DamagedRows* damaged)
+                                     const Flaws* flaws)
     : reporter_(reporter),
       dictionary_(reporter.dictionary()),
       sink_(reporter.sink()),
       names_(names),
       values_(values),
       checked_(checked),
-      damaged_(damaged),
+      flaws_(flaws),
       keys_(dictionary_) {}
 
 void CifBlockValidator::validate(const CifDataBlock& block) {
@@ -122,8 +122,14 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;
+    const LoopFlaws* flaws = nullptr;
+    if (flaws_ != nullptr) {
+        auto found = flaws_->find(loop.front().get());
+        if (found != flaws_->end()) flaws = &found->second;
+    }
     // Rows a syntax problem damaged give no key or parent findings.
-    const std::size_t sound = sound_rows(*loop.front());
+    const std::size_t rows = loop.front()->size();
+    const std::size_t sound = flaws == nullptr ? rows : std::min(rows, flaws->first_damaged_row);
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (definitions[i] == nullptr) continue;
         if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
@@ -131,12 +137,12 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         if (!definitions[i]->list_link_parent.empty())
             linked_.push_back({loop[i].get(), definitions[i], std::min(sound, loop[i]->size())});
     }
-    check_loop_keys(loop, definitions);
+    static const std::vector<std::string> none;
+    check_loop_keys(loop, definitions, flaws == nullptr ? none : flaws->dropped_names);
     keys_.check(loop, definitions, sound, reporter_);
     if (checked_ != nullptr && checked_->count(loop.front().get()) != 0) return;
     const std::string& text = loop.front()->store()->text();
     CifLoopChecker checker(reporter_, text.data(), text.size());
-    std::size_t rows = loop.front()->size();
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (loop[i]->size() == rows) {
             checker.add(*loop[i], definitions[i]);
@@ -148,7 +154,13 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
 }
 
 void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
-                                        const std::vector<const CifItemDefinition*>& definitions) {
+                                        const std::vector<const CifItemDefinition*>& definitions,
+                                        const std::vector<std::string>& dropped) {
+    auto has = [&](std::string_view reference) {
+        return loop_has(loop, reference) ||
+               std::any_of(dropped.begin(), dropped.end(),
+                           [&](const std::string& name) { return satisfies(name, reference); });
+    };
     // One category per loop, and within it one key: columns that refer to
     // different keys (_atom_site_label, _atom_site_aniso_label) are rows of
     // different lists even where the dictionary files them under one category.
@@ -181,7 +193,7 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
         const CifItemDefinition* definition = definitions[i];
         if (definition == nullptr) continue;
         for (const std::string& reference : definition->list_reference) {
-            if (loop_has(loop, reference) || !reported.insert(cif_lowercase(reference)).second) continue;
+            if (has(reference) || !reported.insert(cif_lowercase(reference)).second) continue;
             std::string key = reference;
             if (!reference.empty() && reference.back() == '_') {
                 std::vector<std::string> family;
@@ -201,7 +213,7 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
             !definition->list_link_parent.empty() || definition->category.empty())
             continue;
         for (const std::string& mandatory : mandatory_items(definition->category)) {
-            if (loop_has(loop, mandatory)) continue;
+            if (has(mandatory)) continue;
             bool covered = std::any_of(reported.begin(), reported.end(), [&](const std::string& reference) {
                 return satisfies(mandatory, reference);
             });
@@ -212,13 +224,13 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
 }
 
 std::size_t CifBlockValidator::sound_rows(const CifDataItem& item) const {
-    if (damaged_ == nullptr || !item.is_looped()) return item.size();
+    if (flaws_ == nullptr || !item.is_looped()) return item.size();
     for (const CifDataBlock::ItemList& loop : block_->loops()) {
         if (std::none_of(loop.begin(), loop.end(),
                          [&](const THandle<CifDataItem>& column) { return column.get() == &item; }))
             continue;
-        auto found = damaged_->find(loop.front().get());
-        return found == damaged_->end() ? item.size() : std::min(item.size(), found->second);
+        auto found = flaws_->find(loop.front().get());
+        return found == flaws_->end() ? item.size() : std::min(item.size(), found->second.first_damaged_row);
     }
     return item.size();
 }

@@ -23,16 +23,24 @@
 // beside their replacement (367).
 class CifBlockValidator {
 public:
-    // First column of a loop -> the first of its rows a syntax problem damaged.
-    using DamagedRows = std::unordered_map<const CifDataItem*, std::size_t>;
+    // What the reader knows of a loop beyond its columns: the first of its
+    // rows a syntax problem damaged (the row count when none), and the data
+    // names it gave that were dropped as duplicates of earlier ones.
+    struct LoopFlaws {
+        std::size_t first_damaged_row;
+        std::vector<std::string> dropped_names;
+    };
+    // First column of a loop -> its flaws.
+    using Flaws = std::unordered_map<const CifDataItem*, LoopFlaws>;
 
     // names and values say which checks run; values of the items in
     // checked were checked already (by the reader, while reading a loop);
     // rows from the damaged row of a loop on are left out of the key and
-    // parent checks, whose findings there would only follow from the damage.
+    // parent checks, whose findings there would only follow from the damage,
+    // and a loop does not lack a name it gave that was dropped.
     CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
                       const std::unordered_set<const CifDataItem*>* checked = nullptr,
-                      const DamagedRows* damaged = nullptr);
+                      const Flaws* flaws = nullptr);
 
     void validate(const CifDataBlock& block);
 
@@ -41,7 +49,8 @@ private:
     void validate_loop(const CifDataBlock::ItemList& loop);
     void check_replaced(const CifDataItem& item, const CifItemDefinition& definition);
     void check_loop_keys(const CifDataBlock::ItemList& loop,
-                         const std::vector<const CifItemDefinition*>& defs);
+                         const std::vector<const CifItemDefinition*>& defs,
+                         const std::vector<std::string>& dropped);
     void check_parents(const CifDataBlock& block);
     // The item's rows before the first a syntax problem damaged.
     std::size_t sound_rows(const CifDataItem& item) const;
@@ -53,7 +62,7 @@ private:
     bool names_;
     bool values_;
     const std::unordered_set<const CifDataItem*>* checked_;
-    const DamagedRows* damaged_;
+    const Flaws* flaws_;
     std::unordered_map<std::string, std::vector<std::string>> mandatory_;  // category -> its mandatory items
     CifLoopKeys keys_;
     const CifDataBlock* block_ = nullptr;

@@ -39,24 +39,23 @@ std::size_t CifLoopDamage::first_damaged_row(const CifDataBlock::ItemList& loop,
     const CifDataItem& lead = *loop.front();
     const std::size_t rows = lead.size();
     if (rows == 0) return 0;
-    std::size_t first = rows;
-    for (const THandle<CifDataItem>& item : loop) {
-        if (item->size() == rows && item->values()[rows - 1].added()) {
-            first = rows - 1;
-            break;
-        }
-    }
+    // A last row the reader completed with added values: a value is missing
+    // somewhere, and without a problem that shows where, any row may be off.
+    bool short_row = std::any_of(loop.begin(), loop.end(), [&](const THandle<CifDataItem>& item) {
+        return item->size() == rows && item->values()[rows - 1].added();
+    });
+    const std::size_t unknown = short_row ? 0 : rows;
     // The lines the loop's values span; a loop edited after reading has no
-    // reliable lines and keeps only what the padding says.
+    // reliable lines.
     const int begin = line_of(lead, 0, index);
     const int end = line_of(lead, rows - 1, index);
-    if (begin == 0 || end == 0 || lines.empty()) return first;
+    if (begin == 0 || end == 0) return unknown;
     int last = end;
     for (const THandle<CifDataItem>& item : loop) {
         if (item->size() == rows) last = std::max(last, line_of(*item, rows - 1, index));
     }
     auto problem = std::lower_bound(lines.begin(), lines.end(), begin);
-    if (problem == lines.end() || *problem > last) return first;
+    if (problem == lines.end() || *problem > last) return unknown;
     // The first row with a value on the problem's line or after it: the row
     // that begins there, or the one before when it runs on to that line.
     std::size_t row = row_at_line(lead, *problem, index);
@@ -67,7 +66,7 @@ std::size_t CifLoopDamage::first_damaged_row(const CifDataBlock::ItemList& loop,
         }
         if (row_end >= *problem) --row;
     }
-    return std::min(first, row);
+    return std::min(row, rows);
 }
 
 std::size_t CifLoopDamage::row_at_line(const CifDataItem& column, int line, const CifLineIndex& index) {

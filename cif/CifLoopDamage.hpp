@@ -20,8 +20,9 @@ public:
     static bool displaces_values(int code);
 
     // The first row of the loop touched by a problem on one of the lines
-    // (sorted), or the last row when the reader completed it with added
-    // values; the row count when no row is damaged.
+    // (sorted); when there is none, the first row (any row may be off) if
+    // the reader completed a short last row with added values, else the row
+    // count.
     static std::size_t first_damaged_row(const CifDataBlock::ItemList& loop, const std::vector<int>& lines,
                                          const CifLineIndex& index);
 

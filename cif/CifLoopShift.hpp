@@ -18,8 +18,8 @@
 class CifLoopShift {
 public:
     // Rewrites the messages from errors[first] on (those of reading the
-    // loop's values) and returns the row where the shift shows, or the
-    // loop's row count when no value of the wrong kind was found.
+    // loop's values); returns the row where the shift shows, or the loop's
+    // row count when no value of the wrong kind was found.
     static std::size_t summarise(const CifDataBlock::ItemList& loop, std::vector<CifError>& errors,
                                  std::size_t first, const CifLineIndex& index);
 };

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "cif/Cif.hpp"
-#include "cif/CifBlockValidator.hpp"
 #include "cif/CifLineIndex.hpp"
 #include "cif/CifLoopChecker.hpp"
 #include "cif/CifLoopDamage.hpp"
@@ -249,7 +248,7 @@ void CifReader::validate(const CifDataBlock& block) {
     if (dictionary.is_null() || !dictionary->has_definitions()) return;
     if (!settings_.check_data_names && !settings_.check_values) return;
     CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_,
-                      &damaged_rows_)
+                      &loop_flaws_)
         .validate(block);
 }
 
@@ -406,6 +405,7 @@ CifToken CifReader::on_loop(const CifToken& token) {
     }
 
     CifDataBlock::ItemList kept;
+    std::vector<std::string> dropped;
     for (const THandle<CifDataItem>& item : columns) {
         THandle<CifDataItem> existing = block->find(item->name());
         if (existing.is_null()) {
@@ -416,6 +416,7 @@ CifToken CifReader::on_loop(const CifToken& token) {
         if (!existing.is_null()) {
             errors_.add(CifError::duplicate_data_name, item->line(), item->name(),
                         std::to_string(existing->line()));
+            dropped.push_back(item->name());
             continue;
         }
         kept.push_back(item);
@@ -424,25 +425,27 @@ CifToken CifReader::on_loop(const CifToken& token) {
         checker->check_rows(checked_rows, columns.front()->size());
         if (!kept.empty()) checked_loops_.insert(kept.front().get());
     }
-    if (!kept.empty() && checks_values()) note_damage(columns, kept.front().get(), column != 0, first_error);
+    if (!kept.empty() && checks_values()) {
+        std::size_t damaged = note_damage(columns, column != 0, first_error);
+        if (damaged < columns.front()->size() || !dropped.empty())
+            loop_flaws_[kept.front().get()] = {damaged, std::move(dropped)};
+    }
     if (!kept.empty()) block->add_loop(kept);
     return t;
 }
 
-void CifReader::note_damage(const CifDataBlock::ItemList& columns, const CifDataItem* first_kept,
-                            bool short_row, std::size_t first_error) {
+std::size_t CifReader::note_damage(const CifDataBlock::ItemList& columns, bool short_row,
+                                   std::size_t first_error) {
     std::vector<CifError>& errors = errors_.errors();
-    if (first_error > errors.size()) return;
+    if (first_error > errors.size()) return columns.front()->size();
     reporter();  // builds the line index
-    std::size_t damaged = columns.front()->size();
-    if (short_row) damaged = CifLoopShift::summarise(columns, errors, first_error, *lines_);
+    if (short_row) CifLoopShift::summarise(columns, errors, first_error, *lines_);
     std::vector<int> lines;
     for (std::size_t e = first_error; e < errors.size(); ++e) {
         if (CifLoopDamage::displaces_values(errors[e].id())) lines.push_back(errors[e].line());
     }
     std::sort(lines.begin(), lines.end());
-    damaged = std::min(damaged, CifLoopDamage::first_damaged_row(columns, lines, *lines_));
-    if (damaged < columns.front()->size()) damaged_rows_[first_kept] = damaged;
+    return CifLoopDamage::first_damaged_row(columns, lines, *lines_);
 }
 
 CifToken CifReader::on_save(const CifToken& token) {

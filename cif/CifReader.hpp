@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cif/CifBlockValidator.hpp"
 #include "cif/CifCommentable.hpp"
 #include "cif/CifErrorSink.hpp"
 #include "cif/CifLexer.hpp"
@@ -63,8 +64,8 @@ private:
     // After a loop is read: one message for values shifted out of their
     // columns (when the last row was short) and the first row a syntax
     // problem among the values damaged, from the messages since first_error.
-    void note_damage(const std::vector<THandle<CifDataItem>>& columns, const CifDataItem* first_kept,
-                     bool short_row, std::size_t first_error);
+    std::size_t note_damage(const std::vector<THandle<CifDataItem>>& columns, bool short_row,
+                            std::size_t first_error);
     CifValueRef reference(const CifToken& token) const;
     CifValueRef unknown_value();
 
@@ -88,6 +89,6 @@ private:
     std::unique_ptr<CifLineIndex> lines_;               // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;
     std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read
-    // First columns of loops -> the first row a syntax problem damaged.
-    std::unordered_map<const CifDataItem*, std::size_t> damaged_rows_;
+    // First columns of loops -> what reading found wrong with them.
+    std::unordered_map<const CifDataItem*, CifBlockValidator::LoopFlaws> loop_flaws_;
 };
