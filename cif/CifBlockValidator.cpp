@@ -31,14 +31,14 @@ std::string joined(const std::vector<std::string>& names) {
 
 CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
                                      const std::unordered_set<const CifDataItem*>* checked,
-                                     const Flaws* flaws)
+                                     const Notes* notes)
     : reporter_(reporter),
       dictionary_(reporter.dictionary()),
       sink_(reporter.sink()),
       names_(names),
       values_(values),
       checked_(checked),
-      flaws_(flaws),
+      notes_(notes),
       keys_(dictionary_) {}
 
 void CifBlockValidator::validate(const CifDataBlock& block) {
@@ -122,14 +122,14 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;
-    const LoopFlaws* flaws = nullptr;
-    if (flaws_ != nullptr) {
-        auto found = flaws_->find(loop.front().get());
-        if (found != flaws_->end()) flaws = &found->second;
+    const LoopNotes* notes = nullptr;
+    if (notes_ != nullptr) {
+        auto found = notes_->find(loop.front().get());
+        if (found != notes_->end()) notes = &found->second;
     }
     // Rows a syntax problem damaged give no key or parent findings.
     const std::size_t rows = loop.front()->size();
-    const std::size_t sound = flaws == nullptr ? rows : std::min(rows, flaws->first_damaged_row);
+    const std::size_t sound = notes == nullptr ? rows : std::min(rows, notes->first_damaged_row);
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (definitions[i] == nullptr) continue;
         if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
@@ -138,8 +138,9 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
             linked_.push_back({loop[i].get(), definitions[i], std::min(sound, loop[i]->size())});
     }
     static const std::vector<std::string> none;
-    check_loop_keys(loop, definitions, flaws == nullptr ? none : flaws->dropped_names);
-    keys_.check(loop, definitions, sound, reporter_);
+    check_loop_keys(loop, definitions, notes == nullptr ? none : notes->dropped_names);
+    static const std::vector<CifKeyOrder> unsorted;
+    keys_.check(loop, definitions, sound, reporter_, notes == nullptr ? unsorted : notes->sorted_keys);
     if (checked_ != nullptr && checked_->count(loop.front().get()) != 0) return;
     const std::string& text = loop.front()->store()->text();
     CifLoopChecker checker(reporter_, text.data(), text.size());
@@ -224,13 +225,13 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
 }
 
 std::size_t CifBlockValidator::sound_rows(const CifDataItem& item) const {
-    if (flaws_ == nullptr || !item.is_looped()) return item.size();
+    if (notes_ == nullptr || !item.is_looped()) return item.size();
     for (const CifDataBlock::ItemList& loop : block_->loops()) {
         if (std::none_of(loop.begin(), loop.end(),
                          [&](const THandle<CifDataItem>& column) { return column.get() == &item; }))
             continue;
-        auto found = flaws_->find(loop.front().get());
-        return found == flaws_->end() ? item.size() : std::min(item.size(), found->second.first_damaged_row);
+        auto found = notes_->find(loop.front().get());
+        return found == notes_->end() ? item.size() : std::min(item.size(), found->second.first_damaged_row);
     }
     return item.size();
 }

@@ -7,6 +7,7 @@
 
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifDictionary.hpp"
+#include "cif/CifKeyOrder.hpp"
 #include "cif/CifLoopKeys.hpp"
 #include "cif/CifValueReporter.hpp"
 
@@ -23,15 +24,17 @@
 // beside their replacement (367).
 class CifBlockValidator {
 public:
-    // What the reader knows of a loop beyond its columns: the first of its
-    // rows a syntax problem damaged (the row count when none), and the data
-    // names it gave that were dropped as duplicates of earlier ones.
-    struct LoopFlaws {
+    // What the reader learnt of a loop beyond its columns: the first of its
+    // rows a syntax problem damaged (the row count when none), the data names
+    // it gave that were dropped as duplicates of earlier ones, and the keys
+    // whose rows came in an order that proves them unique.
+    struct LoopNotes {
         std::size_t first_damaged_row;
         std::vector<std::string> dropped_names;
+        std::vector<CifKeyOrder> sorted_keys;
     };
-    // First column of a loop -> its flaws.
-    using Flaws = std::unordered_map<const CifDataItem*, LoopFlaws>;
+    // First column of a loop -> what is known of it.
+    using Notes = std::unordered_map<const CifDataItem*, LoopNotes>;
 
     // names and values say which checks run; values of the items in
     // checked were checked already (by the reader, while reading a loop);
@@ -40,7 +43,7 @@ public:
     // and a loop does not lack a name it gave that was dropped.
     CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
                       const std::unordered_set<const CifDataItem*>* checked = nullptr,
-                      const Flaws* flaws = nullptr);
+                      const Notes* notes = nullptr);
 
     void validate(const CifDataBlock& block);
 
@@ -62,7 +65,7 @@ private:
     bool names_;
     bool values_;
     const std::unordered_set<const CifDataItem*>* checked_;
-    const Flaws* flaws_;
+    const Notes* notes_;
     std::unordered_map<std::string, std::vector<std::string>> mandatory_;  // category -> its mandatory items
     CifLoopKeys keys_;
     const CifDataBlock* block_ = nullptr;

@@ -45,6 +45,7 @@ std::size_t CifLoopDamage::first_damaged_row(const CifDataBlock::ItemList& loop,
         return item->size() == rows && item->values()[rows - 1].added();
     });
     const std::size_t unknown = short_row ? 0 : rows;
+    if (lines.empty()) return unknown;
     // The lines the loop's values span; a loop edited after reading has no
     // reliable lines.
     const int begin = line_of(lead, 0, index);

@@ -3,11 +3,12 @@
 #include "cif/CifLoopKeys.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string_view>
-#include <unordered_set>
 
+#include "cif/CifKeyOrder.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifValueCheck.hpp"
 
@@ -114,70 +115,159 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
 
 void CifLoopKeys::check(const CifDataBlock::ItemList& loop,
                         const std::vector<const CifItemDefinition*>& definitions, std::size_t rows,
-                        CifValueReporter& reporter) {
+                        CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven) {
     for (const Key& key : keys(loop, definitions)) {
         bool whole =
             std::all_of(key.begin(), key.end(), [&](std::size_t i) { return loop[i]->size() >= rows; });
-        if (whole) check_key(loop, key, rows, reporter);
+        if (whole) check_key(loop, key, rows, proven, reporter);
     }
 }
 
 void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, std::size_t rows,
-                            CifValueReporter& reporter) const {
+                            const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const {
+    // Values straight from the text where they were read.
+    const char* text = loop.front()->store()->text().data();
+    auto view = [text](const CifDataItem& item, std::size_t row) {
+        const CifValueRef ref = item.values()[row];
+        return ref.added() ? item.value_view(row) : std::string_view(text + ref.offset, ref.length());
+    };
     // A site-symmetry code "." means the identity, a value like any other;
     // elsewhere an unknown or inapplicable value identifies nothing.
     std::vector<bool> symmetry(key.size());
     for (std::size_t k = 0; k < key.size(); ++k)
         symmetry[k] = loop[key[k]]->name().find("_site_symmetry_") != std::string::npos;
-    auto skipped = [&](std::size_t row) {
+    std::vector<std::string_view> values(key.size());
+    auto read_row = [&](std::size_t row) {
         for (std::size_t k = 0; k < key.size(); ++k) {
             const CifDataItem& item = *loop[key[k]];
-            std::string_view value = item.value_view(row);
-            if (CifValueCheck::is_null_value(value, item.is_quoted(row)) && !(symmetry[k] && value == "."))
-                return true;
+            values[k] = view(item, row);
+            bool null = values[k].size() == 1 && (values[k][0] == '?' || values[k][0] == '.') &&
+                        !item.values()[row].quoted();
+            if (null && !(symmetry[k] && values[k][0] == '.')) return false;
         }
-        return false;
+        return true;
     };
+
+    // Keys proven unique by their order need no more.
+    std::vector<const CifDataItem*> columns;
+    for (std::size_t i : key) columns.push_back(loop[i].get());
+    if (std::any_of(proven.begin(), proven.end(), [&](const CifKeyOrder& order) {
+            return order.proven_unique() && order.columns() == columns;
+        }))
+        return;
+    CifKeyOrder order(columns);
+    order.add_rows(0, rows, text);
+    if (order.proven_unique()) return;
+
+    // Small integers over a small range (reflection indices in any order):
+    // the rows' values packed in one pass over the text, then one bit per
+    // possible combination.
+    constexpr std::size_t field_bits = 21;
+    constexpr std::uint64_t skipped = ~std::uint64_t(0);
+    if (key.size() * field_bits < 64) {
+        std::array<std::int64_t, 3> low{}, high{};  // at most three columns fit
+        std::vector<std::uint64_t> packed(rows, skipped);
+        bool dense = true, any = false;
+        for (std::size_t row = 0; row < rows && dense; ++row) {
+            if (!read_row(row)) continue;
+            std::uint64_t pack = 0;
+            for (std::size_t k = 0; k < key.size() && dense; ++k) {
+                std::int64_t number = 0;
+                dense = CifKeyOrder::small_integer(values[k], number);
+                low[k] = any ? std::min(low[k], number) : number;
+                high[k] = any ? std::max(high[k], number) : number;
+                pack = (pack << field_bits) | static_cast<std::uint64_t>(number + (std::int64_t(1) << 20));
+            }
+            packed[row] = pack;
+            any = true;
+        }
+        constexpr std::uint64_t most_bits = std::uint64_t(1) << 27;  // 16 MB of bits
+        std::uint64_t size = 1;
+        for (std::size_t k = 0; k < key.size() && dense; ++k) {
+            size *= static_cast<std::uint64_t>(high[k] - low[k] + 1);
+            dense = size <= most_bits;
+        }
+        if (dense && any) {
+            std::vector<std::uint64_t> seen((size + 63) / 64), reported((size + 63) / 64);
+            const std::uint64_t mask = (std::uint64_t(1) << field_bits) - 1;
+            for (std::size_t row = 0; row < rows; ++row) {
+                if (packed[row] == skipped) continue;
+                std::uint64_t at = 0;
+                for (std::size_t k = 0; k < key.size(); ++k) {
+                    const auto number = static_cast<std::int64_t>(
+                                            (packed[row] >> ((key.size() - 1 - k) * field_bits)) & mask) -
+                                        (std::int64_t(1) << 20);
+                    at = at * static_cast<std::uint64_t>(high[k] - low[k] + 1) +
+                         static_cast<std::uint64_t>(number - low[k]);
+                }
+                const std::uint64_t bit = std::uint64_t(1) << (at % 64);
+                if ((seen[at / 64] & bit) == 0) {
+                    seen[at / 64] |= bit;
+                } else if ((reported[at / 64] & bit) == 0) {
+                    reported[at / 64] |= bit;
+                    if (!report(loop, key, row, reporter)) return;
+                }
+            }
+            return;
+        }
+    }
+
+    // Otherwise a fingerprint per row, sorted, so that equal ones stand side
+    // by side; equal rows among them are repetitions, each combination
+    // reported once, on its second row.
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> fingerprints;
+    fingerprints.reserve(rows);
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (!read_row(row)) continue;
+        std::uint64_t hash = 1469598103934665603ull;
+        for (std::string_view value : values)
+            hash = (hash ^ std::hash<std::string_view>()(value)) * 1099511628211ull;
+        fingerprints.emplace_back(hash, static_cast<std::uint32_t>(row));
+    }
+    std::sort(fingerprints.begin(), fingerprints.end());
     auto same = [&](std::size_t a, std::size_t b) {
         return std::all_of(key.begin(), key.end(),
-                           [&](std::size_t i) { return loop[i]->value_view(a) == loop[i]->value_view(b); });
+                           [&](std::size_t i) { return view(*loop[i], a) == view(*loop[i], b); });
     };
-    // Rows by a hash of their key values; equal hashes are compared in full.
-    std::unordered_map<std::uint64_t, std::uint32_t> first_row;
-    std::vector<std::uint32_t> collided;         // rows whose hash another combination holds
-    std::unordered_set<std::uint32_t> reported;  // first rows of the combinations reported
-    first_row.reserve(rows);
-    for (std::size_t row = 0; row < rows; ++row) {
-        if (skipped(row)) continue;
-        std::uint64_t hash = 1469598103934665603ull;
-        for (std::size_t i : key)
-            hash = (hash ^ std::hash<std::string_view>()(loop[i]->value_view(row))) * 1099511628211ull;
-        auto [found, inserted] = first_row.emplace(hash, static_cast<std::uint32_t>(row));
-        if (inserted) continue;
-        std::uint32_t earlier = found->second;
-        if (!same(earlier, row)) {
-            auto match =
-                std::find_if(collided.begin(), collided.end(), [&](std::uint32_t r) { return same(r, row); });
-            if (match == collided.end()) {
-                collided.push_back(static_cast<std::uint32_t>(row));
-                continue;
+    std::vector<std::uint32_t> group, others;
+    for (std::size_t begin = 0; begin < fingerprints.size();) {
+        std::size_t end = begin + 1;
+        while (end < fingerprints.size() && fingerprints[end].first == fingerprints[begin].first) ++end;
+        group.clear();
+        for (std::size_t i = begin; i < end; ++i) group.push_back(fingerprints[i].second);
+        begin = end;
+        // The rows of a group are in order; each combination in it once.
+        while (group.size() > 1) {
+            others.clear();
+            std::size_t repeated = 0;
+            for (std::size_t i = 1; i < group.size(); ++i) {
+                if (!same(group.front(), group[i])) {
+                    others.push_back(group[i]);
+                } else if (repeated == 0) {
+                    repeated = group[i];
+                }
             }
-            earlier = *match;
+            if (repeated != 0 && !report(loop, key, repeated, reporter)) return;
+            group.swap(others);
         }
-        if (!reported.insert(earlier).second) continue;
-        if (reporter.sink().full()) return;
-        const CifDataItem& lead = *loop[key.front()];
-        const int line = reporter.value_line(lead, row);
-        if (key.size() == 1) {
-            reporter.sink().add(CifError::duplicate_key_value, line, lead.name(),
-                                std::string(lead.value_view(row)));
-            continue;
-        }
-        std::vector<std::string> names, values;
-        for (std::size_t i : key) {
-            names.push_back(loop[i]->name());
-            values.emplace_back(loop[i]->value_view(row));
-        }
-        reporter.sink().add(CifError::composite_key_not_unique, line, joined(names), joined(values));
     }
+}
+
+bool CifLoopKeys::report(const CifDataBlock::ItemList& loop, const Key& key, std::size_t row,
+                         CifValueReporter& reporter) {
+    if (reporter.sink().full()) return false;
+    const CifDataItem& lead = *loop[key.front()];
+    const int line = reporter.value_line(lead, row);
+    if (key.size() == 1) {
+        reporter.sink().add(CifError::duplicate_key_value, line, lead.name(),
+                            std::string(lead.value_view(row)));
+        return true;
+    }
+    std::vector<std::string> names, values;
+    for (std::size_t i : key) {
+        names.push_back(loop[i]->name());
+        values.emplace_back(loop[i]->value_view(row));
+    }
+    reporter.sink().add(CifError::composite_key_not_unique, line, joined(names), joined(values));
+    return true;
 }

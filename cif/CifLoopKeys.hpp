@@ -9,6 +9,7 @@
 
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifDictionary.hpp"
+#include "cif/CifKeyOrder.hpp"
 #include "cif/CifValueReporter.hpp"
 
 // The columns that identify the rows of a loop, read from a DDL1 dictionary:
@@ -28,15 +29,19 @@ public:
 
     // Reports each key value (359) or combination of values (369) that
     // repeats in rows [0, rows), once, on the line of its first repetition.
-    // Rows with an unknown or inapplicable key value are left out.
+    // Rows with an unknown or inapplicable key value are left out, and so
+    // are keys whose order the reader followed and found proof in.
     void check(const CifDataBlock::ItemList& loop, const std::vector<const CifItemDefinition*>& definitions,
-               std::size_t rows, CifValueReporter& reporter);
+               std::size_t rows, CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven = {});
 
 private:
     // The _list_reference values of every definition of the category.
     const std::vector<std::string>& targets(const std::string& category);
     void check_key(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key, std::size_t rows,
-                   CifValueReporter& reporter) const;
+                   const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const;
+    // Reports the key values of the row; false once the sink keeps no more.
+    static bool report(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key,
+                       std::size_t row, CifValueReporter& reporter);
 
     const CifDictionary& dictionary_;
     std::unordered_map<std::string, std::vector<std::string>> targets_;

@@ -10,6 +10,7 @@
 #include "cif/CifLineIndex.hpp"
 #include "cif/CifLoopChecker.hpp"
 #include "cif/CifLoopDamage.hpp"
+#include "cif/CifLoopKeys.hpp"
 #include "cif/CifLoopShift.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextCheck.hpp"
@@ -248,7 +249,7 @@ void CifReader::validate(const CifDataBlock& block) {
     if (dictionary.is_null() || !dictionary->has_definitions()) return;
     if (!settings_.check_data_names && !settings_.check_values) return;
     CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_,
-                      &loop_flaws_)
+                      &loop_notes_)
         .validate(block);
 }
 
@@ -256,13 +257,23 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
                                                         const std::vector<THandle<CifDataItem>>& columns) {
     if (!checks_values()) return nullptr;
     auto checker = std::make_unique<CifLoopChecker>(reporter(), store_->text().data(), store_->text().size());
+    std::vector<const CifItemDefinition*> definitions;
+    std::vector<bool> taken(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string& name = columns[i]->name();
-        bool taken = !block.find(name).is_null();
-        for (std::size_t j = 0; j < i && !taken; ++j) taken = cif_iequals(columns[j]->name(), name);
-        if (!taken) checker->add(*columns[i], cif_.dictionary_->definition(name));
+        definitions.push_back(cif_.dictionary_->definition(name));
+        taken[i] = !block.find(name).is_null();
+        for (std::size_t j = 0; j < i && !taken[i]; ++j) taken[i] = cif_iequals(columns[j]->name(), name);
+        if (!taken[i]) checker->add(*columns[i], definitions[i]);
     }
     if (checker->empty()) return nullptr;
+    if (loop_keys_ == nullptr) loop_keys_ = std::make_unique<CifLoopKeys>(*cif_.dictionary_);
+    for (const std::vector<std::size_t>& key : loop_keys_->keys(columns, definitions)) {
+        std::vector<const CifDataItem*> key_columns;
+        for (std::size_t i : key) key_columns.push_back(taken[i] ? nullptr : columns[i].get());
+        if (std::find(key_columns.begin(), key_columns.end(), nullptr) == key_columns.end())
+            checker->watch(CifKeyOrder(std::move(key_columns)));
+    }
     return checker;
 }
 
@@ -427,8 +438,13 @@ CifToken CifReader::on_loop(const CifToken& token) {
     }
     if (!kept.empty() && checks_values()) {
         std::size_t damaged = note_damage(columns, column != 0, first_error);
-        if (damaged < columns.front()->size() || !dropped.empty())
-            loop_flaws_[kept.front().get()] = {damaged, std::move(dropped)};
+        std::vector<CifKeyOrder> sorted_keys;
+        if (checker != nullptr) {
+            for (const CifKeyOrder& order : checker->orders())
+                if (order.proven_unique()) sorted_keys.push_back(order);
+        }
+        if (damaged < columns.front()->size() || !dropped.empty() || !sorted_keys.empty())
+            loop_notes_[kept.front().get()] = {damaged, std::move(dropped), std::move(sorted_keys)};
     }
     if (!kept.empty()) block->add_loop(kept);
     return t;

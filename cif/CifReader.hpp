@@ -20,6 +20,7 @@ class CifDataBlock;
 class CifDataItem;
 class CifLineIndex;
 class CifLoopChecker;
+class CifLoopKeys;
 class CifValueReporter;
 class CifTextStore;
 
@@ -89,6 +90,7 @@ private:
     std::unique_ptr<CifLineIndex> lines_;               // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;
     std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read
-    // First columns of loops -> what reading found wrong with them.
-    std::unordered_map<const CifDataItem*, CifBlockValidator::LoopFlaws> loop_flaws_;
+    // First columns of loops -> what reading learnt about them.
+    std::unordered_map<const CifDataItem*, CifBlockValidator::LoopNotes> loop_notes_;
+    std::unique_ptr<CifLoopKeys> loop_keys_;  // the keys of loops, from the dictionary
 };
