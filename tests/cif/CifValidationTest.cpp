@@ -430,3 +430,39 @@ TEST(CifLoopKeys, KeysComeFromReferencesFamiliesAndMandatoryItemsOfTheCoreDictio
 }
 
 }  // namespace
+
+namespace {
+
+// A reflection loop of the test dictionary with these index rows.
+std::string reflections(const std::vector<std::string>& rows) {
+    std::string text =
+        "data_a\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_squared_meas\n";
+    for (const std::string& row : rows) text += row + " 1.5\n";
+    return text;
+}
+
+TEST(CifValidation, ReflectionKeysInAnyOrderAndOfAnySizeAreFoundRepeatedOnce) {
+    const int first_row = 7;  // the line of the first row
+    const Case cases[] = {
+        {"sorted by h, k, l", reflections({"-1 0 0", "0 0 1", "0 1 -2", "0 1 3", "2 -5 0"}), {}},
+        {"sorted by l, k, h", reflections({"1 0 -3", "-2 1 -3", "0 0 0", "5 0 0", "-1 4 2"}), {}},
+        {"falling", reflections({"3 3 3", "3 3 2", "1 0 0", "-1 0 0"}), {}},
+        {"no order, no repetition", reflections({"1 0 0", "0 0 1", "0 1 0", "-1 0 0", "0 -1 0"}), {}},
+        {"no order, one reflection three times: once, on its second row",
+         reflections({"1 0 0", "0 0 1", "1 0 0", "0 1 0", "1 0 0"}),
+         {{369, first_row + 2}}},
+        {"sorted up to a repetition",
+         reflections({"0 0 1", "0 0 2", "0 0 2", "0 0 3"}),
+         {{369, first_row + 2}}},
+        {"indices too far apart for one bit each",
+         reflections({"0 0 1", "999999 0 0", "-999999 5 5", "0 0 1"}),
+         {{369, first_row + 3}}},
+        {"the same number written two ways is the same index",
+         reflections({"1 0 0", "0 1 0", "+1 0 0"}),
+         {{369, first_row + 2}}},
+        {"an unknown index identifies nothing", reflections({"? 0 0", "1 0 0", "? 0 0", "0 1 0"}), {}},
+    };
+    for (const Case& c : cases) expect_messages(c);
+}
+
+}  // namespace
