@@ -22,6 +22,7 @@ import os
 import re
 import subprocess
 import sys
+import time
 
 # Kinds of finding: (name, codes of tessary-check). Findings of kinds that
 # cif_validate does not have are listed apart.
@@ -190,14 +191,18 @@ def main():
     args = parser.parse_args()
 
     files = cif_files(args.paths)
+    start = time.monotonic()
     mine, mine_apart = ours(args.tessary_check, args.dictionary, files)
+    middle = time.monotonic()
     cod, cod_apart = theirs(args.cif_validate, args.dictionary, files)
+    end = time.monotonic()
     for found in (mine, cod):
         for key in found:
             if key[1] in ONCE:
                 found[key] = 1
 
-    print("%d files, dictionary %s\n" % (len(files), args.dictionary))
+    print("%d files, dictionary %s; tessary-check %.2f s, cif_validate %.1f s (wall, one run each)\n"
+          % (len(files), args.dictionary, middle - start, end - middle))
     print("| Kind of finding | our codes | ours | cod-tools | both | only ours | only cod-tools | found of cod-tools' |")
     print("|---|---|---|---|---|---|---|---|")
     totals = [0, 0, 0, 0, 0]
