@@ -21,6 +21,11 @@ namespace {
 
 QString probe() {
     if (QGuiApplication::instance() == nullptr) return "the program has no display";
+    // These platforms draw OpenGL at best into hidden pictures: a window
+    // holding an OpenGL widget cannot be shown on them.
+    const QString platform = QGuiApplication::platformName();
+    if (platform == "offscreen" || platform == "minimal")
+        return "the " + platform + " platform cannot show OpenGL windows";
     QOpenGLContext context;
     context.setFormat(structureViewFormat());
     if (!context.create()) return "this display offers no OpenGL";

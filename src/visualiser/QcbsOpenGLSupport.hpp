@@ -8,6 +8,7 @@
 // OpenGL 3.3 core with a depth buffer.
 QSurfaceFormat structureViewFormat();
 
-// Empty when an OpenGL context of that format can be made and used here;
-// otherwise, in words, why not. Tried once; the answer is kept.
+// Empty when an OpenGL context of that format can be made and used here,
+// in windows that can be shown; otherwise, in words, why not. Tried once;
+// the answer is kept.
 QString openGLProblem();

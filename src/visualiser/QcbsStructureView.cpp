@@ -7,6 +7,7 @@
 #include <QOpenGLFunctions>
 #include <QPainter>
 #include <QPrinter>
+#include <QResizeEvent>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
@@ -110,6 +111,12 @@ void QcbsStructureView::initializeGL() {
 }
 
 void QcbsStructureView::resizeGL(int width, int height) { camera_.setViewport(QSize(width, height)); }
+
+void QcbsStructureView::resizeEvent(QResizeEvent* event) {
+    // Picking works on the widget's size even before anything is drawn.
+    camera_.setViewport(event->size());
+    QOpenGLWidget::resizeEvent(event);
+}
 
 void QcbsStructureView::paintGL() {
     camera_.setViewport(size());
