@@ -50,8 +50,13 @@ void QcbsStructureCamera::lookAlong(const QVector3D& direction, const QVector3D&
     pan_ = QVector2D();
 }
 
+QQuaternion QcbsStructureCamera::firstRotation() {
+    // Slightly from above and the side, so that a cell is seen as a box.
+    return QQuaternion::fromAxisAndAngle(1, 0, 0, 20) * QQuaternion::fromAxisAndAngle(0, 1, 0, -25);
+}
+
 void QcbsStructureCamera::reset() {
-    rotation_ = QQuaternion();
+    rotation_ = firstRotation();
     zoom_ = 1.0f;
     pan_ = QVector2D();
 }

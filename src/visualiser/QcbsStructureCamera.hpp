@@ -32,6 +32,7 @@ public:
     void lookAlong(const QVector3D& direction, const QVector3D& up);
     // Back to the first orientation, zoom and pan.
     void reset();
+    static QQuaternion firstRotation();
 
     QQuaternion rotation() const { return rotation_; }
     void setRotation(const QQuaternion& rotation) { rotation_ = rotation.normalized(); }
@@ -48,7 +49,7 @@ public:
 private:
     float halfHeight() const;
 
-    QQuaternion rotation_;
+    QQuaternion rotation_ = firstRotation();
     QVector3D centre_;
     float radius_ = 10.0f;
     float zoom_ = 1.0f;

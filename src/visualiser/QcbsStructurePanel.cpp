@@ -62,13 +62,15 @@ void QcbsStructurePanel::makeTools() {
     blocks_ = new QComboBox(bar);
     blocks_->setObjectName("visblocks");
     blocks_->setToolTip("The block whose structure is shown");
-    blocks_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    blocks_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    blocks_->setMinimumContentsLength(12);
     bar->addWidget(blocks_);
     connect(blocks_, &QComboBox::activated, this, [this](int index) { showEntry(index); });
 
     style_ = new QComboBox(bar);
     style_->setObjectName("visstyle");
-    style_->addItems({"Ball and stick", "Sticks", "Space filling", "Ellipsoids (50 %)"});
+    style_->addItems({"Ball and stick", "Sticks", "Space filling", "Ellipsoids"});
+    style_->setItemData(3, "Displacement ellipsoids at 50 % probability", Qt::ToolTipRole);
     bar->addWidget(style_);
     contents_ = new QComboBox(bar);
     contents_->setObjectName("viscontents");
@@ -113,15 +115,20 @@ void QcbsStructurePanel::makeTools() {
     connect(reset_, &QAction::triggered, this, [this] {
         if (view_ != nullptr) view_->resetView();
     });
-    bar->addSeparator();
-    export_ = bar->addAction("Export...");
+    auto* picture = new QToolButton(bar);
+    picture->setObjectName("vispicture");
+    picture->setText("Picture");
+    picture->setToolTip("Save the view as a picture, or print it");
+    picture->setPopupMode(QToolButton::InstantPopup);
+    auto* pictureMenu = new QMenu(picture);
+    export_ = pictureMenu->addAction("Export as PNG...");
     export_->setObjectName("visexport");
-    export_->setToolTip("Save the view as a PNG picture");
     connect(export_, &QAction::triggered, this, &QcbsStructurePanel::exportPicture);
-    print_ = bar->addAction("Print...");
+    print_ = pictureMenu->addAction("Print...");
     print_->setObjectName("visprint");
-    print_->setToolTip("Print the view");
     connect(print_, &QAction::triggered, this, &QcbsStructurePanel::printPicture);
+    picture->setMenu(pictureMenu);
+    bar->addWidget(picture);
 }
 
 QList<QAction*> QcbsStructurePanel::toolActions() const {
@@ -150,7 +157,7 @@ void QcbsStructurePanel::showMessage(const QString& text) {
 
 bool QcbsStructurePanel::ensureView() {
     if (view_ != nullptr) return true;
-    const QString problem = openGLProblem();
+    const QString problem = failure_.isEmpty() ? openGLProblem() : failure_;
     if (!problem.isEmpty()) {
         viewFailed(problem);
         return false;
@@ -165,6 +172,7 @@ bool QcbsStructurePanel::ensureView() {
 }
 
 void QcbsStructurePanel::viewFailed(const QString& problem) {
+    failure_ = problem;
     showMessage("The 3-D view cannot be drawn here: " + problem +
                 ". The structure can still be checked and edited as text.");
     for (QAction* action : {alongA_, alongB_, alongC_, reset_, export_, print_}) action->setEnabled(false);

@@ -85,4 +85,5 @@ private:
     QStackedWidget* stack_ = nullptr;
     QLabel* message_ = nullptr;
     QcbsStructureView* view_ = nullptr;
+    QString failure_;  // why the view failed; no new view is tried after that
 };

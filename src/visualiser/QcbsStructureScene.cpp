@@ -163,6 +163,9 @@ void QcbsStructureScene::addAtom(const CifStructure& structure, const CifBuiltAt
     const CifSiteSource& source = structure.source(atom.site);
     const QColor colour = highlighted ? highlight() : elementColour(atomicNumber(site.element));
     const QVector3D centre = vector(atom.pos);
+    // Atoms made by symmetry are marked with a prime, as in crystallographic drawings.
+    const bool image = atom.op != 0 || (atom.fract - site.fract).length_sq() > 1e-12;
+    const QString label = QString::fromStdString(site.label) + (image ? "'" : "");
     float radius = 0.0f;
     switch (options.style) {
         case QcbsSceneOptions::BallAndStick:
@@ -191,8 +194,7 @@ void QcbsStructureScene::addAtom(const CifStructure& structure, const CifBuiltAt
                         rings_.push_back(instance(centre, axes[k] * 1.01f, axes[(k + 1) % 3] * 1.01f,
                                                   axes[(k + 2) % 3] * 1.01f, ringColour));
                     }
-                    atoms_.push_back(
-                        {index, centre, float(ellipsoid.semi_axes[0]), QString::fromStdString(site.label)});
+                    atoms_.push_back({index, centre, float(ellipsoid.semi_axes[0]), label});
                     return;
                 }
                 const double u = structure.displacement(atom).trace() / 3.0;
@@ -206,7 +208,7 @@ void QcbsStructureScene::addAtom(const CifStructure& structure, const CifBuiltAt
     }
     spheres_.push_back(
         instance(centre, QVector3D(radius, 0, 0), QVector3D(0, radius, 0), QVector3D(0, 0, radius), colour));
-    atoms_.push_back({index, centre, radius, QString::fromStdString(site.label)});
+    atoms_.push_back({index, centre, radius, label});
 }
 
 void QcbsStructureScene::addBond(const QVector3D& from, const QVector3D& to, float radius,

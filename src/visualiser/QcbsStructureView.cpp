@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "cif/CifDisplacement.hpp"
 #include "visualiser/QcbsOpenGLSupport.hpp"
 #include "visualiser/QcbsStructureRenderer.hpp"
 
@@ -221,6 +222,8 @@ QString QcbsStructureView::describe(int index) const {
     if (code != "x,y,z") text += "; at " + QString::fromStdString(code);
     if (!source.disorder_group.empty())
         text += "; disorder group " + QString::fromStdString(CifStructure::disorder_key(source));
+    if (source.has_aniso && !cif_ellipsoid(structure_->displacement(atom)).positive_definite)
+        text += "; displacements not positive definite";
     return text;
 }
 

@@ -23,7 +23,7 @@ QcbsVelmoraWindow::QcbsVelmoraWindow(QWidget* parent) : QWidget(parent, Qt::Wind
     connect(panel_, &QcbsStructurePanel::statusBarMessageRequest, status_, &QLabel::setText);
     connect(panel_, &QcbsStructurePanel::goToLineRequest, this, &QcbsVelmoraWindow::goToLineRequest);
     connect(panel_, &QcbsStructurePanel::blockShown, this, &QcbsVelmoraWindow::updateCaption);
-    resize(800, 600);
+    resize(1000, 700);
     updateCaption();
 }
 

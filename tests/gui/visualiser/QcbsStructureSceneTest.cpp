@@ -122,6 +122,7 @@ TEST(StructureCamera, ProjectsLooksDownAxesZoomsAndPans) {
     QcbsStructureCamera camera;
     camera.setViewport(QSize(400, 300));
     camera.frame(QVector3D(1, 2, 3), 5.0f);
+    camera.setRotation(QQuaternion());
     EXPECT_EQ(camera.project(QVector3D(1, 2, 3)), QPointF(200, 150));
     const float scale = camera.pixelsPerAngstrom();
     EXPECT_NEAR(scale * 5.0f * 2.0f * 1.08f, 300.0f, 0.01f);  // the sphere fits the shorter side
