@@ -14,6 +14,7 @@
 
 #include "cif/CifDisplacement.hpp"
 #include "visualiser/QcbsOpenGLSupport.hpp"
+#include "visualiser/QcbsStructureLabels.hpp"
 #include "visualiser/QcbsStructureRenderer.hpp"
 
 namespace {
@@ -27,7 +28,8 @@ QString number(double value, int decimals) { return QString::number(value, 'f', 
 
 }  // namespace
 
-QcbsStructureView::QcbsStructureView(QWidget* parent) : QOpenGLWidget(parent) {
+QcbsStructureView::QcbsStructureView(QWidget* parent)
+    : QOpenGLWidget(parent), labels_(new QcbsStructureLabels(this)) {
     setObjectName("structureview");
     setFormat(structureViewFormat());
     setMinimumSize(160, 120);
@@ -75,7 +77,7 @@ void QcbsStructureView::rebuild() {
         scene_.clear();
     }
     uploaded_ = false;
-    update();
+    redraw();
 }
 
 void QcbsStructureView::viewAlong(int axis) {
@@ -86,13 +88,13 @@ void QcbsStructureView::viewAlong(int axis) {
     };
     // Down a: b to the right, c up; down b: c right, a up; down c: a right, b up.
     camera_.lookAlong(column(axis), column((axis + 2) % 3));
-    update();
+    redraw();
 }
 
 void QcbsStructureView::resetView() {
     camera_.reset();
     camera_.frame(scene_.centre(), scene_.radius());
-    update();
+    redraw();
 }
 
 void QcbsStructureView::initializeGL() {
@@ -116,6 +118,7 @@ void QcbsStructureView::resizeGL(int width, int height) { camera_.setViewport(QS
 void QcbsStructureView::resizeEvent(QResizeEvent* event) {
     // Picking works on the widget's size even before anything is drawn.
     camera_.setViewport(event->size());
+    labels_->setGeometry(rect());
     QOpenGLWidget::resizeEvent(event);
 }
 
@@ -127,36 +130,40 @@ void QcbsStructureView::paintGL() {
         gl->glClear(GL_COLOR_BUFFER_BIT);
         return;
     }
-    // The painter owns the frame; the structure is drawn as its native painting, the labels over it.
-    QPainter painter(this);
-    painter.beginNativePainting();
     if (!uploaded_) {
         renderer_->upload(scene_);
         uploaded_ = true;
     }
     renderer_->render(camera_, QcbsStructureScene::background());
-    painter.endNativePainting();
-    paintOverlay(painter);
-    painter.end();
     ++frames_;
     emit framePainted();
 }
 
 long long QcbsStructureView::lastTriangles() const { return renderer_ ? renderer_->triangles() : 0; }
 
-void QcbsStructureView::paintOverlay(QPainter& painter) {
+void QcbsStructureView::redraw() {
+    update();
+    labels_->update();
+}
+
+void QcbsStructureView::paintOverlay(QPainter& painter) const {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::TextAntialiasing);
     QFont font = painter.font();
     font.setPointSizeF(9.0);
     painter.setFont(font);
     const float scale = camera_.pixelsPerAngstrom();
-    painter.setPen(QColor(235, 235, 235));
+    // Light text with a dark edge reads on the background and on light atoms alike.
+    const QColor text(240, 240, 240), edge(0, 0, 0, 200);
     for (int n : scene_.labelled()) {
         const QcbsStructureScene::Atom& atom = scene_.atoms()[std::size_t(n)];
-        const QPointF at = camera_.project(atom.position);
         const float offset = atom.radius * scale * 0.7f + 2.0f;
-        painter.drawText(at + QPointF(offset, -offset), atom.label);
+        const QPointF at = camera_.project(atom.position) + QPointF(offset, -offset);
+        painter.setPen(edge);
+        for (const QPointF& shift : {QPointF(1, 1), QPointF(-1, -1), QPointF(1, -1), QPointF(-1, 1)})
+            painter.drawText(at + shift, atom.label);
+        painter.setPen(text);
+        painter.drawText(at, atom.label);
     }
     const std::vector<QVector3D>& ends = scene_.axisEnds();
     if (ends.size() == 4) {
@@ -279,7 +286,7 @@ void QcbsStructureView::mouseMoveEvent(QMouseEvent* event) {
     } else if (event->buttons() & Qt::LeftButton) {
         camera_.rotateBy(delta);
     }
-    update();
+    redraw();
 }
 
 void QcbsStructureView::mouseReleaseEvent(QMouseEvent* event) {
@@ -305,16 +312,24 @@ void QcbsStructureView::wheelEvent(QWheelEvent* event) {
     const int steps = event->angleDelta().y();
     if (steps == 0) return;
     camera_.zoomBy(std::pow(1.0015f, float(steps)));
-    update();
+    redraw();
+}
+
+QImage QcbsStructureView::picture() {
+    QImage image = grabFramebuffer();
+    if (image.isNull()) return image;
+    QPainter painter(&image);
+    paintOverlay(painter);
+    return image;
 }
 
 bool QcbsStructureView::exportPng(const QString& fileName) {
-    const QImage image = grabFramebuffer();
+    const QImage image = picture();
     return !image.isNull() && image.save(fileName, "PNG");
 }
 
 void QcbsStructureView::print(QPrinter* printer) {
-    const QImage image = grabFramebuffer();
+    const QImage image = picture();
     QPainter painter(printer);
     if (!painter.isActive()) return;
     const QRect page = painter.viewport();

@@ -13,6 +13,7 @@
 #include "visualiser/QcbsStructureCamera.hpp"
 #include "visualiser/QcbsStructureScene.hpp"
 
+class QcbsStructureLabels;
 class QcbsStructureRenderer;
 class QPainter;
 class QPrinter;
@@ -40,7 +41,10 @@ public:
     void viewAlong(int axis);
     void resetView();
 
+    // The camera; after changing it, redraw().
     QcbsStructureCamera& camera() { return camera_; }
+    // Draws again, the text over the picture too.
+    void redraw();
     const QcbsStructureScene& scene() const { return scene_; }
     // The scene atom (index into scene().atoms()) under a widget point, -1 for none.
     int atomAt(const QPoint& point) const;
@@ -68,6 +72,10 @@ signals:
     void openGLFailed(const QString& problem);
     void framePainted();
 
+public:
+    // Paints the labels, axis letters and pick lines for the current camera.
+    void paintOverlay(QPainter& painter) const;
+
 protected:
     void initializeGL() override;
     void resizeGL(int width, int height) override;
@@ -81,7 +89,8 @@ protected:
 
 private:
     void rebuild();
-    void paintOverlay(QPainter& painter);
+    // The picture with the text over it.
+    QImage picture();
     QString describe(int sceneAtom) const;
     QString measure() const;
     void releaseRenderer();
@@ -91,6 +100,7 @@ private:
     QcbsStructureScene scene_;
     QcbsStructureCamera camera_;
     std::unique_ptr<QcbsStructureRenderer> renderer_;
+    QcbsStructureLabels* labels_;
     bool uploaded_ = false;
     std::vector<int> picks_;  // indexes into the shown atom set, in the order picked
     QString statusText_;

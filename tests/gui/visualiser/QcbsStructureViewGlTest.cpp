@@ -209,14 +209,19 @@ TEST_F(StructureView, KeepsItsOrientationWhenTheSameBlockIsCheckedAgain) {
     EXPECT_FLOAT_EQ(view->camera().zoom(), 1.0f);
 }
 
-TEST_F(StructureView, ExportsThePictureAndPrintsIt) {
-    show(block("mol", "C1 C 0.1 0.1 0.1\nC2 C 0.25 0.1 0.1\n"), plain());
+TEST_F(StructureView, ExportsThePictureWithItsLabelsAndPrintsIt) {
+    QcbsSceneOptions options = plain();
+    options.labels = true;
+    show(block("mol", "C1 C 0.1 0.1 0.1\nC2 C 0.25 0.1 0.1\n"), options);
     QTemporaryDir dir;
     const QString png = dir.filePath("view.png");
     ASSERT_TRUE(view->exportPng(png));
-    const QImage saved(png);
+    const QImage saved = QImage(png).convertToFormat(QImage::Format_RGB32);
     EXPECT_EQ(saved.size(), view->size());
     EXPECT_FALSE(isBackground(saved.pixel(view->screenPosition(0).toPoint())));
+    // The labels are painted over the OpenGL picture, and the export has them.
+    const QImage bare = view->grabFramebuffer().convertToFormat(QImage::Format_RGB32);
+    EXPECT_NE(saved, bare);
     EXPECT_FALSE(view->exportPng(dir.filePath("no/such/folder/view.png")));
 
     QPrinter printer;
