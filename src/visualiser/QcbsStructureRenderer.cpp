@@ -10,13 +10,24 @@
 
 namespace {
 
+// The depth written by the ray casts is never nearer than the square's own;
+// declared so, a GPU may test depth before shading (Mesa's software
+// renderer does not, measured).
+#define TESSARY_DEPTH                                 \
+    "#extension GL_ARB_conservative_depth : enable\n" \
+    "#ifdef GL_ARB_conservative_depth\n"              \
+    "layout(depth_greater) out float gl_FragDepth;\n" \
+    "#endif\n"
+
 // One light from the upper left in front, and a highlight; the camera looks along -z.
 #define TESSARY_LIGHT                                                                            \
     "const vec3 light = normalize(vec3(-0.4, 0.55, 0.75));\n"                                    \
     "const vec3 halfway = normalize(light + vec3(0.0, 0.0, 1.0));\n"                             \
     "vec4 shade(vec3 n, vec4 colour) {\n"                                                        \
     "    float diffuse = max(dot(n, light), 0.0);\n"                                             \
-    "    float specular = pow(max(dot(n, halfway), 0.0), 48.0);\n"                               \
+    "    float s = max(dot(n, halfway), 0.0);\n"                                                 \
+    "    float s2 = s * s, s4 = s2 * s2, s8 = s4 * s4, s16 = s8 * s8;\n"                         \
+    "    float specular = s16 * s16 * s16;\n"                                                    \
     "    return vec4(colour.rgb * (0.28 + 0.72 * diffuse) + vec3(0.35 * specular), colour.a);\n" \
     "}\n"                                                                                        \
     "uniform mat4 projection;\n"                                                                 \
@@ -40,8 +51,9 @@ layout(location = 9) in vec4 colour;
 uniform mat4 modelView;
 uniform mat4 projection;
 out vec2 viewXY;
-flat out vec3 viewCentre;
-flat out mat3 toUnit;
+out vec3 origin;
+flat out vec3 direction;
+flat out float centreDepth;
 flat out mat3 normalTurn;
 flat out vec4 surfaceColour;
 void main() {
@@ -49,25 +61,31 @@ void main() {
     mat3 normals = mat3(normal0, normal1, normal2);
     float reach = max(length(axis0), max(length(axis1), length(axis2)));
     vec3 c = (modelView * vec4(centre, 1.0)).xyz;
-    viewCentre = c;
-    toUnit = transpose(normals) * transpose(turn);
+    // The viewing ray in the space where the ellipsoid is the unit sphere:
+    // its start depends linearly on the screen position, so it is interpolated.
+    mat3 toUnit = transpose(normals) * transpose(turn);
+    viewXY = c.xy + corner * reach;
+    origin = toUnit * vec3(corner * reach, 0.0);
+    direction = toUnit * vec3(0.0, 0.0, -1.0);
+    centreDepth = c.z;
     normalTurn = turn * normals;
     surfaceColour = colour;
-    viewXY = c.xy + corner * reach;
-    gl_Position = projection * vec4(viewXY, c.z, 1.0);
+    // The square stands in front of the whole ellipsoid: the depth written is never nearer.
+    gl_Position = projection * vec4(viewXY, c.z + reach, 1.0);
 }
 )";
 
-const char* const atomFragmentShader = "#version 330 core\n" TESSARY_LIGHT R"(
+const char* const atomFragmentShader = "#version 330 core\n" TESSARY_DEPTH TESSARY_LIGHT R"(
 in vec2 viewXY;
-flat in vec3 viewCentre;
-flat in mat3 toUnit;
+in vec3 origin;
+flat in vec3 direction;
+flat in float centreDepth;
 flat in mat3 normalTurn;
 flat in vec4 surfaceColour;
 out vec4 fragment;
 void main() {
-    vec3 o = toUnit * vec3(viewXY - viewCentre.xy, 0.0);
-    vec3 d = toUnit * vec3(0.0, 0.0, -1.0);
+    vec3 o = origin;
+    vec3 d = direction;
     float a = dot(d, d);
     float b = dot(o, d);
     float c = dot(o, o) - 1.0;
@@ -75,7 +93,7 @@ void main() {
     if (disc < 0.0) discard;
     float t = (-b - sqrt(disc)) / a;
     vec3 n = normalize(normalTurn * (o + t * d));
-    gl_FragDepth = depthOf(vec3(viewXY, viewCentre.z - t));
+    gl_FragDepth = depthOf(vec3(viewXY, centreDepth - t));
     fragment = shade(n, surfaceColour);
 }
 )";
@@ -111,11 +129,11 @@ void main() {
     vec2 along = across > 1e-6 ? flat2 / across : vec2(1.0, 0.0);
     vec2 side = vec2(-along.y, along.x);
     viewXY = mix(a.xy - along * radius, b.xy + along * radius, corner.x) + side * radius * corner.y;
-    gl_Position = projection * vec4(viewXY, 0.5 * (a.z + b.z), 1.0);
+    gl_Position = projection * vec4(viewXY, max(a.z, b.z) + radius, 1.0);
 }
 )";
 
-const char* const bondFragmentShader = "#version 330 core\n" TESSARY_LIGHT R"(
+const char* const bondFragmentShader = "#version 330 core\n" TESSARY_DEPTH TESSARY_LIGHT R"(
 in vec2 viewXY;
 flat in vec3 start;
 flat in vec3 axis;
