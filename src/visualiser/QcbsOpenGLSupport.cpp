@@ -3,9 +3,7 @@
 #include "visualiser/QcbsOpenGLSupport.hpp"
 
 #include <QGuiApplication>
-#include <QOffscreenSurface>
 #include <QOpenGLContext>
-#include <QOpenGLFunctions>
 
 QSurfaceFormat structureViewFormat() {
     QSurfaceFormat format;
@@ -34,11 +32,6 @@ QString probe() {
         return QString("this display offers OpenGL %1.%2, and the view needs 3.3")
             .arg(got.majorVersion())
             .arg(got.minorVersion());
-    QOffscreenSurface surface;
-    surface.setFormat(context.format());
-    surface.create();
-    if (!surface.isValid() || !context.makeCurrent(&surface)) return "OpenGL cannot draw on this display";
-    context.doneCurrent();
     return QString();
 }
 
