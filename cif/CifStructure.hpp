@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The crystal structure of one data block: cell, sites, symmetry and the atom sets the 3-D view draws.
+// A block's crystal structure: cell, sites, symmetry and the atom sets the 3-D view draws.
 #pragma once
 
 #include <array>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Builds the atom sets of a structure: the asymmetric unit, whole molecules and one packed unit cell.
+// Builds a structure's asymmetric unit, whole molecules and one packed unit cell.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads the cell, atom sites, symmetry, displacements and listed bonds of a block into a CifStructure.
+// Reads a block's cell, atom sites, symmetry, displacements and listed bonds.
 #include "cif/CifStructureReader.hpp"
 
 #include <algorithm>

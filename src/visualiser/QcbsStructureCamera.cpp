@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the 3-D view looks at a structure: orientation, zoom, pan, and the projection onto the widget.
+// How the 3-D view looks at a structure: orientation, zoom, pan, projection.
 #include "visualiser/QcbsStructureCamera.hpp"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The text over the 3-D view: atom labels, the cell's axis letters, the lines between picked atoms.
+// The text over the 3-D view: atom labels, axis letters, lines between picks.
 #pragma once
 
 #include <QWidget>

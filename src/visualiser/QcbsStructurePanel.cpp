@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The 3-D view with its tools: structure chooser, style, contents, labels, hydrogens, disorder, axes, export
+// The 3-D view with its tools: structure, style, contents, toggles, axes, picture.
 // and print.
 #include "visualiser/QcbsStructurePanel.hpp"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Draws a structure scene with OpenGL 3.3 core: atoms and bonds ray-cast on screen squares, rings and cell
+// Draws a structure scene with OpenGL 3.3 core: ray-cast atoms and bonds, rings, lines.
 // lines.
 #pragma once
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the 3-D view draws for a structure: spheres, ellipsoids, bonds, rings, the cell box and labels.
+// What the 3-D view draws: atoms, ellipsoids, bonds, rings, the cell box, labels.
 #pragma once
 
 #include <QColor>

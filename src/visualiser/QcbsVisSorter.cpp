@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The visualiser page of a main window: the 3-D structure of the current block, and the separate window.
+// The visualiser page: the 3-D structure of the current block, and the separate window.
 #include "visualiser/QcbsVisSorter.hpp"
 
 #include <QVBoxLayout>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Crystal structures built from blocks: cells, sites, symmetry, molecules, packing, bonds and displacements.
+// Structures built from blocks: cells, symmetry, molecules, packing, bonds, displacements.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the view draws for the user's choices: styles, hydrogens, disorder groups, labels, framing; and the
+// What the view draws for the user's choices, and the camera.
 // camera.
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The 3-D view drawn offscreen: atoms where the projection puts them, ellipsoids, picking, navigation,
+// The 3-D view drawn: atoms where projected, ellipsoids, picks, navigation, export.
 // export.
 #include <gtest/gtest.h>
 

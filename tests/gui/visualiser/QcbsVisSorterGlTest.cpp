@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The visualiser page driven as the main window drives it: checks, tab changes, blocks, the separate window.
+// The visualiser page driven as the main window drives it, and the separate window.
 #include <gtest/gtest.h>
 
 #include <QAction>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The visualiser page where nothing can be drawn in 3-D: it says so in words and still follows the document.
+// The visualiser page where nothing can be drawn in 3-D: it says so in words.
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>

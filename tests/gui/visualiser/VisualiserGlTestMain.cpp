@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Runs the OpenGL view tests on an X server: the given DISPLAY, or a private Xvfb started for this process.
+// Runs the OpenGL view tests on an X server: DISPLAY's, or a private Xvfb.
 #include <gtest/gtest.h>
 
 #include <QApplication>
