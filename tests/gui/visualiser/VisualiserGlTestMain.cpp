@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the OpenGL view tests on an X server: DISPLAY's, or a private Xvfb.
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
 #include <QApplication>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <csignal>
 #include <memory>
 
 namespace {
@@ -16,6 +18,8 @@ std::unique_ptr<QProcess> startPrivateDisplay() {
     const QString xvfb = QStandardPaths::findExecutable("Xvfb");
     if (xvfb.isEmpty()) return nullptr;
     auto server = std::make_unique<QProcess>();
+    // The server ends with this process, even when a test crashes it.
+    server->setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
     server->start(xvfb, {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x1024x24"});
     QByteArray number;
     while (!number.contains('\n') && server->waitForReadyRead(15000))
