@@ -1,7 +1,10 @@
 #include "cif/Spacegroup.hpp"
 
+#include <algorithm>
 #include <gemmi/symmetry.hpp>
 #include <stdexcept>
+
+#include "cif/SpacegroupCache.hpp"
 
 namespace {
 
@@ -109,12 +112,27 @@ Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, co
         return;
     }
     if (ops.empty()) return;
-    gemmi::GroupOps group = gemmi::split_centering_vectors(ops);
-    if (group.cen_ops.empty()) group.cen_ops.push_back({0, 0, 0});
-    if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_ops(group)) {
-        symbol_ = found->xhm();
-        number_ = found->number;
+    // The same operators in any order or written form give the same key
+    // (translations are wrapped into [0, 1) above).
+    std::sort(ops.begin(), ops.end());
+    std::string key;
+    key.reserve(ops.size() * 12 * sizeof(int));
+    for (const gemmi::Op& op : ops) {
+        for (const auto& row : op.rot) key.append(reinterpret_cast<const char*>(row.data()), sizeof row);
+        key.append(reinterpret_cast<const char*>(op.tran.data()), sizeof op.tran);
     }
+    SpacegroupCache::Group group = SpacegroupCache::shared().lookup(key, [&ops]() {
+        SpacegroupCache::Group result{unknown_symbol, 0};
+        gemmi::GroupOps group_ops = gemmi::split_centering_vectors(ops);
+        if (group_ops.cen_ops.empty()) group_ops.cen_ops.push_back({0, 0, 0});
+        if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_ops(group_ops)) {
+            result.symbol = found->xhm();
+            result.number = found->number;
+        }
+        return result;
+    });
+    symbol_ = group.symbol;
+    number_ = group.number;
 }
 
 int Spacegroup::nsettings(int number) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cif/Spacegroup.hpp"
+#include "cif/SpacegroupCache.hpp"
 
 namespace {
 
@@ -101,6 +102,53 @@ TEST(Spacegroup, OperatorsThatFormNoGroupOrCannotBeReadGiveUnknown) {
     EXPECT_EQ(incomplete.symbol(), "Unknown");
     EXPECT_EQ(Spacegroup({}).symbol(), "Unknown");
     EXPECT_EQ(Spacegroup({"x,y,z", "0,0,0"}).symbol(), "Unknown");  // a singular matrix
+}
+
+TEST(Spacegroup, OperatorsSeenBeforeInAnyOrderOrFormAreTakenFromTheCache) {
+    SpacegroupCache& cache = SpacegroupCache::shared();
+    Spacegroup first({"x,y,z", "-x,-y,z+1/2", "-y,x,z+1/4", "y,-x,z+3/4"});
+    ASSERT_EQ(first.symbol(), "P 41");
+    struct Case {
+        std::vector<std::string> operators;
+        const char* symbol;
+    };
+    const Case cases[] = {
+        {{"y,-x,z+3/4", "-y,x,z+1/4", "x,y,z", "-x,-y,z+1/2"}, "P 41"},         // another order
+        {{"'X,Y,Z'", " -x, -y, 1/2+z", "-y,x,z+5/4", "y,-x+1,z-1/4"}, "P 41"},  // another form
+    };
+    for (const Case& c : cases) {
+        std::size_t hits = cache.hits();
+        std::size_t misses = cache.misses();
+        Spacegroup again(c.operators, 76, "P 41");
+        EXPECT_EQ(again.symbol(), c.symbol);
+        EXPECT_EQ(again.number(), 76);
+        EXPECT_EQ(cache.hits(), hits + 1);
+        EXPECT_EQ(cache.misses(), misses);
+    }
+    // The same rotations with other translations are another group.
+    std::size_t misses = cache.misses();
+    EXPECT_EQ(Spacegroup({"x,y,z", "-x,-y,z+1/2", "-y,x,z+3/4", "y,-x,z+1/4"}).symbol(), "P 43");
+    EXPECT_EQ(cache.misses(), misses + 1);
+}
+
+TEST(SpacegroupCache, FindsEachKeyOnceAndStartsAfreshWhenFull) {
+    SpacegroupCache cache(2);
+    int found = 0;
+    auto lookup = [&](const std::string& key) {
+        return cache.lookup(key, [&]() {
+            ++found;
+            return SpacegroupCache::Group{"G " + key, found};
+        });
+    };
+    EXPECT_EQ(lookup("a").symbol, "G a");
+    EXPECT_EQ(lookup("a").number, 1);
+    EXPECT_EQ(lookup("b").symbol, "G b");
+    EXPECT_EQ(found, 2);
+    EXPECT_EQ(cache.hits(), 1u);
+    lookup("c");  // full: a and b are dropped
+    EXPECT_EQ(lookup("c").number, 3);
+    EXPECT_EQ(lookup("a").number, 4);
+    EXPECT_EQ(cache.misses(), 4u);
 }
 
 }  // namespace

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// The space groups already found, keyed by their normalised operator lists.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+// Finding the group that a list of operators forms means comparing it with
+// every tabulated setting, which costs far more than reading a small file;
+// files checked together mostly share a few groups. The cache keeps each
+// answer under a key that does not depend on the operators' order or
+// written form (the caller's normalised list). Safe to share between threads.
+class SpacegroupCache {
+public:
+    struct Group {
+        std::string symbol;  // the suite symbol, or "Unknown"
+        int number = 0;
+    };
+
+    explicit SpacegroupCache(std::size_t capacity = 4096) : capacity_(capacity) {}
+
+    // The group under key; on a miss find() gives it and it is kept (the
+    // oldest answers are dropped all at once when capacity is reached).
+    Group lookup(const std::string& key, const std::function<Group()>& find);
+
+    std::size_t hits() const;
+    std::size_t misses() const;
+
+    // The one cache of the process, used by Spacegroup.
+    static SpacegroupCache& shared();
+
+private:
+    mutable std::mutex mutex_;
+    std::unordered_map<std::string, Group> groups_;
+    std::size_t capacity_;
+    std::size_t hits_ = 0;
+    std::size_t misses_ = 0;
+};
