@@ -43,6 +43,7 @@ void Cif::read_text(std::string text, const CifParserSettings& settings) {
 
 void Cif::check_mandatory(const std::vector<std::string>& document_names,
                           const std::vector<std::string>& block_names) {
+    if (document_names.empty() && block_names.empty()) return;
     auto present_in = [](const CifDataBlock& block, const std::string& name) {
         return !block.find(name).is_null();
     };

@@ -24,7 +24,7 @@ bool CifConcreteDictionary::is_defined(const std::string& data_name) const {
 }
 
 const CifItemDefinition* CifConcreteDictionary::definition(const std::string& data_name) const {
-    auto found = index_.find(cif_lowercase(data_name));
+    auto found = index_.find(data_name);
     return found == index_.end() ? nullptr : &definitions_[found->second];
 }
 
@@ -33,5 +33,15 @@ std::vector<std::string> CifConcreteDictionary::category_items(const std::string
     auto found = members_.find(plain_category_name(category));
     if (found == members_.end()) return result;
     for (std::size_t index : found->second) result.push_back(definitions_[index].name);
+    return result;
+}
+
+std::vector<std::string> CifConcreteDictionary::mandatory_items(const std::string& category) const {
+    std::vector<std::string> result;
+    auto found = members_.find(plain_category_name(category));
+    if (found == members_.end()) return result;
+    for (std::size_t index : found->second) {
+        if (definitions_[index].list_mandatory) result.push_back(definitions_[index].name);
+    }
     return result;
 }

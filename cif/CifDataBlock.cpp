@@ -25,7 +25,7 @@ CifDataBlock::CifDataBlock(THandle<CifDictionary> dictionary, const std::string&
 
 void CifDataBlock::set_name(const std::string& name) { name_ = cif_block_code(name); }
 
-THandle<CifDataItem> CifDataBlock::find(const std::string& tag) const { return lookup(tag); }
+THandle<CifDataItem> CifDataBlock::find(std::string_view tag) const { return lookup(tag); }
 
 THandle<CifDataItem> CifDataBlock::obtain(const std::string& tag) {
     THandle<CifDataItem> item = find(tag);

@@ -60,7 +60,7 @@ public:
         end_line_ = end;
     }
 
-    THandle<CifDataItem> find(const std::string& tag) const;
+    THandle<CifDataItem> find(std::string_view tag) const;
     THandle<CifDataItem> obtain(const std::string& tag);
     void obtain(const std::vector<std::string>& tags, std::vector<THandle<CifDataItem>>& out);
 

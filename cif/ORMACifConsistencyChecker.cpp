@@ -100,7 +100,7 @@ ORMACifConsistencyChecker::~ORMACifConsistencyChecker() = default;
 void ORMACifConsistencyChecker::check_cif() {
     if (cif_.is_null()) return;
     findings_.clear();
-    lines_ = std::make_unique<CifLineIndex>(cif_->store()->text());
+    lines_.reset();
     for (const THandle<CifDataBlock>& block : cif_->blocks()) check_block(*block);
     std::stable_sort(findings_.begin(), findings_.end(),
                      [](const CifError& a, const CifError& b) { return a.line() < b.line(); });
@@ -129,7 +129,10 @@ int ORMACifConsistencyChecker::value_line(const CifDataBlock& block, const std::
                                           std::size_t n) const {
     THandle<CifDataItem> item = block.find(name);
     if (item.is_null()) return std::max(block.line(), 1);
-    if (n < item->size() && !item->values()[n].added()) return lines_->line_at(item->values()[n].offset);
+    if (n < item->size() && !item->values()[n].added()) {
+        if (lines_ == nullptr) lines_ = std::make_unique<CifLineIndex>(cif_->store()->text());
+        return lines_->line_at(item->values()[n].offset);
+    }
     return item->line() > 0 ? item->line() : std::max(block.line(), 1);
 }
 

@@ -53,6 +53,6 @@ private:
     int value_line(const CifDataBlock& block, const std::string& name, std::size_t n) const;
 
     THandle<Cif> cif_;
-    std::unique_ptr<CifLineIndex> lines_;
+    mutable std::unique_ptr<CifLineIndex> lines_;  // built on the first value that needs its line
     std::vector<CifError> findings_;
 };
