@@ -362,8 +362,8 @@ bool CifDataBlock::add_item(THandle<CifDataItem> item) {
 
 THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
     if (indexed_) {
-        auto found = index_.find(tag);
-        return found == index_.end() ? THandle<CifDataItem>() : found->second;
+        const THandle<CifDataItem>* found = index_.find(tag);
+        return found == nullptr ? THandle<CifDataItem>() : *found;
     }
     for (const THandle<CifDataItem>& item : order_) {
         if (cif_iequals(item->name(), tag)) return item;

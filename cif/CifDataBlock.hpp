@@ -10,6 +10,7 @@
 #include "cif/CifCommentable.hpp"
 #include "cif/CifDataItem.hpp"
 #include "cif/CifDictionary.hpp"
+#include "cif/CifNameIndex.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextStore.hpp"
 #include "cif/CifWriteSettings.hpp"
@@ -134,7 +135,7 @@ private:
     // Keyed by views of the items' own names, compared without regard to
     // case; built once a block holds more than a few items.
     static constexpr std::size_t small_block = 8;
-    std::unordered_map<std::string_view, THandle<CifDataItem>, CifNameHash, CifNameEqual> index_;
+    CifNameIndex index_;
     bool indexed_ = false;
     std::vector<ItemList> loops_;
     std::vector<THandle<CifDataBlock>> frames_;

@@ -96,6 +96,22 @@ const gemmi::SpaceGroup* find(const std::string& symbol) {
 
 Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, const std::string& hint)
     : symbol_(unknown_symbol), given_number_(number), given_symbol_(hint) {
+    // Files mostly write a group's operators alike: the text as written is
+    // looked up first, before any operator is read.
+    std::string written;
+    for (const std::string& text : operators) {
+        written += text;
+        written += '\n';
+    }
+    SpacegroupCache::Group group =
+        SpacegroupCache::by_text().lookup(written, [&operators]() { return from_operators(operators); });
+    symbol_ = group.symbol;
+    number_ = group.number;
+    readable_ = group.readable;
+}
+
+SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>& operators) {
+    SpacegroupCache::Group unknown{unknown_symbol, 0, true};
     std::vector<gemmi::Op> ops;
     try {
         for (const std::string& text : operators) {
@@ -108,10 +124,10 @@ Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, co
             ops.push_back(op.wrap());
         }
     } catch (const std::exception&) {
-        readable_ = false;
-        return;
+        unknown.readable = false;
+        return unknown;
     }
-    if (ops.empty()) return;
+    if (ops.empty()) return unknown;
     // The same operators in any order or written form give the same key
     // (translations are wrapped into [0, 1) above).
     std::sort(ops.begin(), ops.end());
@@ -121,8 +137,8 @@ Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, co
         for (const auto& row : op.rot) key.append(reinterpret_cast<const char*>(row.data()), sizeof row);
         key.append(reinterpret_cast<const char*>(op.tran.data()), sizeof op.tran);
     }
-    SpacegroupCache::Group group = SpacegroupCache::shared().lookup(key, [&ops]() {
-        SpacegroupCache::Group result{unknown_symbol, 0};
+    return SpacegroupCache::by_operators().lookup(key, [&ops, &unknown]() {
+        SpacegroupCache::Group result = unknown;
         gemmi::GroupOps group_ops = gemmi::split_centering_vectors(ops);
         if (group_ops.cen_ops.empty()) group_ops.cen_ops.push_back({0, 0, 0});
         if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_ops(group_ops)) {
@@ -131,8 +147,6 @@ Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, co
         }
         return result;
     });
-    symbol_ = group.symbol;
-    number_ = group.number;
 }
 
 int Spacegroup::nsettings(int number) {

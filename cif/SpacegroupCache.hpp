@@ -18,6 +18,7 @@ public:
     struct Group {
         std::string symbol;  // the suite symbol, or "Unknown"
         int number = 0;
+        bool readable = true;  // whether every operator could be read
     };
 
     explicit SpacegroupCache(std::size_t capacity = 4096) : capacity_(capacity) {}
@@ -29,8 +30,11 @@ public:
     std::size_t hits() const;
     std::size_t misses() const;
 
-    // The one cache of the process, used by Spacegroup.
-    static SpacegroupCache& shared();
+    // The caches of the process that Spacegroup uses: operator lists as
+    // written, and their normalised forms (sorted, translations wrapped),
+    // where the tables are searched.
+    static SpacegroupCache& by_text();
+    static SpacegroupCache& by_operators();
 
 private:
     mutable std::mutex mutex_;

@@ -105,7 +105,7 @@ TEST(Spacegroup, OperatorsThatFormNoGroupOrCannotBeReadGiveUnknown) {
 }
 
 TEST(Spacegroup, OperatorsSeenBeforeInAnyOrderOrFormAreTakenFromTheCache) {
-    SpacegroupCache& cache = SpacegroupCache::shared();
+    SpacegroupCache& cache = SpacegroupCache::by_operators();
     Spacegroup first({"x,y,z", "-x,-y,z+1/2", "-y,x,z+1/4", "y,-x,z+3/4"});
     ASSERT_EQ(first.symbol(), "P 41");
     struct Case {
