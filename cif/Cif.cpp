@@ -107,7 +107,7 @@ Cif::iterator Cif::block_at_line(int line) {
 }
 
 Cif::iterator Cif::new_block(const std::string& name, iterator position) {
-    return blocks_.insert(position, THandle<CifDataBlock>(new CifDataBlock(dictionary_, name, -1, store_)));
+    return blocks_.insert(position, store_->make<CifDataBlock>(dictionary_, name, -1, store_));
 }
 
 void Cif::print(std::ostream& stream, const CifWriteSettings& settings) const {

@@ -30,7 +30,7 @@ THandle<CifDataItem> CifDataBlock::find(std::string_view tag) const { return loo
 THandle<CifDataItem> CifDataBlock::obtain(const std::string& tag) {
     THandle<CifDataItem> item = find(tag);
     if (item.is_null()) {
-        item = THandle<CifDataItem>(new CifDataItem(tag, store_, dictionary_));
+        item = store_->make<CifDataItem>(tag, store_, dictionary_);
         insert_item(item);
     }
     return item;

@@ -10,3 +10,11 @@ CifValueRef CifTextStore::add(std::string_view value, std::uint32_t flags) {
     added_.emplace_back(value);
     return ref;
 }
+
+const std::string& CifTextStore::intern(std::string_view name) {
+    auto found = name_index_.find(name);
+    if (found != name_index_.end()) return *found->second;
+    const std::string& kept = names_.emplace_back(name);
+    name_index_.emplace(kept, &kept);
+    return kept;
+}

@@ -102,4 +102,28 @@ TEST(THandleDeathTest, DereferencingNullIsFatalAndNamesTheType) {
     EXPECT_DEATH({ (void)*empty; }, "null THandle");
 }
 
+TEST(THandle, ACountWithAReleaseOfItsOwnIsGivenBackInsteadOfDeleted) {
+    // An object in storage its owner keeps: the handles share the owner's
+    // count, and the owner's release runs once, when the last handle goes.
+    struct Owned {
+        THandleCount count{0, [](THandleCount* count) { reinterpret_cast<Owned*>(count)->released += 1; }};
+        int released = 0;
+        int destroyed = 0;
+        Derived object{&destroyed};
+    } owned;
+    {
+        THandle<Derived> first = THandle<Derived>::shared(&owned.object, &owned.count);
+        THandle<Base> second = first;
+        THandle<Derived> third = second.cast<Derived>();
+        EXPECT_EQ(first.use_count(), 3);
+        first = THandle<Derived>();
+        second = THandle<Base>();
+        EXPECT_EQ(owned.released, 0);
+        EXPECT_EQ(third.get(), &owned.object);
+    }
+    EXPECT_EQ(owned.released, 1);
+    EXPECT_EQ(owned.destroyed, 0);  // the owner destroys it in its own time
+    EXPECT_EQ(THandle<Base>().use_count(), 0);
+}
+
 }  // namespace
