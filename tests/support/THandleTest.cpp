@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "support/THandle.hpp"
@@ -105,24 +106,22 @@ TEST(THandleDeathTest, DereferencingNullIsFatalAndNamesTheType) {
 TEST(THandle, ACountWithAReleaseOfItsOwnIsGivenBackInsteadOfDeleted) {
     // An object in storage its owner keeps: the handles share the owner's
     // count, and the owner's release runs once, when the last handle goes.
-    struct Owned {
-        THandleCount count{0, [](THandleCount* count) { reinterpret_cast<Owned*>(count)->released += 1; }};
-        int released = 0;
-        int destroyed = 0;
-        Derived object{&destroyed};
-    } owned;
+    static int released = 0;
+    std::unique_ptr<THandleCount> count(new THandleCount{0, [](THandleCount*) { ++released; }});
+    int destroyed = 0;
+    auto object = std::make_unique<Derived>(&destroyed);
     {
-        THandle<Derived> first = THandle<Derived>::shared(&owned.object, &owned.count);
+        THandle<Derived> first = THandle<Derived>::shared(object.get(), count.get());
         THandle<Base> second = first;
         THandle<Derived> third = second.cast<Derived>();
         EXPECT_EQ(first.use_count(), 3);
         first = THandle<Derived>();
         second = THandle<Base>();
-        EXPECT_EQ(owned.released, 0);
-        EXPECT_EQ(third.get(), &owned.object);
+        EXPECT_EQ(released, 0);
+        EXPECT_EQ(third.get(), object.get());
     }
-    EXPECT_EQ(owned.released, 1);
-    EXPECT_EQ(owned.destroyed, 0);  // the owner destroys it in its own time
+    EXPECT_EQ(released, 1);
+    EXPECT_EQ(destroyed, 0);  // the owner destroys it in its own time
     EXPECT_EQ(THandle<Base>().use_count(), 0);
 }
 
