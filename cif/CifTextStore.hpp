@@ -4,7 +4,7 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "cif/CifArena.hpp"
 #include "cif/CifValueRef.hpp"
@@ -48,6 +48,7 @@ private:
     std::string text_;
     std::deque<std::string> added_;
     std::deque<std::string> names_;
-    std::unordered_map<std::string_view, const std::string*> name_index_;
+    std::vector<const std::string*> name_slots_;  // names_ by hash
+    std::size_t name_count_ = 0;
     CifArena arena_;
 };

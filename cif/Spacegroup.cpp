@@ -104,13 +104,13 @@ Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, co
         written += '\n';
     }
     SpacegroupCache::Group group =
-        SpacegroupCache::by_text().lookup(written, [&operators]() { return from_operators(operators); });
+        SpacegroupCache::by_text().lookup(written, [&]() { return from_operators(operators, number); });
     symbol_ = group.symbol;
     number_ = group.number;
     readable_ = group.readable;
 }
 
-SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>& operators) {
+SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>& operators, int number) {
     SpacegroupCache::Group unknown{unknown_symbol, 0, true};
     std::vector<gemmi::Op> ops;
     try {
@@ -137,11 +137,26 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
         for (const auto& row : op.rot) key.append(reinterpret_cast<const char*>(row.data()), sizeof row);
         key.append(reinterpret_cast<const char*>(op.tran.data()), sizeof op.tran);
     }
-    return SpacegroupCache::by_operators().lookup(key, [&ops, &unknown]() {
+    return SpacegroupCache::by_operators().lookup(key, [&ops, &unknown, number]() {
         SpacegroupCache::Group result = unknown;
         gemmi::GroupOps group_ops = gemmi::split_centering_vectors(ops);
         if (group_ops.cen_ops.empty()) group_ops.cen_ops.push_back({0, 0, 0});
-        if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_ops(group_ops)) {
+        // The settings of the number given are tried first: operators that
+        // form a setting form it under its own number, and the first such
+        // setting in table order is the one the whole search would find.
+        const gemmi::SpaceGroup* found = nullptr;
+        char centring = group_ops.find_centering();
+        for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
+            if (number < 1 || number > 230) break;
+            if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]))
+                continue;
+            if (group_ops.is_same_as(setting.operations())) {
+                found = &setting;
+                break;
+            }
+        }
+        if (found == nullptr) found = gemmi::find_spacegroup_by_ops(group_ops);
+        if (found != nullptr) {
             result.symbol = found->xhm();
             result.number = found->number;
         }

@@ -71,8 +71,8 @@ public:
 
 private:
     // The group of the operators, matched against the tables once per
-    // distinct list (SpacegroupCache).
-    static SpacegroupCache::Group from_operators(const std::vector<std::string>& operators);
+    // distinct list (SpacegroupCache); number (when 1-230) is tried first.
+    static SpacegroupCache::Group from_operators(const std::vector<std::string>& operators, int number);
 
     std::string symbol_;
     int number_ = 0;

@@ -2,6 +2,8 @@
 // the group that a list of symmetry operators forms.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <gemmi/symmetry.hpp>
 #include <set>
 #include <string>
 #include <vector>
@@ -149,6 +151,26 @@ TEST(SpacegroupCache, FindsEachKeyOnceAndStartsAfreshWhenFull) {
     EXPECT_EQ(lookup("c").number, 3);
     EXPECT_EQ(lookup("a").number, 4);
     EXPECT_EQ(cache.misses(), 4u);
+}
+
+TEST(Spacegroup, EveryTabulatedSettingIsFoundWithOrWithoutItsNumber) {
+    // Settings whose operators another setting shares ("C c c b:1" and
+    // "C c c a:1") give the one the whole table names first, also when the
+    // file's number sends the search to its group first.
+    int checked = 0;
+    for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
+        std::vector<std::string> triplets;
+        for (const gemmi::Op& op : setting.operations().all_ops_sorted()) triplets.push_back(op.triplet());
+        const gemmi::SpaceGroup* first = gemmi::find_spacegroup_by_ops(setting.operations());
+        ASSERT_NE(first, nullptr) << setting.xhm();
+        // Reversed, so that the written list is new to the caches.
+        std::reverse(triplets.begin(), triplets.end());
+        EXPECT_EQ(Spacegroup(triplets, setting.number).symbol(), first->xhm()) << setting.xhm();
+        std::rotate(triplets.begin(), triplets.begin() + 1, triplets.end());
+        EXPECT_EQ(Spacegroup(triplets, 0).symbol(), first->xhm()) << setting.xhm();
+        ++checked;
+    }
+    EXPECT_EQ(checked, 559);
 }
 
 }  // namespace
