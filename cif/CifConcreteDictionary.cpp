@@ -4,6 +4,7 @@
 
 #include "cif/CifDdl1Reader.hpp"
 #include "cif/CifNames.hpp"
+#include "cif/CifStreamText.hpp"
 
 bool CifConcreteDictionary::read(std::istream& stream, THandle<CifErrorContainer> errors, std::ostream* log) {
     descriptor_ = CifDictionaryDescriptor();
@@ -12,8 +13,8 @@ bool CifConcreteDictionary::read(std::istream& stream, THandle<CifErrorContainer
     index_.clear();
     members_.clear();
     std::size_t before = errors.is_null() ? 0 : errors->size();
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (stream.bad() && !errors.is_null())
+    std::string text;
+    if (!cif_read_stream(stream, text) && !errors.is_null())
         errors->add(CifError(CifError::input_unreadable, 1, std::string(), "read error"));
     CifDdl1Reader(*this, errors, log).read(std::move(text));
     return errors.is_null() || errors->size() == before;

@@ -373,7 +373,7 @@ THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
 
 void CifDataBlock::build_index() {
     index_.clear();
-    index_.reserve(order_.size() * 2);
+    index_.reserve(order_.size());
     for (const THandle<CifDataItem>& item : order_) index_.emplace(item->name(), item);
     indexed_ = true;
 }
