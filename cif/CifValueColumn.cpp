@@ -24,37 +24,36 @@ CifValueColumn& CifValueColumn::operator=(CifValueColumn&& other) noexcept {
         next_ = other.next_;
         limit_ = other.limit_;
         size_ = other.size_;
-        first_capacity_ = other.first_capacity_;
-        other.chunks_.clear();
         other.next_ = other.limit_ = nullptr;
-        other.size_ = other.first_capacity_ = 0;
+        other.size_ = 0;
     }
     return *this;
 }
 
 void CifValueColumn::grow_and_push(CifValueRef ref) {
-    if (chunks_.empty()) {
+    if (chunks_ == nullptr) {
         if (size_ == 0) {
             single_ = ref;
             size_ = 1;
             return;
         }
-        first_capacity_ = 8;
-        chunks_.emplace_back(new CifValueRef[first_capacity_]);
-        chunks_[0][0] = single_;
-        next_ = chunks_[0].get() + 1;
-        limit_ = chunks_[0].get() + first_capacity_;
-    } else if (chunks_.size() == 1 && first_capacity_ < chunk_size) {
-        std::size_t capacity = std::min(first_capacity_ * 2, chunk_size);
+        chunks_ = std::make_unique<Chunks>();
+        chunks_->first_capacity = 8;
+        chunks_->list.emplace_back(new CifValueRef[chunks_->first_capacity]);
+        chunks_->list[0][0] = single_;
+        next_ = chunks_->list[0].get() + 1;
+        limit_ = chunks_->list[0].get() + chunks_->first_capacity;
+    } else if (chunks_->list.size() == 1 && chunks_->first_capacity < chunk_size) {
+        std::size_t capacity = std::min(chunks_->first_capacity * 2, chunk_size);
         std::unique_ptr<CifValueRef[]> grown(new CifValueRef[capacity]);
-        std::copy(chunks_[0].get(), chunks_[0].get() + size_, grown.get());
-        chunks_[0] = std::move(grown);
-        first_capacity_ = capacity;
-        next_ = chunks_[0].get() + size_;
-        limit_ = chunks_[0].get() + capacity;
+        std::copy(chunks_->list[0].get(), chunks_->list[0].get() + size_, grown.get());
+        chunks_->list[0] = std::move(grown);
+        chunks_->first_capacity = capacity;
+        next_ = chunks_->list[0].get() + size_;
+        limit_ = chunks_->list[0].get() + capacity;
     } else {
-        chunks_.emplace_back(new CifValueRef[chunk_size]);
-        next_ = chunks_.back().get();
+        chunks_->list.emplace_back(new CifValueRef[chunk_size]);
+        next_ = chunks_->list.back().get();
         limit_ = next_ + chunk_size;
     }
     *next_++ = ref;
@@ -80,17 +79,17 @@ void CifValueColumn::erase(std::size_t n) {
 void CifValueColumn::pop_back() {
     if (size_ == 0) return;
     --size_;
-    if (chunks_.empty()) return;
+    if (chunks_ == nullptr) return;
+    std::vector<std::unique_ptr<CifValueRef[]>>& list = chunks_->list;
     --next_;
-    if (next_ == chunks_.back().get() && chunks_.size() > 1) {
-        chunks_.pop_back();
-        next_ = limit_ = chunks_.back().get() + (chunks_.size() == 1 ? first_capacity_ : chunk_size);
+    if (next_ == list.back().get() && list.size() > 1) {
+        list.pop_back();
+        next_ = limit_ = list.back().get() + (list.size() == 1 ? chunks_->first_capacity : chunk_size);
     }
 }
 
 void CifValueColumn::clear() {
-    chunks_.clear();
+    chunks_.reset();
     next_ = limit_ = nullptr;
     size_ = 0;
-    first_capacity_ = 0;
 }
