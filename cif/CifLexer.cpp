@@ -51,6 +51,14 @@ struct Window {
     std::uint64_t stop = 0;
 };
 
+// The line ends between two words are few: counted one by one (a popcount
+// instruction is not part of the base instruction set).
+int count_bits(std::uint64_t bits) {
+    int count = 0;
+    for (; bits != 0; bits &= bits - 1) ++count;
+    return count;
+}
+
 Window classify(const char* p, bool cif2) {
     const __m128i blank = _mm_set1_epi8(' ');
     const __m128i tab = _mm_set1_epi8('\t');
@@ -176,13 +184,13 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
         std::size_t offset = static_cast<std::size_t>(p - window.base);
         std::uint64_t words = ~window.space >> offset;
         if (words == 0) {
-            line += std::popcount(window.newline >> offset);
+            line += count_bits(window.newline >> offset);
             p = window.base + 64;
             continue;
         }
         std::size_t skip = static_cast<std::size_t>(std::countr_zero(words));
         if (skip > 0) {
-            line += std::popcount((window.newline >> offset) & ((std::uint64_t(1) << skip) - 1));
+            line += count_bits((window.newline >> offset) & ((std::uint64_t(1) << skip) - 1));
             p += skip;
             offset += skip;
         }
