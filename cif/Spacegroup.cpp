@@ -92,6 +92,16 @@ const gemmi::SpaceGroup* find(const std::string& symbol) {
     return find_name(plain);
 }
 
+// The setting a symbol names ("" and 0 when none), looked up once per
+// distinct text: files of a run mostly name a few groups.
+SpacegroupCache::Group named(const std::string& symbol) {
+    return SpacegroupCache::by_name().lookup(symbol, [&symbol]() {
+        const gemmi::SpaceGroup* found = find(symbol);
+        return found == nullptr ? SpacegroupCache::Group{std::string(), 0, true}
+                                : SpacegroupCache::Group{found->xhm(), found->number, true};
+    });
+}
+
 }  // namespace
 
 Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, const std::string& hint)
@@ -181,19 +191,16 @@ std::string Spacegroup::orma_symbol(int number, int setting) {
 }
 
 std::string Spacegroup::derive_orma_symbol(const std::string& symbol) {
-    const gemmi::SpaceGroup* found = find(symbol);
-    return found == nullptr ? std::string(unknown_symbol) : found->xhm();
+    SpacegroupCache::Group found = named(symbol);
+    return found.number == 0 ? std::string(unknown_symbol) : found.symbol;
 }
 
 std::string Spacegroup::name_space_separated(const std::string& symbol) {
-    const gemmi::SpaceGroup* found = find(symbol);
-    return found == nullptr ? trimmed(symbol) : found->xhm();
+    SpacegroupCache::Group found = named(symbol);
+    return found.number == 0 ? trimmed(symbol) : found.symbol;
 }
 
-int Spacegroup::number_of(const std::string& symbol) {
-    const gemmi::SpaceGroup* found = find(symbol);
-    return found == nullptr ? 0 : found->number;
-}
+int Spacegroup::number_of(const std::string& symbol) { return named(symbol).number; }
 
 int Spacegroup::crystal_system(int number) {
     if (number < 1 || number > 230) return unknown_system;

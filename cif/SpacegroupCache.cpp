@@ -39,3 +39,8 @@ SpacegroupCache& SpacegroupCache::by_operators() {
     static SpacegroupCache cache;
     return cache;
 }
+
+SpacegroupCache& SpacegroupCache::by_name() {
+    static SpacegroupCache cache;
+    return cache;
+}

@@ -35,6 +35,8 @@ public:
     // where the tables are searched.
     static SpacegroupCache& by_text();
     static SpacegroupCache& by_operators();
+    // Symbols as written and the settings they name.
+    static SpacegroupCache& by_name();
 
 private:
     mutable std::mutex mutex_;
