@@ -12,7 +12,7 @@
 // it grows (the first chunk grows by doubling up to the chunk size).
 class CifValueColumn {
 public:
-    static constexpr std::size_t chunk_bits = 16;
+    static constexpr std::size_t chunk_bits = 18;
     static constexpr std::size_t chunk_size = std::size_t(1) << chunk_bits;
 
     CifValueColumn() = default;
@@ -56,9 +56,18 @@ public:
 private:
     void grow_and_push(CifValueRef ref);
 
+    // Chunks come from aligned storage (full ones on huge pages where the
+    // system offers them), given back with the alignment they were taken with.
+    struct ChunkDelete {
+        std::size_t alignment = 64;
+        void operator()(CifValueRef* chunk) const;
+    };
+    using Chunk = std::unique_ptr<CifValueRef[], ChunkDelete>;
+    static Chunk make_chunk(std::size_t capacity);
+
     // Kept apart, so that the many items of one value stay small.
     struct Chunks {
-        std::vector<std::unique_ptr<CifValueRef[]>> list;
+        std::vector<Chunk> list;
         std::size_t first_capacity = 0;
     };
 
