@@ -58,6 +58,9 @@ int main(int argc, char** argv) {
         settings.check.crystal_items = std::move(items.crystal);
     }
     FileCheck checker(settings);
+    // The last file's document is left to the end of the process.
+    THandle<Cif> last_document;
+    auto keep = [&](std::size_t i) { return i + 1 == count ? &last_document : nullptr; };
     CheckReport report(std::cout, std::cerr, options.json);
     report.begin();
     bool any_errors = false;
@@ -82,7 +85,7 @@ int main(int argc, char** argv) {
                                            : std::max(1u, std::thread::hardware_concurrency());
     threads = std::min(threads, count);
     if (threads <= 1) {
-        for (const std::string& file : options.files) print(checker.check(file));
+        for (std::size_t i = 0; i < count; ++i) print(checker.check(options.files[i], keep(i)));
     } else {
         // Each file is checked on one thread; results are printed in the
         // order the files were named, each as soon as it and those before
@@ -93,7 +96,7 @@ int main(int argc, char** argv) {
         std::atomic<std::size_t> next_file{0};
         auto work = [&]() {
             for (std::size_t i = next_file++; i < count; i = next_file++) {
-                FileCheckResult result = checker.check(options.files[i]);
+                FileCheckResult result = checker.check(options.files[i], keep(i));
                 std::lock_guard<std::mutex> lock(mutex);
                 results[i] = std::move(result);
                 ready.notify_all();
