@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The space groups already found, keyed by their normalised operator lists.
+// The space groups already found, keyed by the operator lists or symbols that gave them.
 #include "cif/SpacegroupCache.hpp"
 
 SpacegroupCache::Group SpacegroupCache::lookup(const std::string& key, const std::function<Group()>& find) {

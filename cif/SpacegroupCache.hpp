@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The space groups already found, keyed by their normalised operator lists.
+// The space groups already found, keyed by the operator lists or symbols that gave them.
 #pragma once
 
 #include <cstddef>
@@ -10,9 +10,9 @@
 
 // Finding the group that a list of operators forms means comparing it with
 // every tabulated setting, which costs far more than reading a small file;
-// files checked together mostly share a few groups. The cache keeps each
-// answer under a key that does not depend on the operators' order or
-// written form (the caller's normalised list). Safe to share between threads.
+// files checked together mostly share a few groups. A cache keeps each
+// answer under the caller's key (for operators, a normalised list that does
+// not depend on their order or written form). Safe to share between threads.
 class SpacegroupCache {
 public:
     struct Group {

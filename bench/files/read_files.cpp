@@ -1,4 +1,7 @@
-// read_files: reads CIF files one after the other in one process, the way a
+// SPDX-License-Identifier: MIT
+// Reads CIF files in one process with the CIF library, gemmi or a line count.
+//
+// read_files reads CIF files one after the other in one process, the way a
 // checker meets them, so that whole processes can be timed side by side.
 //
 //   read_files lines FILE...            read each file and count its lines (the floor)
