@@ -132,7 +132,7 @@ ORMACifConsistencyChecker::~ORMACifConsistencyChecker() = default;
 void ORMACifConsistencyChecker::check_cif() {
     if (cif_.is_null()) return;
     findings_.clear();
-    lines_ = std::make_unique<CifLineIndex>(cif_->store()->text());
+    lines_.reset();
     damage_lines_.clear();
     for (const CifError& error : *cif_->errors()) {
         if (CifLoopDamage::displaces_values(error.id())) damage_lines_.push_back(error.line());
@@ -162,11 +162,18 @@ void ORMACifConsistencyChecker::add(CifError::ErrorID id, const CifDataBlock& bl
     findings_.emplace_back(id, line, name, detail);
 }
 
+const CifLineIndex& ORMACifConsistencyChecker::line_index() const {
+    if (lines_ == nullptr) lines_ = std::make_unique<CifLineIndex>(cif_->store()->text());
+    return *lines_;
+}
+
 int ORMACifConsistencyChecker::value_line(const CifDataBlock& block, const std::string& name,
                                           std::size_t n) const {
     THandle<CifDataItem> item = block.find(name);
     if (item.is_null()) return std::max(block.line(), 1);
-    if (n < item->size() && !item->values()[n].added()) return lines_->line_at(item->values()[n].offset);
+    if (n < item->size() && !item->values()[n].added()) {
+        return line_index().line_at(item->values()[n].offset);
+    }
     return item->line() > 0 ? item->line() : std::max(block.line(), 1);
 }
 
@@ -472,7 +479,7 @@ std::size_t ORMACifConsistencyChecker::sound_rows(const CifDataBlock& block, con
     for (const CifDataBlock::ItemList& loop : block.loops()) {
         for (const THandle<CifDataItem>& column : loop) {
             if (column.get() == &item)
-                return std::min(item.size(), CifLoopDamage::first_damaged_row(loop, damage_lines_, *lines_));
+                return std::min(item.size(), CifLoopDamage::first_damaged_row(loop, damage_lines_, line_index()));
         }
     }
     return item.size();

@@ -59,7 +59,9 @@ private:
     std::size_t sound_rows(const CifDataBlock& block, const CifDataItem& item) const;
 
     THandle<Cif> cif_;
-    std::unique_ptr<CifLineIndex> lines_;
+    // The line index of the document's text, made when a value first needs its line.
+    const CifLineIndex& line_index() const;
+    mutable std::unique_ptr<CifLineIndex> lines_;  // built on the first value that needs its line
     std::vector<CifError> findings_;
     std::vector<int> damage_lines_;  // sorted lines of syntax problems that displace values
 };

@@ -18,7 +18,8 @@ packages=(
   # the text of printed PDF files (the print tests)
   poppler-utils
   # the peer reader the benchmarks compare against (gemmi's CIF reader needs it)
-  tao-pegtl-dev
+  # and the peer checker they time whole (gemmi validate)
+  tao-pegtl-dev gemmi
   # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
   libavogadro-data libcifpp-data cod-tools
   # running the editor headless and looking at it

@@ -102,7 +102,7 @@ const char* CheckOptions::usage() {
            "                    space group, counts, atom labels)\n"
            "  --json            print the messages and counts as JSON\n"
            "  --line-length N   report lines longer than N characters (default 80; 0: only CIF's 2048)\n"
-           "  -j N, --jobs N    check N files at a time (default 1)\n"
+           "  -j N, --jobs N    check N files at a time (default: one per processor core)\n"
            "  -h, --help        print this text\n"
            "  --version         print the version\n"
            "\n"
