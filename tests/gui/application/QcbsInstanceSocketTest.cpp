@@ -13,6 +13,7 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QThread>
 #include <cstring>
 
 #include "ApplicationTestSupport.hpp"
@@ -155,9 +156,14 @@ class OtherUser {
 public:
     OtherUser() : name_("tessary-peer-" + QString::number(::getpid())) {
         if (::geteuid() != 0) return;
-        if (QProcess::execute("useradd",
-                              {"--system", "--no-create-home", "--shell", "/usr/sbin/nologin", name_}) != 0)
-            return;
+        // Tests running side by side may hold the lock of the user database a moment.
+        bool made = false;
+        for (int attempt = 0; attempt < 20 && !made; ++attempt) {
+            made = QProcess::execute("useradd", {"--system", "--no-create-home", "--shell",
+                                                 "/usr/sbin/nologin", name_}) == 0;
+            if (!made) QThread::msleep(250);
+        }
+        if (!made) return;
         if (const passwd* entry = ::getpwnam(name_.toLocal8Bit().constData())) {
             uid_ = entry->pw_uid;
             gid_ = entry->pw_gid;
