@@ -27,7 +27,10 @@ const char* const basePixmapProperty = "tessarySplashImage";
 
 }  // namespace
 
-QcbsApplication::QcbsApplication(int& argc, char** argv) : QtServerApplication("Tessary", argc, argv) {}
+QcbsApplication::QcbsApplication(int& argc, char** argv) : QtServerApplication("Tessary", argc, argv) {
+    // The desktop's menu entry and the windows of the program belong together.
+    setDesktopFileName("tessary");
+}
 
 QcbsApplication::~QcbsApplication() { debugLine(1, "QcbsApplication::~QcbsApplication finished"); }
 
