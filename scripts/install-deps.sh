@@ -24,6 +24,10 @@ packages=(
   libavogadro-data libcifpp-data cod-tools
   # running the editor headless and looking at it
   xvfb xauth x11-utils imagemagick fonts-dejavu-core
+  # the Debian package (cpack -G DEB) and its validators: dependencies found by
+  # dpkg-shlibdeps, lintian, the desktop file, AppStream metadata, the MIME
+  # type, the man pages and the bash completion
+  dpkg-dev lintian desktop-file-utils appstream shared-mime-info man-db bash-completion
 )
 
 missing=()

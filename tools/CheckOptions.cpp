@@ -105,6 +105,7 @@ const char* CheckOptions::usage() {
            "  -j N, --jobs N    check N files at a time (default: one per processor core)\n"
            "  -h, --help        print this text\n"
            "  --version         print the version\n"
+           "  --                the arguments after it are files, even when they begin with -\n"
            "\n"
            "Exit status: 0 when no file has errors, 1 when any file has errors, 2 on a usage or I/O "
            "problem.\n"

@@ -78,6 +78,17 @@ TEST_F(CheckFiles, UnreadableFilesAreReportedAndTheOthersStillChecked) {
     EXPECT_NE(err.find("Usage: tessary-check"), std::string::npos);
 }
 
+TEST_F(CheckFiles, ControlCharactersInDataNamesReachTheTerminalEscaped) {
+    // A data name that clears the screen and one that sets the window title.
+    const std::string file = write("hostile.cif", "data_h\n_a\x1b[2J 1\n_a\x1b[2J 2\n_t\x1b]0;x\x07 3\n");
+    EXPECT_EQ(run(file), 1);
+    EXPECT_EQ(out.find('\x1b'), std::string::npos) << out;
+    EXPECT_EQ(out.find('\x07'), std::string::npos) << out;
+    EXPECT_NE(out.find(":3: error [312]: Duplicate data name _a\\u001b[2J, first at line: 2\n"),
+              std::string::npos)
+        << out;
+}
+
 TEST_F(CheckFiles, ParallelChecksPrintInTheOrderGiven) {
     std::string files;
     for (int i = 0; i < 40; ++i) {
