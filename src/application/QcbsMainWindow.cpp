@@ -496,7 +496,8 @@ void QcbsMainWindow::updateCrystalWizard() {
 
 void QcbsMainWindow::setCaption(const QString& fileName) {
     const QString shown = fileName.isEmpty() ? QString("new.cif") : QFileInfo(fileName).fileName();
-    setWindowTitle(shown + " - " + programQName());
+    // "[*]" shows as "*" while the document has unsaved changes.
+    setWindowTitle(shown + "[*] - " + programQName());
 }
 
 void QcbsMainWindow::updateCaption() { setCaption(fileName()); }
@@ -508,8 +509,11 @@ void QcbsMainWindow::statusLineNumber() {
     int index = 0;
     editor->getCursorPosition(&paragraph, &index);
     QString text = "Line " + QString::number(paragraph + 1) + ", Column " + QString::number(index + 1);
-    if (editor->isModified()) text += " (File Modified)";
+    // A text still coming in from its file is not changed by the user.
+    const bool modified = editor->isModified() && !editor->isLoading();
+    if (modified) text += " (File Modified)";
     statusLine_->setText(text);
+    setWindowModified(modified);
 }
 
 void QcbsMainWindow::statusBarMessage(QString message) { statusBar()->showMessage(message); }
@@ -695,6 +699,10 @@ void QcbsMainWindow::about() {
         aboutBox_ = new QcbsAboutBox(this);
         aboutBox_->setAttribute(Qt::WA_DeleteOnClose);
     }
+    // The core dictionary that checks actually use, as loaded now.
+    dictionary();
+    const THandle<CifDictionaryPool> all = sharedData_->dictionaryLoader()->pool();
+    aboutBox_->setDictionaries(*sharedData_->dictionarySettings()->loadSettings(all), *all);
     aboutBox_->show();
     aboutBox_->raise();
 }

@@ -239,9 +239,11 @@ public slots:
     void enableUndoRedo();
 
     // The caption: the file's name and the program's name joined by " - ";
-    // "new.cif" stands for an editor without a file.
+    // "new.cif" stands for an editor without a file. A "*" follows the name
+    // while the document has unsaved changes.
     void setCaption(const QString& fileName);
-    // "Line N, Column M", with " (File Modified)" for a modified text.
+    // "Line N, Column M", with " (File Modified)" for a modified text (not
+    // for one still being read from its file); marks the caption alike.
     void statusLineNumber();
 
 signals:
