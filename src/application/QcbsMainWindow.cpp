@@ -35,6 +35,7 @@
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
+#include "preferences/QcbsPreferencesDialog.hpp"
 #include "resources/QcbsXpmResource.hpp"
 #include "support/ORMALog.hpp"
 #include "validation/QcbsErrorListView.hpp"
@@ -691,6 +692,38 @@ void QcbsMainWindow::blockAdd(const QString& blockText) {
 }
 
 void QcbsMainWindow::toggleBoxView() { boxView_->setVisible(boxView_->isHidden()); }
+
+// --- preferences -----------------------------------------------------------------------
+
+void QcbsMainWindow::editPrefs() {
+    if (preferences_ == nullptr) {
+        const QcbsPreferencesDialog::Shared shared{
+            sharedData_->options(), sharedData_->dictionaryLoader(), sharedData_->dictionarySettings(),
+            sharedData_->fontStyles(), sharedData_->programDirectory()};
+        preferences_ = new QcbsPreferencesDialog(shared, this);
+        preferences_->setAttribute(Qt::WA_DeleteOnClose);
+        // The options reach every window through their change signal; the
+        // styles and dictionaries are shared objects changed in place, so
+        // every window is told to draw and check with them.
+        connect(preferences_, &QcbsPreferencesDialog::stylesChanged, this,
+                [] { initialiseAllInstSettings(); });
+        const auto everyWindow = [](void (*act)(QcbsMainWindow*)) {
+            for (QWidget* widget : QApplication::topLevelWidgets())
+                if (auto* window = qobject_cast<QcbsMainWindow*>(widget)) act(window);
+        };
+        connect(preferences_, &QcbsPreferencesDialog::dictionariesChanged, this, [everyWindow] {
+            everyWindow([](QcbsMainWindow* window) {
+                if (QcbsRichTextEdit* editor = window->currentEditor())
+                    editor->setDictionary(window->dictionary());
+            });
+        });
+        connect(preferences_, &QcbsPreferencesDialog::checkAgainRequested, this,
+                [everyWindow] { everyWindow([](QcbsMainWindow* window) { window->reparse(); }); });
+    }
+    preferences_->open();
+    preferences_->raise();
+    preferences_->activateWindow();
+}
 
 // --- help ------------------------------------------------------------------------------
 

@@ -29,6 +29,7 @@ class QcbsErrorListView;
 class QcbsHelpWindow;
 class QcbsLineNumberedTextEdit;
 class QcbsMainWindowActions;
+class QcbsPreferencesDialog;
 class QcbsRichTextEdit;
 class QcbsVisSorter;
 
@@ -172,6 +173,7 @@ public slots:
     void editInsertTemplate();
     void editSelectall();
     void combine();
+    // The preferences dialog (one per window, shown again when open).
     void editPrefs();
 
     // Search.
@@ -339,6 +341,7 @@ private:
     QStringList pendingOutputPaneWrites_;
     QPointer<QcbsHelpWindow> helpWindow_;
     QPointer<QcbsAboutBox> aboutBox_;
+    QPointer<QcbsPreferencesDialog> preferences_;
 
     QcbsCifDocument* document_ = nullptr;
     bool editorToolsOn_ = false;

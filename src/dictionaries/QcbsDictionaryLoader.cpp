@@ -17,10 +17,15 @@ QcbsDictionaryLoader::QcbsDictionaryLoader()
 QcbsDictionaryLoader::~QcbsDictionaryLoader() = default;
 
 QStringList QcbsDictionaryLoader::searchDirectories(const QString& programDirectory) {
+    return searchDirectories(programDirectory, addedDirectories());
+}
+
+QStringList QcbsDictionaryLoader::searchDirectories(const QString& programDirectory,
+                                                    const QStringList& added) {
     QStringList candidates;
     const QString named = qEnvironmentVariable(environmentVariable());
     for (const QString& directory : named.split(':', Qt::SkipEmptyParts)) candidates << directory;
-    candidates << addedDirectories();
+    candidates << added;
     // Beside an installed program, then in a development tree or an
     // application bundle.
     for (const char* suffix : {"/dict", "/../../dict", "/../Resources/dict", "/../../../libCif/dictionaries",

@@ -40,6 +40,8 @@ public:
 
     // The directories load() searches, in order, normalised, each once.
     static QStringList searchDirectories(const QString& programDirectory);
+    // The same with `added` in place of the directories the user added.
+    static QStringList searchDirectories(const QString& programDirectory, const QStringList& added);
     // The directories the user added, kept in the settings under
     // "dictionary directories" (a list of texts).
     static QStringList addedDirectories();
