@@ -89,7 +89,12 @@ QcbsCheckingPreferencesPage::QcbsCheckingPreferencesPage(QWidget* parent)
     show_->setObjectName("show mandatory items");
     show_->setToolTip("List the data items the file requires, section by section.");
     auto* fileRow = new QHBoxLayout;
-    fileRow->addWidget(new QLabel("Items file:", checks));
+    auto* fileLabel = new QLabel("&Items file:", checks);
+    fileLabel->setBuddy(mandatory_->lineEdit());
+    // Level with the line of the name, also when a reason shows below it.
+    fileLabel->setMinimumHeight(mandatory_->lineEdit()->sizeHint().height());
+    mandatory_->lineEdit()->setPlaceholderText("The file of mandatory data items");
+    fileRow->addWidget(fileLabel, 0, Qt::AlignTop);
     fileRow->addWidget(mandatory_, 1);
     fileRow->addWidget(show_, 0, Qt::AlignTop);
     checkLayout->addLayout(fileRow);

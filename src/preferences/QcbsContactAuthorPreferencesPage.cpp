@@ -26,8 +26,8 @@ QcbsContactAuthorPreferencesPage::QcbsContactAuthorPreferencesPage(QWidget* pare
     : QcbsPreferencesPage("Contact author", parent) {
     auto* layout = new QVBoxLayout(this);
     auto* intro = new QLabel(
-        "The author who answers for a publication. The publication wizard offers these details for the "
-        "publication's contact author.",
+        "The author who answers for a publication: the details kept for the contact author of the "
+        "publications you prepare.",
         this);
     intro->setWordWrap(true);
     layout->addWidget(intro);

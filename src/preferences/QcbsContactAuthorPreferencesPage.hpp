@@ -9,7 +9,7 @@ class QLineEdit;
 class QPlainTextEdit;
 
 // The Contact author page: name, address, phone, fax and e-mail of the
-// author who answers for a publication, which the publication wizard offers.
+// author who answers for a publication, kept for the publication data.
 class QcbsContactAuthorPreferencesPage : public QcbsPreferencesPage {
     Q_OBJECT
 public:

@@ -60,8 +60,16 @@ QcbsEditorPreferencesPage::QcbsEditorPreferencesPage(THandle<QcbsFontStyleSettin
         new QcbsFileField("template filename", "Template file", "CIF (*.cif);;All Files (*)", templates);
     auto* templateNote = new QLabel("Edit > Insert Template inserts this file at the cursor.", templates);
     templateNote->setEnabled(false);
+    template_->lineEdit()->setPlaceholderText("The template file, a CIF");
+    auto* fileRow = new QHBoxLayout;
+    auto* fileLabel = new QLabel("&File:", templates);
+    fileLabel->setBuddy(template_->lineEdit());
+    // Level with the line of the name, also when a reason shows below it.
+    fileLabel->setMinimumHeight(template_->lineEdit()->sizeHint().height());
+    fileRow->addWidget(fileLabel, 0, Qt::AlignTop);
+    fileRow->addWidget(template_, 1);
     templateLayout->addWidget(startWithTemplate_);
-    templateLayout->addWidget(template_);
+    templateLayout->addLayout(fileRow);
     templateLayout->addWidget(templateNote);
     layout->addWidget(templates);
     connect(startWithTemplate_, &QCheckBox::toggled, template_, [this] { template_->setReason(QString()); });

@@ -61,7 +61,7 @@ QcbsPreferencesDialog::QcbsPreferencesDialog(const Shared& shared, QWidget* pare
 
     for (QcbsPreferencesPage* page : pages_) page->showOptions(shared_.options->values());
     setCurrentPage(0);
-    resize(760, 700);
+    resize(780, 760);
 }
 
 QStringList QcbsPreferencesDialog::pageTitles() {
