@@ -3,6 +3,8 @@
 #include "cif/CifEditDistance.hpp"
 
 #include <algorithm>
+#include <array>
+#include <span>
 #include <vector>
 
 #include "cif/CifNames.hpp"
@@ -15,14 +17,26 @@ int cif_edit_distance(std::string_view a, std::string_view b, int bound) {
     if (std::abs(n - m) > bound) return beyond;
     // Three rows of the table of distances between prefixes; only the band
     // of cells within `bound` of the diagonal can stay within the bound.
-    std::vector<int> before(m + 1, beyond), previous(m + 1, beyond), current(m + 1, beyond);
+    // Data names are short: their rows live on the stack.
+    constexpr int kShort = 128;
+    std::array<int, 3 * kShort> rows;
+    std::vector<int> heap;
+    int* cells = rows.data();
+    if (m + 1 > kShort) {
+        heap.resize(3 * static_cast<std::size_t>(m + 1));
+        cells = heap.data();
+    }
+    std::span<int> before(cells, m + 1), previous(cells + m + 1, m + 1), current(cells + 2 * (m + 1), m + 1);
+    std::fill(cells, cells + 3 * (m + 1), beyond);
     for (int j = 0; j <= std::min(m, bound); ++j) previous[j] = j;
     for (int i = 1; i <= n; ++i) {
-        std::fill(current.begin(), current.end(), beyond);
-        if (i <= bound) current[0] = i;
         const int from = std::max(1, i - bound);
         const int to = std::min(m, i + bound);
-        int best = current[0];
+        // The row's storage last held the row three above. The cells right
+        // of the band were never written (the band only moves right); the
+        // one left of it, which this row reads, is set afresh.
+        current[from - 1] = from == 1 && i <= bound ? i : beyond;
+        int best = current[from - 1];
         for (int j = from; j <= to; ++j) {
             const bool same = cif_lower(a[i - 1]) == cif_lower(b[j - 1]);
             int cell = std::min({previous[j] + 1, current[j - 1] + 1, previous[j - 1] + (same ? 0 : 1)});

@@ -3,8 +3,11 @@
 // Each finding comes with its code, kind and the line of what it is about.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "cif/CifEditDistance.hpp"
 #include "cif/CifNumber.hpp"
@@ -90,6 +93,35 @@ TEST(CifEditDistance, CountsInsertionsRemovalsReplacementsAndSwapsUpToTheBound) 
     for (const Case& c : cases) {
         EXPECT_EQ(cif_edit_distance(c.a, c.b, c.bound), c.distance) << c.a << " " << c.b << " " << c.bound;
         EXPECT_EQ(cif_edit_distance(c.b, c.a, c.bound), c.distance) << c.b << " " << c.a << " " << c.bound;
+    }
+    // The banded count agrees with the whole table on many short names of
+    // few letters, where edits overlap most.
+    const auto whole = [](const std::string& a, const std::string& b) {
+        std::vector<std::vector<int>> d(a.size() + 1, std::vector<int>(b.size() + 1));
+        for (std::size_t i = 0; i <= a.size(); ++i)
+            for (std::size_t j = 0; j <= b.size(); ++j) {
+                if (i == 0 || j == 0) {
+                    d[i][j] = static_cast<int>(i + j);
+                    continue;
+                }
+                d[i][j] =
+                    std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] != b[j - 1])});
+                if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                    d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
+            }
+        return d[a.size()][b.size()];
+    };
+    std::mt19937 random(19);
+    const auto word = [&random] {
+        std::string text(random() % 9, ' ');
+        for (char& c : text) c = "ab_c"[random() % 4];
+        return text;
+    };
+    for (int n = 0; n < 3000; ++n) {
+        const std::string a = word(), b = word();
+        const int bound = static_cast<int>(random() % 4);
+        EXPECT_EQ(cif_edit_distance(a, b, bound), std::min(whole(a, b), bound + 1))
+            << a << " " << b << " " << bound;
     }
 }
 
