@@ -99,8 +99,10 @@ QcbsCheckingPreferencesPage::QcbsCheckingPreferencesPage(QWidget* parent)
     fileRow->addWidget(show_, 0, Qt::AlignTop);
     checkLayout->addLayout(fileRow);
     auto* note = new QLabel(
-        "The file lists data names under data_all (required of every block with crystal data and of the "
-        "document), data_publication and data_crystal; lines starting with # are comments.",
+        "The file lists data names under data_all (required somewhere in the document and in every block "
+        "with "
+        "crystal data), data_publication (somewhere in the document) and data_crystal (in every block with "
+        "crystal data); lines starting with # are comments.",
         checks);
     note->setWordWrap(true);
     note->setEnabled(false);
@@ -176,12 +178,13 @@ QString QcbsCheckingPreferencesPage::mandatoryItemsText(const QString& fileName)
             ++unrecognised;
         }
     });
-    static const char* const kMeaning[] = {"every block with crystal data and the document",
-                                           "the document (in some block)", "every block with crystal data"};
+    static const char* const kMeaning[] = {
+        "required somewhere in the document and in every block with crystal data",
+        "required somewhere in the document", "required in every block with crystal data"};
     QString text;
     for (int i = 0; i < 3; ++i) {
         const qsizetype count = items[i].size();
-        text += QString("%1 (required of %2): %3 %4\n")
+        text += QString("%1, %2: %3 %4\n")
                     .arg(kSections[i], kMeaning[i])
                     .arg(count)
                     .arg(count == 1 ? "item" : "items");

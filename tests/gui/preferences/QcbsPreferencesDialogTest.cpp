@@ -397,11 +397,11 @@ TEST(CheckingPreferences, TheMandatoryItemsFileIsShownSectionBySectionAsTheCheck
                    "data_publication\n_publ_author_name\ndata_Crystal\n_dropped_too\n"
                    "data_crystal\n  _exptl_crystal_colour\nnonsense\n");
     EXPECT_EQ(QcbsCheckingPreferencesPage::mandatoryItemsText(path),
-              "data_all (required of every block with crystal data and the document): 2 items\n"
+              "data_all, required somewhere in the document and in every block with crystal data: 2 items\n"
               "    _cell_volume\n    _cell_length_a\n\n"
-              "data_publication (required of the document (in some block)): 1 item\n"
+              "data_publication, required somewhere in the document: 1 item\n"
               "    _publ_author_name\n\n"
-              "data_crystal (required of every block with crystal data): 1 item\n"
+              "data_crystal, required in every block with crystal data: 1 item\n"
               "    _exptl_crystal_colour\n\n"
               "2 items stand under another heading or before any, not used.\n"
               "1 line was not understood and skipped.");
