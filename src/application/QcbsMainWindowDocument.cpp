@@ -378,7 +378,7 @@ void QcbsMainWindow::clearDocument() {
     document_->close();
     errorList_->removeAll();
     resetBlocksCombo();
-    boxView_->showNoItems();
+    loadBoxView();
     enableFileTools(false);
     enableParseTools(false);
     updateCaption();

@@ -151,8 +151,8 @@ TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorIconAndMenu) {
 // Take an action off this list when its work lands.
 TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
     for (A::Id id : {A::Combine, A::EditPrefs, A::Find, A::FindPrevious, A::FindNext, A::Replace, A::GoToLine,
-                     A::ItemHelp, A::PublicationWizard, A::CrystalWizard, A::EditLoop, A::NewLoop,
-                     A::SpecialCharacters, A::OpenInVelmora}) {
+                     A::PublicationWizard, A::CrystalWizard, A::EditLoop, A::NewLoop, A::SpecialCharacters,
+                     A::OpenInVelmora}) {
         windowAction(window_, id)->setEnabled(true);  // some start disabled
         window_.statusBar()->clearMessage();
         trigger(id);
