@@ -80,6 +80,10 @@ void QcbsCifBoxView::setCif(THandle<Cif> cif, const QString& singleBlockName) {
     storeOpenBoxes(open);
     const int x = horizontalScrollBar()->value();
     const int y = verticalScrollBar()->value();
+    // The current row, as the texts from its block row down.
+    QStringList current;
+    for (const QTreeWidgetItem* item = currentItem(); item != nullptr; item = item->parent())
+        current.prepend(item->text(0));
 
     setUpdatesEnabled(false);
     clear();
@@ -95,12 +99,27 @@ void QcbsCifBoxView::setCif(THandle<Cif> cif, const QString& singleBlockName) {
     applyOpenBoxes(open);
     if (!filter_.isEmpty())
         for (int i = 0; i < topLevelItemCount(); ++i) filterBlock(blockRow(i));
+    selectPath(current);
 
     // The scroll bars learn the new extent only once the rows are laid out.
     executeDelayedItemsLayout();
     horizontalScrollBar()->setValue(x);
     verticalScrollBar()->setValue(y);
     setUpdatesEnabled(true);
+}
+
+void QcbsCifBoxView::selectPath(const QStringList& texts) {
+    // Only among rows already made: selecting never opens anything.
+    QTreeWidgetItem* found = nullptr;
+    for (int i = 0; i < topLevelItemCount() && found == nullptr && !texts.isEmpty(); ++i)
+        if (topLevelItem(i)->text(0) == texts.first()) found = topLevelItem(i);
+    for (qsizetype depth = 1; depth < texts.size() && found != nullptr; ++depth) {
+        QTreeWidgetItem* parent = found;
+        found = nullptr;
+        for (int i = 0; i < parent->childCount() && found == nullptr; ++i)
+            if (parent->child(i)->text(0) == texts[depth]) found = parent->child(i);
+    }
+    if (found != nullptr) setCurrentItem(found);
 }
 
 void QcbsCifBoxView::storeOpenBoxes(OpenBoxMap& map) const {

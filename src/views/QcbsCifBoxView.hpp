@@ -104,6 +104,8 @@ protected:
 
 private:
     void filterBlock(QcbsCifBoxBlockItem* block);
+    // Makes current the row reached by these texts from the top, if it is made.
+    void selectPath(const QStringList& texts);
     void showWholeTree();
 
     THandle<Cif> cif_;

@@ -18,11 +18,14 @@ QString qs(const std::string& text) { return QString::fromStdString(text); }
 QString escaped(const QString& text) { return text.toHtmlEscaped(); }
 
 // The definition text as the dictionary indents it, without the common
-// indentation and the blank lines around it.
+// indentation and the blank lines around it. The first line follows the
+// text field's ";" and is indented on its own.
 QString dedented(const std::string& text) {
     QStringList lines = qs(text).split('\n');
     while (!lines.isEmpty() && lines.first().trimmed().isEmpty()) lines.removeFirst();
     while (!lines.isEmpty() && lines.last().trimmed().isEmpty()) lines.removeLast();
+    if (lines.isEmpty()) return QString();
+    const QString first = lines.takeFirst().trimmed();
     qsizetype indent = -1;
     for (const QString& line : lines) {
         if (line.trimmed().isEmpty()) continue;
@@ -31,6 +34,7 @@ QString dedented(const std::string& text) {
         indent = indent < 0 ? blanks : std::min(indent, blanks);
     }
     for (QString& line : lines) line = line.mid(std::max<qsizetype>(indent, 0));
+    lines.prepend(first);
     return lines.join('\n');
 }
 
@@ -236,9 +240,15 @@ QString QcbsDataItemInfo::definitionHtml(const THandle<CifDictionary>& dictionar
              listText(definition->list) + (definition->list_mandatory ? "; every loop of its category "
                                                                         "must hold it"
                                                                       : ""));
-    page.row("Loop must hold", page.links(definition->list_reference));
-    page.row("Parent", page.links(definition->list_link_parent));
-    page.row("Children", page.links(definition->list_link_child));
+    // These may name a prefix of several names ("_geom_bond_atom_site_label_").
+    const auto names = [&](const std::vector<std::string>& list) {
+        QStringList parts;
+        for (const std::string& name : list) parts << page.related(name, definition->category);
+        return parts.join(", ");
+    };
+    page.row("Loop must hold", names(definition->list_reference));
+    page.row("Parent", names(definition->list_link_parent));
+    page.row("Children", names(definition->list_link_child));
 
     QStringList related;
     QStringList replacements;

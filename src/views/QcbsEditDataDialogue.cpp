@@ -101,6 +101,7 @@ QGroupBox* QcbsEditDataDialogue::makeValueWidget(const QString& currentValue) {
             10);
         editor_->setMinimumHeight(QFontMetrics(editor_->font()).lineSpacing() * lines + 12);
         layout->addWidget(editor_);
+        editor_->setFocus();
         return box;
     }
     layout->addWidget(new QLabel("Select data item value from enumeration list:"));
@@ -119,6 +120,7 @@ QGroupBox* QcbsEditDataDialogue::makeValueWidget(const QString& currentValue) {
     else
         choice_->setEditText(currentValue);
     layout->addWidget(choice_);
+    choice_->setFocus();
     return box;
 }
 

@@ -212,7 +212,7 @@ TEST_F(CifBoxView, OpenBlocksAndCategoriesAndTheScrollPositionSurviveANewCheckMa
     row(0, "_cell_[]");
     row(0, "_atom_site_[]");
     row(1, "_exptl_[]");
-    view_.blockRow(0)->child(0)->child(0)->setSelected(true);
+    view_.setCurrentItem(row(0, "_cell_[]", "_cell_length_a"));
     view_.verticalScrollBar()->setValue(6);
 
     // The second block is renamed in the new text; _cell_length_c appears.
@@ -230,6 +230,9 @@ TEST_F(CifBoxView, OpenBlocksAndCategoriesAndTheScrollPositionSurviveANewCheckMa
     EXPECT_FALSE(view_.blockRow(1)->isExpanded());
     EXPECT_EQ(view_.blockRow(1)->childCount(), 0);
     EXPECT_EQ(view_.verticalScrollBar()->value(), 6);
+    ASSERT_NE(view_.currentItem(), nullptr);
+    EXPECT_EQ(view_.currentItem()->text(0), "_cell_length_a");
+    EXPECT_EQ(view_.currentItem()->parent()->parent(), first);
     // The rows are those of the new check.
     EXPECT_EQ(row(0, "_cell_[]", "_cell_length_c")->icon(), Item::ItemIcon);
 }

@@ -43,6 +43,8 @@ TEST(DataItemInfo, ADefinitionGivesTypeUnitsRangePermittedValuesLoopRulesAndItsT
         {"_atom_site_type_symbol", {"Loop must hold _atom_site_label", "Parent _atom_type_symbol"}},
         {"_atom_site_refinement_flags", {". no constraints", "S special position"}},
         {"_publ_author_name", {"Category publ_author", "may be looped or not"}},
+        // A name prefix stands for the names of the category it begins.
+        {"_refln_F_squared_meas", {"Loop must hold _refln_index_h, _refln_index_k, _refln_index_l"}},
         {"_atom_site_[]", {"Category atom_site", "Data names _atom_site_label,", "Atom sites."}},
     };
     for (const auto& c : cases) {
