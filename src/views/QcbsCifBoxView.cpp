@@ -51,6 +51,7 @@ QcbsCifBoxView::QcbsCifBoxView(QWidget* parent, const char* name) : QTreeWidget(
 
 void QcbsCifBoxView::showNoItems() {
     cif_ = THandle<Cif>();
+    followOpened_.clear();
     clear();
     auto* item = new QTreeWidgetItem(this, QStringList{noItemsText()});
     // Shown greyed and not selectable: it stands for no item at all.
@@ -81,9 +82,7 @@ void QcbsCifBoxView::setCif(THandle<Cif> cif, const QString& singleBlockName) {
     const int x = horizontalScrollBar()->value();
     const int y = verticalScrollBar()->value();
     // The current row, as the texts from its block row down.
-    QStringList current;
-    for (const QTreeWidgetItem* item = currentItem(); item != nullptr; item = item->parent())
-        current.prepend(item->text(0));
+    const QStringList current = pathOf(currentItem());
 
     setUpdatesEnabled(false);
     clear();
@@ -99,7 +98,7 @@ void QcbsCifBoxView::setCif(THandle<Cif> cif, const QString& singleBlockName) {
     applyOpenBoxes(open);
     if (!filter_.isEmpty())
         for (int i = 0; i < topLevelItemCount(); ++i) filterBlock(blockRow(i));
-    selectPath(current);
+    if (QTreeWidgetItem* row = rowAt(current)) setCurrentItem(row);
 
     // The scroll bars learn the new extent only once the rows are laid out.
     executeDelayedItemsLayout();
@@ -108,18 +107,24 @@ void QcbsCifBoxView::setCif(THandle<Cif> cif, const QString& singleBlockName) {
     setUpdatesEnabled(true);
 }
 
-void QcbsCifBoxView::selectPath(const QStringList& texts) {
-    // Only among rows already made: selecting never opens anything.
+QStringList QcbsCifBoxView::pathOf(const QTreeWidgetItem* item) {
+    QStringList texts;
+    for (; item != nullptr; item = item->parent()) texts.prepend(item->text(0));
+    return texts;
+}
+
+QTreeWidgetItem* QcbsCifBoxView::rowAt(const QStringList& texts) const {
+    // Only among rows already made: finding a row never opens anything.
     QTreeWidgetItem* found = nullptr;
     for (int i = 0; i < topLevelItemCount() && found == nullptr && !texts.isEmpty(); ++i)
         if (topLevelItem(i)->text(0) == texts.first()) found = topLevelItem(i);
     for (qsizetype depth = 1; depth < texts.size() && found != nullptr; ++depth) {
-        QTreeWidgetItem* parent = found;
+        const QTreeWidgetItem* parent = found;
         found = nullptr;
         for (int i = 0; i < parent->childCount() && found == nullptr; ++i)
             if (parent->child(i)->text(0) == texts[depth]) found = parent->child(i);
     }
-    if (found != nullptr) setCurrentItem(found);
+    return found;
 }
 
 void QcbsCifBoxView::storeOpenBoxes(OpenBoxMap& map) const {
@@ -197,13 +202,31 @@ bool QcbsCifBoxView::showDataItem(const THandle<CifDataBlock>& block, const QStr
         for (int j = 0; j < row->childCount(); ++j) {
             QTreeWidgetItem* item = row->child(j);
             if (!item->isHidden() && item->text(0).compare(dataName, Qt::CaseInsensitive) == 0) {
-                blockItem->setOpen(true);
-                row->setOpen(true);
                 target = item;
                 break;
             }
         }
     }
+    // Rows opened only to show an earlier item close again once the item
+    // shown lies elsewhere, so that following the cursor does not leave a
+    // trail of open categories. Rows the user opened stay as they are.
+    QList<QTreeWidgetItem*> needed;
+    for (QTreeWidgetItem* up = target->parent(); up != nullptr; up = up->parent()) needed.prepend(up);
+    QList<QStringList> opened;
+    for (const QStringList& path : std::as_const(followOpened_)) {
+        QTreeWidgetItem* row = rowAt(path);
+        if (row == nullptr || !row->isExpanded()) continue;
+        if (needed.contains(row))
+            opened << path;
+        else
+            static_cast<QcbsCifBoxItem*>(row)->setOpen(false);
+    }
+    for (QTreeWidgetItem* row : needed) {
+        if (row->isExpanded()) continue;
+        static_cast<QcbsCifBoxItem*>(row)->setOpen(true);
+        opened << pathOf(row);
+    }
+    followOpened_ = opened;
     scrollToItem(target);
     setCurrentItem(target);
     return true;

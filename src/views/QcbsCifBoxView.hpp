@@ -50,8 +50,10 @@ public:
     // Selects the first block row of that text and scrolls it into view.
     void goToBlock(const QString& name);
     // Selects the row of the data name in the block (opening what holds it)
-    // and scrolls it into view; without such a row, the block's row. Nothing
-    // happens when no row stands for the block. Tells whether a row was selected.
+    // and scrolls it into view; without such a row, the block's row. Rows it
+    // opened for an earlier name close again when the new one lies elsewhere.
+    // Nothing happens when no row stands for the block. Tells whether a row
+    // was selected.
     bool showDataItem(const THandle<CifDataBlock>& block, const QString& dataName);
 
     void storeOpenBoxes(OpenBoxMap& map) const;
@@ -104,8 +106,10 @@ protected:
 
 private:
     void filterBlock(QcbsCifBoxBlockItem* block);
-    // Makes current the row reached by these texts from the top, if it is made.
-    void selectPath(const QStringList& texts);
+    // A row as the texts from its block row down, and the row of such texts
+    // among the rows made (null when there is none).
+    static QStringList pathOf(const QTreeWidgetItem* item);
+    QTreeWidgetItem* rowAt(const QStringList& texts) const;
     void showWholeTree();
 
     THandle<Cif> cif_;
@@ -113,4 +117,6 @@ private:
     Listing listing_ = QcbsCifBoxBlockItem::DictionaryItems;
     QString filter_;
     QPoint menuPosition_;
+    // The rows showDataItem() opened (and the user left open), by their texts.
+    QList<QStringList> followOpened_;
 };

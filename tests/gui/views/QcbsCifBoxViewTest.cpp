@@ -288,9 +288,19 @@ TEST_F(CifBoxView, TheRowOfTheItemAtTheCursorIsSelectedAndGoingToABlockSelectsIt
             texts.prepend(item->text(0));
         return texts.join(" / ");
     };
+    Item* userOpened = row(0, "_cell_[]");  // opened by the user: it stays open
     EXPECT_TRUE(view_.showDataItem(cif->block(1), "_CELL_LENGTH_A"));
     EXPECT_EQ(path(), "second / _cell_[] / _cell_length_a");
     EXPECT_TRUE(view_.blockRow(1)->isExpanded());
+    // Moving on closes what was opened only to show the last item.
+    EXPECT_TRUE(view_.showDataItem(cif->block(0), "_exptl_absorpt_correction_type"));
+    EXPECT_EQ(path(), "first / _exptl_[] / _exptl_absorpt_correction_type");
+    EXPECT_FALSE(view_.blockRow(1)->isExpanded());
+    EXPECT_FALSE(view_.blockRow(1)->child(0)->isExpanded());
+    EXPECT_TRUE(view_.showDataItem(cif->block(0), "_atom_site_label"));
+    EXPECT_FALSE(view_.blockRow(0)->child(3)->isExpanded()) << "_exptl_[]";
+    EXPECT_TRUE(userOpened->isExpanded());
+    EXPECT_TRUE(view_.blockRow(0)->isExpanded());
     // A name no dictionary defines: its block, or its row under the heading.
     EXPECT_TRUE(view_.showDataItem(cif->block(0), "_made_up_thing"));
     EXPECT_EQ(path(), "first");
