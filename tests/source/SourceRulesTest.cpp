@@ -44,6 +44,7 @@ const FolderLicence kLicences[] = {
     {"bench/document", kGpl},
     {"bench/editor", kGpl},
     {"bench/highlight", kGpl},
+    {"bench/tree", kGpl},
 };
 
 // One source file: its path in the source tree ("src/editor/QcbsUnicode.cpp") and its folder
