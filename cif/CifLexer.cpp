@@ -96,7 +96,7 @@ CifToken CifLexer::next() {
                 scan_quoted(token, false);
             }
         } else if (c == ';' && at_line_start(p_)) {
-            scan_text_field(token);
+            scan_text_field(token, false);
         } else if (version_ >= 2 && (c == '[' || c == '{')) {
             scan_compound(token);
         } else if (version_ >= 2 && (c == ']' || c == '}')) {
@@ -258,7 +258,7 @@ void CifLexer::scan_triple_quoted(CifToken& token) {
     limit_size(token);
 }
 
-void CifLexer::scan_text_field(CifToken& token) {
+void CifLexer::scan_text_field(CifToken& token, bool in_compound) {
     int open_line = line_;
     const char* start = p_ + 1;
     const char* s = start;
@@ -276,6 +276,10 @@ void CifLexer::scan_text_field(CifToken& token) {
         if (s < end_ && *s == ';') {
             token.length = static_cast<std::size_t>(newline - start);
             p_ = s + 1;
+            // ";_b 1" closes the field; the text after it is read on as the next
+            // token. A comment may follow directly.
+            if (p_ < end_ && !is_space(*p_) && *p_ != '#' && !(in_compound && (*p_ == ']' || *p_ == '}')))
+                errors_.add(CifError::missing_white_space, line_, ";");
             limit_size(token);
             return;
         }
@@ -397,7 +401,7 @@ void CifLexer::scan_compound(CifToken& token) {
             continue;
         }
         if (c == ';' && at_line_start(p_)) {
-            scan_text_field(element);
+            scan_text_field(element, true);
         } else {
             scan_unquoted(element, true);
         }

@@ -64,7 +64,9 @@ void CheckReport::add(const FileCheckResult& result) {
         for (const CifError& message : result.messages) {
             out_ << (first_message ? "\n" : ",\n") << "    {\"line\": " << message.line()
                  << ", \"kind\": " << json_string(kind_name(message.type())) << ", \"code\": " << message.id()
-                 << ", \"message\": " << json_string(message.message()) << "}";
+                 << ", \"message\": " << json_string(message.message())
+                 << ", \"item\": " << json_string(message.text())
+                 << ", \"detail\": " << json_string(message.detail()) << "}";
             first_message = false;
         }
         out_ << (first_message ? "]}" : "\n  ]}");

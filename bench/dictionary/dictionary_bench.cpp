@@ -50,14 +50,18 @@ std::string reflection_loop(long rows, bool core_names) {
                        : "_refln.index_h\n_refln.index_k\n_refln.index_l\n_refln.F_meas_au\n"
                          "_refln.F_meas_sigma_au\n_refln.status\n";
     std::mt19937 random(7);
-    std::uniform_int_distribution<int> index(-60, 60);
     std::uniform_real_distribution<double> value(1.0, 9999.0);
     char line[96];
     text.reserve(static_cast<std::size_t>(rows) * 40);
+    // Each reflection once, in order, as merged data lists them (the
+    // indices are the loop's key).
+    constexpr long side = 126;
     for (long r = 0; r < rows; ++r) {
         double f = value(random);
-        int n = std::snprintf(line, sizeof line, "%4d%4d%4d %10.2f %8.2f o\n", index(random), index(random),
-                              index(random), f, f / 37.0);
+        int h = static_cast<int>(r / (side * side) % side - side / 2);
+        int k = static_cast<int>(r / side % side - side / 2);
+        int l = static_cast<int>(r % side - side / 2);
+        int n = std::snprintf(line, sizeof line, "%4d%4d%4d %10.2f %8.2f o\n", h, k, l, f, f / 37.0);
         text.append(line, static_cast<std::size_t>(n));
     }
     return text;

@@ -69,7 +69,8 @@ TEST(CheckReport, JsonCarriesTheMessagesEscapedWithCountsPerFileAndInAll) {
          {"{\"file\": \"dir/broken.cif\", \"errors\": 1, \"warnings\": 1, \"remarks\": 0",
           "{\"line\": 2, \"kind\": \"warning\", \"code\": 318, ",
           "{\"line\": 3, \"kind\": \"error\", \"code\": 305, \"message\": \"Quoted string not "
-          "terminated: 'it \\\"x\\\"\"}",
+          "terminated: 'it \\\"x\\\"\", \"item\": \"'it \\\"x\\\"\", \"detail\": \"\"}",
+          "\"item\": \"\", \"detail\": \"80\"}",
           "\"errors\": 1, \"warnings\": 1, \"remarks\": 0, \"unreadable\": 0}"}) {
         EXPECT_NE(out.str().find(part), std::string::npos) << part << "\n" << out.str();
     }
