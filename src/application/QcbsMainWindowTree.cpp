@@ -125,8 +125,8 @@ void QcbsMainWindow::dataitemHelp() {
     QcbsCifBoxView* tree = boxView_->hasFocus()                                        ? boxView_
                            : treeDialog_ != nullptr && treeDialog_->view()->hasFocus() ? treeDialog_->view()
                                                                                        : nullptr;
-    if (tree != nullptr && tree->currentItem() != nullptr &&
-        tree->currentItem()->type() != QcbsCifBoxItem::BlockRow)
+    const int kind = tree != nullptr && tree->currentItem() != nullptr ? tree->currentItem()->type() : 0;
+    if (kind == QcbsCifBoxItem::CategoryRow || kind == QcbsCifBoxItem::DataRow)
         name = tree->currentItem()->text(0);
     else if (QcbsRichTextEdit* editor = currentEditor())
         name = editor->currentDataItem(true);

@@ -239,6 +239,15 @@ TEST_F(MainWindowTree, HelpShowsTheDefinitionOfTheNameAtTheCursorOrOfATreeRow) {
     editor()->setCursorPosition(0, 0);
     window_->dataitemHelp();
     EXPECT_TRUE(statusMessage(*window_).startsWith("No data name to give help on"));
+
+    // With the focus in the tree, F1 is about its current row.
+    window_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    tree()->setFocus();
+    ASSERT_TRUE(waitUntil([&] { return tree()->hasFocus(); }));
+    tree()->setCurrentItem(row(0, "_exptl_[]", "_exptl_absorpt_correction_type"));
+    QTest::keyClick(tree(), Qt::Key_F1);
+    EXPECT_EQ(window_->helpDialogue()->info()->dataName(), "_exptl_absorpt_correction_type");
 }
 
 TEST_F(MainWindowTree, TheTreeSelectsTheItemAtTheCursorAndTheBlockChosenInTheBlockChooser) {
