@@ -70,11 +70,11 @@ int CifDataItem::validate(const std::string& value) const {
 
 int CifDataItem::validate_values() const {
     if (dictionary_.is_null() || !dictionary_->has_definitions()) return 0;
-    const CifItemDefinition* definition = dictionary_->definition(name_);
+    const CifItemDefinition* definition = dictionary_->definition(name());
     if (definition == nullptr) {
         // A dictionary that answers only check_value: every value gets asked.
         for (std::size_t n = 0; n < values_.size(); ++n)
-            if (const int code = dictionary_->check_value(name_, std::string(value_view(n)), looped_))
+            if (const int code = dictionary_->check_value(name(), std::string(value_view(n)), looped_))
                 return code;
         return 0;
     }
