@@ -32,16 +32,20 @@ std::string joined(const std::vector<std::string>& names) {
 }  // namespace
 
 CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
-                                     const std::unordered_set<const CifDataItem*>* checked)
+                                     const std::unordered_set<const CifDataItem*>* checked,
+                                     const Notes* notes)
     : reporter_(reporter),
       dictionary_(reporter.dictionary()),
       sink_(reporter.sink()),
       names_(names),
       values_(values),
-      checked_(checked) {}
+      checked_(checked),
+      notes_(notes),
+      keys_(dictionary_) {}
 
 void CifBlockValidator::validate(const CifDataBlock& block) {
     linked_.clear();
+    block_ = &block;
     for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it) {
         if (!(*it)->is_looped()) validate_single(**it);
     }
@@ -50,7 +54,7 @@ void CifBlockValidator::validate(const CifDataBlock& block) {
 }
 
 void CifBlockValidator::check_parents(const CifDataBlock& block) {
-    for (const auto& [item, definition] : linked_) {
+    for (const auto& [item, definition, rows] : linked_) {
         THandle<CifDataItem> parent;
         for (const std::string& name : definition->list_link_parent) {
             parent = block.find(name);
@@ -61,10 +65,12 @@ void CifBlockValidator::check_parents(const CifDataBlock& block) {
                       definition->list_link_parent[0]);
             continue;
         }
+        // A parent whose rows a syntax problem damaged may lack any value.
+        if (sound_rows(*parent) < parent->size()) continue;
         std::unordered_set<std::string_view> known;
         for (std::size_t n = 0; n < parent->size(); ++n) known.insert(parent->value_view(n));
         std::unordered_set<std::string_view> reported;
-        for (std::size_t n = 0; n < item->size(); ++n) {
+        for (std::size_t n = 0; n < rows; ++n) {
             std::string_view value = item->value_view(n);
             if (CifValueCheck::is_null_value(value, item->is_quoted(n)) || known.count(value) != 0 ||
                 !reported.insert(value).second)
@@ -76,19 +82,58 @@ void CifBlockValidator::check_parents(const CifDataBlock& block) {
     }
 }
 
+std::string CifBlockValidator::suggestion(const std::string& name) const {
+    // Short names are near too many others: one edit for them, two for the rest.
+    const std::size_t letters = name.size() > 0 ? name.size() - 1 : 0;
+    const int edits = letters >= 8 ? 2 : letters >= 4 ? 1 : 0;
+    // Validation replies (_vrf_...) are meant to be undefined.
+    if (edits == 0 || cif_lowercase(name).find("_vrf") != std::string::npos) return {};
+    const std::vector<CifDictionary::SimilarName> similar = dictionary_.similar_names(name, edits);
+    if (similar.empty()) return {};
+    // The nearest names only, at most three of them.
+    std::vector<std::string> names;
+    for (const CifDictionary::SimilarName& candidate : similar) {
+        if (candidate.edits != similar.front().edits || names.size() == 3) break;
+        names.push_back(candidate.name);
+    }
+    std::string text = "; did you mean ";
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0) text += i + 1 == names.size() ? " or " : ", ";
+        text += names[i];
+    }
+    return text + "?";
+}
+
 void CifBlockValidator::validate_single(const CifDataItem& item) {
     const CifItemDefinition* definition = dictionary_.definition(item.name());
     if (definition == nullptr) {
         if (!dictionary_.is_defined(item.name())) {
-            if (names_) sink_.add(CifError::undefined_data_name, item.line(), item.name());
+            if (names_)
+                sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item.name()));
             return;
         }
-    } else if (values_) {
-        if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
-            reporter_.report(result, item.line(), item.name());
-        if (!definition->list_link_parent.empty()) linked_.emplace_back(&item, definition);
+    } else {
+        if (names_) check_replaced(item, *definition);
+        if (values_) {
+            if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
+                reporter_.report(result, item.line(), item.name());
+            if (!definition->list_link_parent.empty()) linked_.push_back({&item, definition, item.size()});
+        }
     }
     if (values_) reporter_.check_all(item, definition);
+}
+
+void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
+    std::vector<std::string> replacements, present;
+    for (const CifItemDefinition::Related& related : definition.related) {
+        if (!cif_iequals(related.function, "replace")) continue;
+        replacements.push_back(related.name);
+        if (!block_->find(related.name).is_null()) present.push_back(related.name);
+    }
+    if (replacements.empty()) return;
+    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), joined(replacements));
+    if (!present.empty())
+        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), joined(present));
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
@@ -98,20 +143,32 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         const CifItemDefinition* definition = dictionary_.definition(item->name());
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
-            sink_.add(CifError::undefined_data_name, item->line(), item->name());
+            sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(item->name()));
+        if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;
+    const LoopNotes* notes = nullptr;
+    if (notes_ != nullptr) {
+        auto found = notes_->find(loop.front().get());
+        if (found != notes_->end()) notes = &found->second;
+    }
+    // Rows a syntax problem damaged give no key or parent findings.
+    const std::size_t rows = loop.front()->size();
+    const std::size_t sound = notes == nullptr ? rows : std::min(rows, notes->first_damaged_row);
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (definitions[i] == nullptr) continue;
         if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
             reporter_.report(result, loop[i]->line(), loop[i]->name());
-        if (!definitions[i]->list_link_parent.empty()) linked_.emplace_back(loop[i].get(), definitions[i]);
+        if (!definitions[i]->list_link_parent.empty())
+            linked_.push_back({loop[i].get(), definitions[i], std::min(sound, loop[i]->size())});
     }
-    check_loop_keys(loop, definitions);
+    static const std::vector<std::string> none;
+    check_loop_keys(loop, definitions, notes == nullptr ? none : notes->dropped_names);
+    static const std::vector<CifKeyOrder> unsorted;
+    keys_.check(loop, definitions, sound, reporter_, notes == nullptr ? unsorted : notes->sorted_keys);
     if (checked_ != nullptr && checked_->count(loop.front().get()) != 0) return;
     const std::string& text = loop.front()->store()->text();
     CifLoopChecker checker(reporter_, text.data(), text.size());
-    std::size_t rows = loop.front()->size();
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (loop[i]->size() == rows) {
             checker.add(*loop[i], definitions[i]);
@@ -123,7 +180,13 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
 }
 
 void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
-                                        const std::vector<const CifItemDefinition*>& definitions) {
+                                        const std::vector<const CifItemDefinition*>& definitions,
+                                        const std::vector<std::string>& dropped) {
+    auto has = [&](std::string_view reference) {
+        return loop_has(loop, reference) ||
+               std::any_of(dropped.begin(), dropped.end(),
+                           [&](const std::string& name) { return satisfies(name, reference); });
+    };
     // One category per loop, and within it one key: columns that refer to
     // different keys (_atom_site_label, _atom_site_aniso_label) are rows of
     // different lists even where the dictionary files them under one category.
@@ -156,7 +219,7 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
         const CifItemDefinition* definition = definitions[i];
         if (definition == nullptr) continue;
         for (const std::string& reference : definition->list_reference) {
-            if (loop_has(loop, reference) || !reported.insert(cif_lowercase(reference)).second) continue;
+            if (has(reference) || !reported.insert(cif_lowercase(reference)).second) continue;
             std::string key = reference;
             if (!reference.empty() && reference.back() == '_') {
                 std::vector<std::string> family;
@@ -176,7 +239,7 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
             !definition->list_link_parent.empty() || definition->category.empty())
             continue;
         for (const std::string& mandatory : mandatory_items(definition->category)) {
-            if (loop_has(loop, mandatory)) continue;
+            if (has(mandatory)) continue;
             bool covered = std::any_of(reported.begin(), reported.end(), [&](const std::string& reference) {
                 return satisfies(mandatory, reference);
             });
@@ -184,6 +247,18 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
             sink_.add(CifError::loop_key_missing, loop[i]->line(), loop[i]->name(), mandatory);
         }
     }
+}
+
+std::size_t CifBlockValidator::sound_rows(const CifDataItem& item) const {
+    if (notes_ == nullptr || !item.is_looped()) return item.size();
+    for (const CifDataBlock::ItemList& loop : block_->loops()) {
+        if (std::none_of(loop.begin(), loop.end(),
+                         [&](const THandle<CifDataItem>& column) { return column.get() == &item; }))
+            continue;
+        auto found = notes_->find(loop.front().get());
+        return found == notes_->end() ? item.size() : std::min(item.size(), found->second.first_damaged_row);
+    }
+    return item.size();
 }
 
 const std::vector<std::string>& CifBlockValidator::mandatory_items(const std::string& category) {

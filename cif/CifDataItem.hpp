@@ -21,7 +21,7 @@ public:
     explicit CifDataItem(std::string name, THandle<CifTextStore> store = THandle<CifTextStore>(),
                          THandle<CifDictionary> dictionary = THandle<CifDictionary>(), int line = -1);
 
-    const std::string& name() const { return name_; }
+    const std::string& name() const { return *name_; }
     // The 1-based line of the data name in the text read, -1 for new items.
     int line() const { return line_; }
     void set_line(int line) { line_ = line; }
@@ -57,6 +57,12 @@ public:
     // 0 when the dictionary accepts the candidate value for this data name,
     // otherwise the code (CifError::ErrorID) of the first problem.
     int validate(const std::string& value) const;
+    // The same for the item's own values, all of them (every row of a loop
+    // column) and the loop rule: 0 when the dictionary accepts the item as
+    // it stands, otherwise the code of the first problem found. Plain
+    // numbers and listed codes pass a quick look, so a long column costs a
+    // few instructions a value.
+    int validate_values() const;
 
     THandle<CifDictionary> dictionary() const { return dictionary_; }
     const THandle<CifTextStore>& store() const { return store_; }
@@ -71,8 +77,8 @@ private:
     friend class CifDataBlock;
     void set_looped(bool looped) { looped_ = looped; }
 
-    std::string name_;
     THandle<CifTextStore> store_;
+    const std::string* name_;  // kept by the store
     THandle<CifDictionary> dictionary_;
     CifValueColumn values_;
     int line_;

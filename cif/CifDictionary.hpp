@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cif/CifEnumeration.hpp"
@@ -62,13 +63,28 @@ public:
     // the dictionary's order, each once regardless of case: what an editor
     // offers when the user starts to type a name.
     virtual std::vector<std::string> data_names() const { return {}; }
+    // A defined data name and how many edits it lies from the name asked for.
+    struct SimilarName {
+        std::string name;  // as the dictionary writes it
+        int edits;
+    };
+    // The defined data names at most `max_edits` edits from `data_name`
+    // (see cif_edit_distance), nearest first and in the dictionary's order
+    // among equals; category overviews are left out. Meant for names the
+    // dictionary lacks, to suggest what may have been meant.
+    virtual std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const {
+        (void)data_name;
+        (void)max_edits;
+        return {};
+    }
 
     // Shorthands over definition(); empty answers for undefined names.
     std::vector<Enumeration> enumerations(const std::string& data_name) const;
     std::string definition_text(const std::string& data_name) const;
     std::string category_of(const std::string& data_name) const;
-    // The data names of a category that every loop of it must carry (_list_mandatory).
-    std::vector<std::string> mandatory_items(const std::string& category) const;
+    // The data names of a category that every loop of it must carry
+    // (_list_mandatory). The default goes through category_items().
+    virtual std::vector<std::string> mandatory_items(const std::string& category) const;
 
     // "atom_site" for "_atom_site_[]", "_atom_site" or "atom_site".
     static std::string plain_category_name(const std::string& category);

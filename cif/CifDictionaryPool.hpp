@@ -43,6 +43,9 @@ public:
     std::vector<std::string> category_items(const std::string& category) const override;
     // Every member's data names in member order, each name once.
     std::vector<std::string> data_names() const override;
+    std::vector<std::string> mandatory_items(const std::string& category) const override;
+    // The members' similar names merged: nearest first, each name once.
+    std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
 
 private:
     std::vector<THandle<CifConcreteDictionary>> members_;

@@ -9,7 +9,7 @@
 // about (text) and an optional detail that the catalogue's message shows.
 class CifError {
 public:
-    // Codes 300-366; CifErrorCatalogue gives each its kind, message and
+    // Codes 300-369; CifErrorCatalogue gives each its kind, message and
     // explanation, and docs/errors.md lists them.
     enum ErrorID : int {
         warnings_omitted = 300,
@@ -79,6 +79,9 @@ public:
         defined_by_several_dictionaries = 364,
         internal_error = 365,
         too_many_messages = 366,
+        obsolete_beside_replacement = 367,
+        loop_values_shifted = 368,
+        composite_key_not_unique = 369,
     };
 
     // 0 remark, 1 warning, 2 error; any other value is information.

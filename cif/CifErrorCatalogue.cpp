@@ -69,9 +69,10 @@ constexpr CifErrorCatalogueEntry table[] = {
      "many programs and journals expect 80)."},
     {319, 2, "data_name_too_long", "Data name %1 is longer than %2 characters",
      "CIF 1.1 limits data names, including the leading underscore, to 75 characters."},
-    {320, 1, "undefined_data_name", "Created non-standard data item %1",
-     "The data name is not defined by any enabled dictionary; it may be misspelt, or it is local to a "
-     "program. The editor leaves out names that contain _vrf (answers to validation alerts)."},
+    {320, 1, "undefined_data_name", "Created non-standard data item %1%2",
+     "The data name is not defined by any enabled dictionary; it may be misspelt (a defined name one or two "
+     "edits away is suggested), or it is local to a program. The editor leaves out names that contain _vrf "
+     "(answers to validation alerts)."},
     {321, 2, "block_name_too_long", "Data block name %1 is longer than %2 characters",
      "CIF 1.1 limits block codes (the name after data_) to 75 characters."},
     {322, 2, "block_without_name", "Data block heading data_ has no name",
@@ -96,9 +97,10 @@ constexpr CifErrorCatalogueEntry table[] = {
     {329, 1, "loop_mixes_categories", "Loop mixes data names of different categories: %1",
      "All data names of one loop should belong to the same category (or to categories the dictionary allows "
      "together)."},
-    {330, 1, "reserved_first_character", "Unquoted value %1 begins with a reserved character",
-     "In CIF 1.1 an unquoted value may not begin with [ or ] (reserved for CIF 2.0 lists) or $ (reserved for "
-     "save-frame references); quote the value."},
+    {330, 2, "reserved_first_character", "Unquoted value %1 begins with a reserved character",
+     "In CIF 1.1 an unquoted value may not begin with [ or ] (reserved for CIF 2.0 lists) and in every "
+     "version not with $ (reserved for save-frame references); quote the value. The value is read as "
+     "written."},
     {331, 2, "nesting_too_deep", "Lists and tables are nested more than %2 deep",
      "CIF 2.0 lists and tables may nest, but not deeper than the reader allows; the deeper part is skipped."},
     {332, 2, "token_too_long", "Value or name longer than %2 bytes",
@@ -116,7 +118,9 @@ constexpr CifErrorCatalogueEntry table[] = {
     {337, 2, "unexpected_closing_bracket", "Unexpected %1 outside a list or table",
      "A ] or } closes no open list or table; CIF 2.0 requires brackets to be quoted in values."},
     {338, 2, "missing_white_space", "Missing white space after %1",
-     "In CIF 2.0 a quoted value, list or table must be followed by white space (or by a closing bracket)."},
+     "The semicolon that closes a text field, and in CIF 2.0 a quoted value, list or table, must be "
+     "followed by white space (or, inside a list or table, by a closing bracket). The text after it is "
+     "read as the next token, as if the white space were there."},
     {339, 1, "unknown_cif_version", "Unknown CIF version code %1; the text is read as CIF 1.1",
      "The first line is a #\\#CIF_ version code other than 1.1 or 2.0."},
     {340, 0, "no_final_line_end", "The last line has no line end",
@@ -163,18 +167,21 @@ constexpr CifErrorCatalogueEntry table[] = {
     {355, 2, "uncertainty_unreadable", "Standard uncertainty of %1 cannot be read",
      "A numeric value's standard uncertainty must be digits in parentheses directly after the number, as in "
      "1.234(5)."},
-    {356, 1, "obsolete_data_name", "Data name %1 is obsolete; use %2",
-     "The dictionary marks the data name as replaced by a newer one; programs may ignore the old name."},
-    {357, 1, "required_item_missing", "Data item %1 requires %2, which is missing",
+    {356, 0, "obsolete_data_name", "Data name %1 is obsolete; use %2",
+     "The dictionary marks the data name as replaced by a newer one (_related_function replace); "
+     "programs may ignore the old name. The message names the replacement."},
+    {357, 0, "required_item_missing", "Data item %1 requires %2, which is missing",
      "The dictionary links the data item to a parent item (_list_link_parent), and the block lacks the"
-     " parent, for example atom-site type symbols without the atom-type loop."},
+     " parent, for example atom-site type symbols without the atom-type loop. A value missing from a "
+     "parent that is there is a warning (360)."},
     {358, 1, "loop_key_missing", "Loop of %1 lacks its key data item %2",
      "A loop lacks an item that its columns refer to (_list_reference, such as the atom label of "
      "anisotropic parameters) or that its category makes mandatory (_list_mandatory); the line is that"
      " of the first column concerned."},
     {359, 1, "duplicate_key_value", "Value %2 of %1 occurs in more than one row",
-     "The key data item of a loop must have a different value in each row (atom-site labels); the line"
-     " is that of the repeated value."},
+     "The key data item of a loop (one that other items of its category refer to, _list_reference, such "
+     "as atom-site labels or atom-type symbols) must have a different value in each row; each repeated "
+     "value is reported once, on the line of its first repetition."},
     {360, 1, "parent_value_missing", "Value %2 of %1 has no matching row in its parent item",
      "The data item refers to rows of another loop (for example an atom site label) and no row there "
      "has this value; each missing value is reported once, on the line of its first use."},
@@ -195,6 +202,21 @@ constexpr CifErrorCatalogueEntry table[] = {
     {366, 0, "too_many_messages", "Too many messages; later ones are not recorded",
      "The text produced more messages than are kept (the text may not be CIF at all); reading went on to the "
      "end."},
+    {367, 1, "obsolete_beside_replacement", "Data name %1 stands in the same block as its replacement %2",
+     "The block gives both an obsolete data name and the name that replaces it; programs may read either, "
+     "and the two may disagree. Keep the new name only."},
+    {368, 2, "loop_values_shifted",
+     "Values of the loop are shifted from here: %1 gets a value of the wrong kind%2",
+     "The loop's value count is not a multiple of its data names (307), and this is the first row where a "
+     "value lands in a column of another kind, such as text where the column takes numbers: a value is "
+     "missing, or one too many, at or before this row. The type problems of the values after it are "
+     "counted in this message instead of being reported one by one, and the rows from here on are left out "
+     "of the key and parent checks."},
+    {369, 1, "composite_key_not_unique", "Values %2 of %1 occur together in more than one row",
+     "The key of the loop is several columns together (the three indices of a reflection; the atom labels "
+     "and site symmetry codes of a bond, angle or torsion) and this combination repeats; it is reported "
+     "once, on the line of its first repetition. Bonds between the same atoms under different symmetry "
+     "are different rows."},
 };
 
 }  // namespace

@@ -48,7 +48,7 @@ private:
     void scan_unquoted(CifToken& token, bool in_compound);
     void scan_quoted(CifToken& token, bool in_compound);
     void scan_triple_quoted(CifToken& token);
-    void scan_text_field(CifToken& token);
+    void scan_text_field(CifToken& token, bool in_compound);
     void scan_compound(CifToken& token);
     void classify_word(CifToken& token);
     void limit_size(CifToken& token);

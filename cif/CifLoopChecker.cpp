@@ -19,6 +19,7 @@ void CifLoopChecker::add(const CifDataItem& item, const CifItemDefinition* defin
 }
 
 void CifLoopChecker::check_rows(std::size_t first, std::size_t last) {
+    for (CifKeyOrder& order : orders_) order.add_rows(first, last, text_);
     if (stopped_ || columns_.empty()) return;
     // Column by column over rows the reader has just read (still in the
     // cache), so that each column's quick look runs as one tight loop.

@@ -7,6 +7,7 @@
 
 #include "cif/CifColumnCheck.hpp"
 #include "cif/CifDataItem.hpp"
+#include "cif/CifKeyOrder.hpp"
 #include "cif/CifValueReporter.hpp"
 
 // Checks the values of a loop: each value gets the quick look of its column
@@ -18,7 +19,12 @@ public:
 
     // Adds a column; columns that need no look at their values are left out.
     void add(const CifDataItem& item, const CifItemDefinition* definition);
-    bool empty() const { return columns_.empty(); }
+    // Follows the order of a key's rows, to spare the check of its values'
+    // uniqueness when they come sorted (CifKeyOrder).
+    void watch(CifKeyOrder order) { orders_.push_back(std::move(order)); }
+    bool empty() const { return columns_.empty() && orders_.empty(); }
+    // The key orders watched, over the rows checked so far.
+    const std::vector<CifKeyOrder>& orders() const { return orders_; }
 
     // Checks rows [first, last) of every column (all columns must hold them).
     void check_rows(std::size_t first, std::size_t last);
@@ -34,5 +40,6 @@ private:
     const char* text_;
     std::size_t text_size_;
     std::vector<Column> columns_;
+    std::vector<CifKeyOrder> orders_;
     bool stopped_ = false;
 };

@@ -9,9 +9,11 @@
 #include <utility>
 
 #include "cif/Cif.hpp"
-#include "cif/CifBlockValidator.hpp"
 #include "cif/CifLineIndex.hpp"
 #include "cif/CifLoopChecker.hpp"
+#include "cif/CifLoopDamage.hpp"
+#include "cif/CifLoopKeys.hpp"
+#include "cif/CifLoopShift.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextCheck.hpp"
 #include "cif/CifValueReporter.hpp"
@@ -171,7 +173,8 @@ void CifReader::parse() {
 
 CifToken CifReader::on_data(const CifToken& token) {
     std::string name(token.begin, token.length);
-    THandle<CifDataBlock> block(new CifDataBlock(cif_.dictionary_, "data_" + name, token.line, store_));
+    THandle<CifDataBlock> block =
+        store_->make<CifDataBlock>(cif_.dictionary_, "data_" + name, token.line, store_);
     // Comments between blocks introduce the next one.
     take_comments(block.get());
     finish_block(false);
@@ -248,7 +251,8 @@ void CifReader::validate(const CifDataBlock& block) {
     const THandle<CifDictionary>& dictionary = cif_.dictionary_;
     if (dictionary.is_null() || !dictionary->has_definitions()) return;
     if (!settings_.check_data_names && !settings_.check_values) return;
-    CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_)
+    CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_,
+                      &loop_notes_)
         .validate(block);
 }
 
@@ -256,13 +260,23 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
                                                         const std::vector<THandle<CifDataItem>>& columns) {
     if (!checks_values()) return nullptr;
     auto checker = std::make_unique<CifLoopChecker>(reporter(), store_->text().data(), store_->text().size());
+    std::vector<const CifItemDefinition*> definitions;
+    std::vector<bool> taken(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string& name = columns[i]->name();
-        bool taken = !block.find(name).is_null();
-        for (std::size_t j = 0; j < i && !taken; ++j) taken = cif_iequals(columns[j]->name(), name);
-        if (!taken) checker->add(*columns[i], cif_.dictionary_->definition(name));
+        definitions.push_back(cif_.dictionary_->definition(name));
+        taken[i] = !block.find(name).is_null();
+        for (std::size_t j = 0; j < i && !taken[i]; ++j) taken[i] = cif_iequals(columns[j]->name(), name);
+        if (!taken[i]) checker->add(*columns[i], definitions[i]);
     }
     if (checker->empty()) return nullptr;
+    if (loop_keys_ == nullptr) loop_keys_ = std::make_unique<CifLoopKeys>(*cif_.dictionary_);
+    for (const std::vector<std::size_t>& key : loop_keys_->keys(columns, definitions)) {
+        std::vector<const CifDataItem*> key_columns;
+        for (std::size_t i : key) key_columns.push_back(taken[i] ? nullptr : columns[i].get());
+        if (std::find(key_columns.begin(), key_columns.end(), nullptr) == key_columns.end())
+            checker->watch(CifKeyOrder(std::move(key_columns)));
+    }
     return checker;
 }
 
@@ -300,7 +314,8 @@ CifToken CifReader::on_name(const CifToken& token) {
     if (block == nullptr) return skip_outside_block(token);
     std::string name(token.begin, token.length);
     check_name(name, token.line, false);
-    THandle<CifDataItem> item(new CifDataItem(std::move(name), store_, cif_.dictionary_, token.line));
+    THandle<CifDataItem> item =
+        store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, token.line);
     take_comments(item.get());
     CifToken value = next();
     bool has_value = value.kind == CifToken::value;
@@ -347,7 +362,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
     while (t.kind == CifToken::name) {
         std::string name(t.begin, t.length);
         check_name(name, t.line, false);
-        THandle<CifDataItem> item(new CifDataItem(std::move(name), store_, cif_.dictionary_, t.line));
+        THandle<CifDataItem> item =
+            store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, t.line);
         if (columns.empty()) item->append_comments(loop_comments);
         take_comments(item.get());
         columns.push_back(item);
@@ -368,6 +384,7 @@ CifToken CifReader::on_loop(const CifToken& token) {
     // Values are checked a batch of rows at a time, while their text is
     // still in the cache.
     std::unique_ptr<CifLoopChecker> checker = loop_checker(*block, columns);
+    const std::size_t first_error = errors_.errors().size();
     const std::size_t batch = checker == nullptr ? static_cast<std::size_t>(-1) : std::size_t(1) << 15;
     std::size_t checked_rows = 0;
     for (;;) {
@@ -404,6 +421,7 @@ CifToken CifReader::on_loop(const CifToken& token) {
     }
 
     CifDataBlock::ItemList kept;
+    std::vector<std::string> dropped;
     for (const THandle<CifDataItem>& item : columns) {
         THandle<CifDataItem> existing = block->find(item->name());
         if (existing.is_null()) {
@@ -414,6 +432,7 @@ CifToken CifReader::on_loop(const CifToken& token) {
         if (!existing.is_null()) {
             errors_.add(CifError::duplicate_data_name, item->line(), item->name(),
                         std::to_string(existing->line()));
+            dropped.push_back(item->name());
             continue;
         }
         kept.push_back(item);
@@ -422,8 +441,32 @@ CifToken CifReader::on_loop(const CifToken& token) {
         checker->check_rows(checked_rows, columns.front()->size());
         if (!kept.empty()) checked_loops_.insert(kept.front().get());
     }
+    if (!kept.empty() && checks_values()) {
+        std::size_t damaged = note_damage(columns, column != 0, first_error);
+        std::vector<CifKeyOrder> sorted_keys;
+        if (checker != nullptr) {
+            for (const CifKeyOrder& order : checker->orders())
+                if (order.proven_unique()) sorted_keys.push_back(order);
+        }
+        if (damaged < columns.front()->size() || !dropped.empty() || !sorted_keys.empty())
+            loop_notes_[kept.front().get()] = {damaged, std::move(dropped), std::move(sorted_keys)};
+    }
     if (!kept.empty()) block->add_loop(kept);
     return t;
+}
+
+std::size_t CifReader::note_damage(const CifDataBlock::ItemList& columns, bool short_row,
+                                   std::size_t first_error) {
+    std::vector<CifError>& errors = errors_.errors();
+    if (first_error > errors.size()) return columns.front()->size();
+    reporter();  // builds the line index
+    if (short_row) CifLoopShift::summarise(columns, errors, first_error, *lines_);
+    std::vector<int> lines;
+    for (std::size_t e = first_error; e < errors.size(); ++e) {
+        if (CifLoopDamage::displaces_values(errors[e].id())) lines.push_back(errors[e].line());
+    }
+    std::sort(lines.begin(), lines.end());
+    return CifLoopDamage::first_damaged_row(columns, lines, *lines_);
 }
 
 CifToken CifReader::on_save(const CifToken& token) {
@@ -443,7 +486,7 @@ CifToken CifReader::on_save(const CifToken& token) {
         close_frame(true, previous_end_);
     }
     check_name(name, token.line, true);
-    frame_ = THandle<CifDataBlock>(new CifDataBlock(cif_.dictionary_, "data_" + name, token.line, store_));
+    frame_ = store_->make<CifDataBlock>(cif_.dictionary_, "data_" + name, token.line, store_);
     block_->add_save_frame(frame_);
     take_comments(frame_.get());
     last_item_ = THandle<CifDataItem>();

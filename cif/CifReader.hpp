@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cif/CifBlockValidator.hpp"
 #include "cif/CifCommentable.hpp"
 #include "cif/CifErrorSink.hpp"
 #include "cif/CifLexer.hpp"
@@ -21,6 +22,7 @@ class CifDataBlock;
 class CifDataItem;
 class CifLineIndex;
 class CifLoopChecker;
+class CifLoopKeys;
 class CifValueReporter;
 class CifTextStore;
 
@@ -62,6 +64,11 @@ private:
     // are not checked); columns whose names are taken already are left out.
     std::unique_ptr<CifLoopChecker> loop_checker(const CifDataBlock& block,
                                                  const std::vector<THandle<CifDataItem>>& columns);
+    // After a loop is read: one message for values shifted out of their
+    // columns (when the last row was short) and the first row a syntax
+    // problem among the values damaged, from the messages since first_error.
+    std::size_t note_damage(const std::vector<THandle<CifDataItem>>& columns, bool short_row,
+                            std::size_t first_error);
     CifValueRef reference(const CifToken& token) const;
     CifValueRef unknown_value();
 
@@ -85,4 +92,7 @@ private:
     std::unique_ptr<CifLineIndex> lines_;               // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;
     std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read
+    // First columns of loops -> what reading learnt about them.
+    std::unordered_map<const CifDataItem*, CifBlockValidator::LoopNotes> loop_notes_;
+    std::unique_ptr<CifLoopKeys> loop_keys_;  // the keys of loops, from the dictionary
 };

@@ -12,6 +12,7 @@
 
 #include "cif/CifChemicalFormula.hpp"
 #include "cif/CifLineIndex.hpp"
+#include "cif/CifLoopDamage.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifNumber.hpp"
 #include "cif/Spacegroup.hpp"
@@ -93,6 +94,35 @@ std::vector<std::string> values(const CifDataBlock& block, const std::string& na
     return result;
 }
 
+// Element symbol -> the real and imaginary parts of the anomalous
+// dispersion the block's atom types give (the first type of an element).
+using Dispersion = std::unordered_map<std::string, std::pair<double, double>>;
+
+Dispersion dispersion_of(const CifDataBlock& block) {
+    Dispersion result;
+    THandle<CifDataItem> types = block.find("_atom_type_symbol");
+    THandle<CifDataItem> real = block.find("_atom_type_scat_dispersion_real");
+    if (types.is_null() || real.is_null() || real->size() != types->size()) return result;
+    THandle<CifDataItem> imaginary = block.find("_atom_type_scat_dispersion_imag");
+    if (!imaginary.is_null() && imaginary->size() != types->size()) imaginary = THandle<CifDataItem>();
+    for (std::size_t n = 0; n < types->size(); ++n) {
+        // "Cu2+" and "O1-" are types of copper and oxygen.
+        std::string_view symbol = types->value_view(n);
+        std::size_t length = !symbol.empty() && symbol[0] >= 'A' && symbol[0] <= 'Z' ? 1 : 0;
+        if (length == 1 && symbol.size() > 1 && symbol[1] >= 'a' && symbol[1] <= 'z') length = 2;
+        if (length == 0) continue;
+        CifNumber f1 = CifNumber::parse(real->value_view(n));
+        if (!f1.ok()) continue;
+        double f2 = 0.0;
+        if (!imaginary.is_null()) {
+            CifNumber parsed = CifNumber::parse(imaginary->value_view(n));
+            if (parsed.ok()) f2 = parsed.value;
+        }
+        result.emplace(std::string(symbol.substr(0, length)), std::make_pair(f1.value, f2));
+    }
+    return result;
+}
+
 }  // namespace
 
 ORMACifConsistencyChecker::ORMACifConsistencyChecker(THandle<Cif> cif) : cif_(cif) {}
@@ -102,7 +132,12 @@ ORMACifConsistencyChecker::~ORMACifConsistencyChecker() = default;
 void ORMACifConsistencyChecker::check_cif() {
     if (cif_.is_null()) return;
     findings_.clear();
-    lines_ = std::make_unique<CifLineIndex>(cif_->store()->text());
+    lines_.reset();
+    damage_lines_.clear();
+    for (const CifError& error : *cif_->errors()) {
+        if (CifLoopDamage::displaces_values(error.id())) damage_lines_.push_back(error.line());
+    }
+    std::sort(damage_lines_.begin(), damage_lines_.end());
     for (const THandle<CifDataBlock>& block : cif_->blocks()) check_block(*block);
     std::stable_sort(findings_.begin(), findings_.end(),
                      [](const CifError& a, const CifError& b) { return a.line() < b.line(); });
@@ -127,11 +162,18 @@ void ORMACifConsistencyChecker::add(CifError::ErrorID id, const CifDataBlock& bl
     findings_.emplace_back(id, line, name, detail);
 }
 
+const CifLineIndex& ORMACifConsistencyChecker::line_index() const {
+    if (lines_ == nullptr) lines_ = std::make_unique<CifLineIndex>(cif_->store()->text());
+    return *lines_;
+}
+
 int ORMACifConsistencyChecker::value_line(const CifDataBlock& block, const std::string& name,
                                           std::size_t n) const {
     THandle<CifDataItem> item = block.find(name);
     if (item.is_null()) return std::max(block.line(), 1);
-    if (n < item->size() && !item->values()[n].added()) return lines_->line_at(item->values()[n].offset);
+    if (n < item->size() && !item->values()[n].added()) {
+        return line_index().line_at(item->values()[n].offset);
+    }
     return item->line() > 0 ? item->line() : std::max(block.line(), 1);
 }
 
@@ -175,9 +217,12 @@ void ORMACifConsistencyChecker::check_chemistry(const CifDataBlock& block) {
     auto [formula_name, formula_text] = text_of(block, {"_chemical_formula_sum", "_chemical_formula.sum"});
     CifChemicalFormula formula(formula_text);
     Reading weight = read(block, {"_chemical_formula_weight", "_chemical_formula.weight"});
+    bool weight_disagrees = false;
     if (formula.valid() && weight.ok) {
         double calculated = formula.weight();
-        if (!agree(weight.value(), weight.sigma(), calculated, 0.0, std::max(0.1, 1e-3 * calculated)))
+        weight_disagrees =
+            !agree(weight.value(), weight.sigma(), calculated, 0.0, std::max(0.1, 1e-3 * calculated));
+        if (weight_disagrees)
             add(CifError::calculated_value_differs, block, weight.name,
                 " (calculated " + format(calculated, 0.01) + " from " + formula_text + ")");
     }
@@ -185,21 +230,40 @@ void ORMACifConsistencyChecker::check_chemistry(const CifDataBlock& block) {
     Reading z = read(block, {"_cell_formula_units_Z", "_cell.formula_units_Z"});
     Reading f000 = read(block, {"_exptl_crystal_F_000", "_exptl_crystal.F_000"});
     if (formula.valid() && z.ok && f000.ok) {
-        // Anomalous dispersion may add a few per cent to the electron count.
-        double electrons = z.value() * formula.electrons();
+        // F(000) = sqrt((sum of Z + f')^2 + (sum of f'')^2) over the cell,
+        // with the atom types' anomalous dispersion where the block gives it.
+        const Dispersion dispersion = dispersion_of(block);
+        double real = 0.0, imaginary = 0.0;
+        for (const auto& [symbol, count] : formula.parts()) {
+            auto found = dispersion.find(symbol);
+            CifChemicalFormula one(symbol);
+            real += count * (one.electrons() + (found == dispersion.end() ? 0.0 : found->second.first));
+            imaginary += count * (found == dispersion.end() ? 0.0 : found->second.second);
+        }
+        double electrons = z.value() * std::hypot(real, imaginary);
+        // What dispersion the block does not give may add a few per cent.
         if (!agree(f000.value(), 0.0, electrons, 0.0, std::max(2.0, 0.03 * electrons)))
             add(CifError::calculated_value_differs, block, f000.name,
-                " (" + format(electrons, 1.0) + " electrons in the cell)");
+                " (" + format(electrons, 1.0) + " electrons in the cell" +
+                    (dispersion.empty() ? "" : ", with anomalous dispersion") + ")");
     }
 
+    // The density follows from Z, the weight and the volume. When the weight
+    // disagrees with the formula (reported above) and the density agrees
+    // with the formula's weight, the weight is the one at fault.
     Reading density = read(block, {"_exptl_crystal_density_diffrn", "_exptl_crystal.density_diffrn"});
     Reading volume = read(block, {"_cell_volume", "_cell.volume"});
-    double molar = weight.ok ? weight.value() : (formula.valid() ? formula.weight() : 0.0);
-    if (density.ok && volume.ok && z.ok && molar > 0.0 && volume.value() > 0.0) {
+    if (density.ok && volume.ok && z.ok && volume.value() > 0.0) {
         constexpr double atomic_mass_unit = 1.66053907;  // g per mol per 1e-24 cm3
-        double calculated = z.value() * molar * atomic_mass_unit / volume.value();
-        double sigma = calculated * volume.sigma() / volume.value();
-        if (!agree(density.value(), density.sigma(), calculated, sigma, 1e-3 * calculated))
+        auto fits = [&](double molar, double& calculated) {
+            calculated = z.value() * molar * atomic_mass_unit / volume.value();
+            double sigma = calculated * volume.sigma() / volume.value();
+            return agree(density.value(), density.sigma(), calculated, sigma, 1e-3 * calculated);
+        };
+        double calculated = 0.0, from_formula = 0.0;
+        double molar = weight.ok ? weight.value() : (formula.valid() ? formula.weight() : 0.0);
+        bool blamed_weight = weight_disagrees && fits(formula.weight(), from_formula);
+        if (molar > 0.0 && !fits(molar, calculated) && !blamed_weight)
             add(CifError::calculated_value_differs, block, density.name,
                 " (calculated " + format(calculated, density.number.unit) + ")");
     }
@@ -361,13 +425,27 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
     THandle<CifDataItem> sites = block.find("_atom_site_label");
     if (sites.is_null()) sites = block.find("_atom_site.label");
     if (sites.is_null()) return;
+    // Keys and children the dictionary names are checked while reading.
+    THandle<CifDictionary> dictionary = cif_->dictionary();
+    bool checked_by_dictionary = !dictionary.is_null() && dictionary->has_definitions();
+    auto linked = [&](const std::string& name) {
+        if (!checked_by_dictionary) return false;
+        const CifItemDefinition* definition = dictionary->definition(name);
+        return definition != nullptr && (!definition->list_link_parent.empty() || definition->list_mandatory);
+    };
     std::unordered_map<std::string, std::size_t> rows;  // labels are compared as written
-    for (std::size_t n = 0; n < sites->size(); ++n) {
+    const std::size_t sound_sites = sound_rows(block, *sites);
+    bool keyed = linked(sites->name());
+    for (std::size_t n = 0; n < sound_sites; ++n) {
         std::string label(sites->value_view(n));
         if (is_unknown(label)) continue;
-        if (!rows.emplace(label, n).second)
+        auto [found, inserted] = rows.emplace(label, n);
+        // Each repeated label once, on the line of its first repetition.
+        if (!inserted && !keyed && found->second != static_cast<std::size_t>(-1)) {
             findings_.emplace_back(CifError::duplicate_key_value, value_line(block, sites->name(), n),
                                    sites->name(), label);
+            found->second = static_cast<std::size_t>(-1);
+        }
     }
     static const char* const children[] = {
         "_atom_site_aniso_label",          "_geom_bond_atom_site_label_1",
@@ -380,22 +458,29 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
         "_geom_contact_atom_site_label_2", "_atom_site_aniso.label",
         "_geom_bond.atom_site_label_1",    "_geom_bond.atom_site_label_2",
     };
-    // Children the dictionary links to a parent are checked while reading.
-    THandle<CifDictionary> dictionary = cif_->dictionary();
-    bool checked_by_dictionary = !dictionary.is_null() && dictionary->has_definitions();
+    // A site's rows damaged by a syntax problem may hold any label.
+    if (sound_sites < sites->size()) return;
     for (const char* child : children) {
         THandle<CifDataItem> item = block.find(child);
-        if (item.is_null()) continue;
-        if (checked_by_dictionary) {
-            const CifItemDefinition* definition = dictionary->definition(child);
-            if (definition != nullptr && !definition->list_link_parent.empty()) continue;
-        }
+        if (item.is_null() || linked(child)) continue;
         std::unordered_set<std::string> reported;
-        for (std::size_t n = 0; n < item->size(); ++n) {
+        const std::size_t sound = sound_rows(block, *item);
+        for (std::size_t n = 0; n < sound; ++n) {
             std::string label(item->value_view(n));
             if (is_unknown(label) || rows.count(label) != 0 || !reported.insert(label).second) continue;
             findings_.emplace_back(CifError::parent_value_missing, value_line(block, item->name(), n),
                                    item->name(), label);
         }
     }
+}
+
+std::size_t ORMACifConsistencyChecker::sound_rows(const CifDataBlock& block, const CifDataItem& item) const {
+    if (!item.is_looped()) return item.size();
+    for (const CifDataBlock::ItemList& loop : block.loops()) {
+        for (const THandle<CifDataItem>& column : loop) {
+            if (column.get() == &item)
+                return std::min(item.size(), CifLoopDamage::first_damaged_row(loop, damage_lines_, line_index()));
+        }
+    }
+    return item.size();
 }

@@ -18,7 +18,8 @@ class CifLineIndex;
 // without one is taken to half a unit of its last digit):
 // - the cell volume against the cell lengths and angles;
 // - the calculated density against Z, the formula weight and the volume;
-// - the formula weight and F(000) against _chemical_formula_sum and Z;
+// - the formula weight and F(000) against _chemical_formula_sum and Z (with
+//   the atom types' anomalous dispersion where given);
 // - the crystal system against the cell and against the space-group number;
 // - the space-group symbol against the number and against the operators;
 // - minimum and maximum pairs in order (theta, index limits, transmission,
@@ -26,7 +27,8 @@ class CifLineIndex;
 //   against the rows of the reflection loop;
 // - atom-site labels unique, and every label that refers to an atom site
 //   (anisotropic parameters, bonds, angles, torsions, hydrogen bonds,
-//   contacts) present among them.
+//   contacts) present among them, in rows no syntax problem damaged (left
+//   to the reader where the dictionary names the key or the link).
 // A finding about a value is a remark, 303 for a value that disagrees with
 // others and 304 for a count, with the data name as its text and the line
 // of the item; labels give warnings 359 and 360 on the line of the value;
@@ -53,8 +55,13 @@ private:
     void add(CifError::ErrorID id, const CifDataBlock& block, const std::string& name,
              const std::string& detail);
     int value_line(const CifDataBlock& block, const std::string& name, std::size_t n) const;
+    // The item's rows before the first a syntax problem damaged.
+    std::size_t sound_rows(const CifDataBlock& block, const CifDataItem& item) const;
 
     THandle<Cif> cif_;
-    std::unique_ptr<CifLineIndex> lines_;
+    // The line index of the document's text, made when a value first needs its line.
+    const CifLineIndex& line_index() const;
+    mutable std::unique_ptr<CifLineIndex> lines_;  // built on the first value that needs its line
     std::vector<CifError> findings_;
+    std::vector<int> damage_lines_;  // sorted lines of syntax problems that displace values
 };

@@ -20,11 +20,16 @@ packages=(
   # the text of printed PDF files (the print tests)
   poppler-utils
   # the peer reader the benchmarks compare against (gemmi's CIF reader needs it)
-  tao-pegtl-dev
+  # and the peer checker they time whole (gemmi validate)
+  tao-pegtl-dev gemmi
   # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
   libavogadro-data libcifpp-data cod-tools
   # running the editor headless and looking at it
   xvfb xauth x11-utils xdotool imagemagick fonts-dejavu-core
+  # the Debian package (cpack -G DEB) and its validators: dependencies found by
+  # dpkg-shlibdeps, lintian, the desktop file, AppStream metadata, the MIME
+  # type, the man pages and the bash completion
+  dpkg-dev lintian desktop-file-utils appstream shared-mime-info man-db bash-completion
 )
 
 missing=()

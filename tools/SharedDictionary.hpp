@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cif/CifDictionary.hpp"
@@ -28,6 +29,12 @@ public:
         return target_.category_items(category);
     }
     std::vector<std::string> data_names() const override { return target_.data_names(); }
+    std::vector<std::string> mandatory_items(const std::string& category) const override {
+        return target_.mandatory_items(category);
+    }
+    std::vector<SimilarName> similar_names(std::string_view name, int max_edits) const override {
+        return target_.similar_names(name, max_edits);
+    }
 
 private:
     const CifDictionary& target_;

@@ -13,9 +13,11 @@
 #include <QDropEvent>
 #include <QFile>
 #include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QRegularExpression>
+#include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -35,9 +37,11 @@
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
+#include "preferences/QcbsPreferencesDialog.hpp"
 #include "resources/QcbsXpmResource.hpp"
 #include "support/ORMALog.hpp"
 #include "validation/QcbsErrorListView.hpp"
+#include "views/QcbsCifBoxPane.hpp"
 #include "views/QcbsCifBoxView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 #include "widgets/QcbsAboutBox.hpp"
@@ -330,8 +334,9 @@ void QcbsMainWindow::makeEditorPage() {
             &QcbsLineNumberedTextEdit::zoomOut);
     connect(actions_->action(QcbsMainWindowActions::EditZoomIn), &QAction::triggered, editorPane_,
             &QcbsLineNumberedTextEdit::zoomIn);
-    boxView_ = new QcbsCifBoxView(editorPage_);
-    editorPage_->insertWidget(0, boxView_);
+    boxPane_ = new QcbsCifBoxPane(editorPage_);
+    boxView_ = boxPane_->view();
+    editorPage_->insertWidget(0, boxPane_);
     initBoxEdSplitterSizes();
     makeBoxViewConnections();
 }
@@ -343,12 +348,21 @@ void QcbsMainWindow::initBoxEdSplitterSizes() {
 }
 
 void QcbsMainWindow::makeBoxViewConnections() {
-    connect(boxView_, &QcbsCifBoxView::selectedDataItem, this, &QcbsMainWindow::editorJumpToItemHelper);
-    connect(boxView_, &QcbsCifBoxView::goToBlockRequest, this, &QcbsMainWindow::editorJumpToBlockHelper);
-    connect(boxView_, &QcbsCifBoxView::datItemHelpRequest, this,
-            qOverload<const QString&>(&QcbsMainWindow::dataitemHelp));
-    connect(boxView_, &QcbsCifBoxView::dataItemSetRequest, this, &QcbsMainWindow::setDataItem);
-    connect(boxView_, &QcbsCifBoxView::insertTextRequest, this, &QcbsMainWindow::editorInsertTextHelper);
+    connectTree(boxView_);
+    connect(currentEditor(), &QcbsRichTextEdit::cursorLineChanged, this, &QcbsMainWindow::followCursorInTree);
+    // F1 asks for help on the data name at the cursor (or the tree's current row).
+    auto* help = new QShortcut(QKeySequence(Qt::Key_F1), editorPage_);
+    help->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(help, &QShortcut::activated, this, qOverload<>(&QcbsMainWindow::dataitemHelp));
+    // The tree in a window of its own, next to the Browser entry that hides the pane.
+    auto* treeWindow = new QAction(imageIcon(QcbsXpmResource::Browser), "Tree in a &Window", this);
+    treeWindow->setObjectName("treewindow");
+    treeWindow->setStatusTip("Show the tree of blocks and data items in a window of its own");
+    connect(treeWindow, &QAction::triggered, this, &QcbsMainWindow::showTreeDialog);
+    QMenu* tools = actions_->menu(QcbsMainWindowActions::ToolsMenu);
+    const QList<QAction*> entries = tools->actions();
+    tools->insertAction(entries.value(entries.indexOf(actions_->action(QcbsMainWindowActions::Browser)) + 1),
+                        treeWindow);
 }
 
 void QcbsMainWindow::makeTabs() {
@@ -360,6 +374,8 @@ void QcbsMainWindow::makeTabs() {
 
 void QcbsMainWindow::makeVisConnections() {
     connect(visSorter_, &QcbsVisSorter::statusBarMessageRequest, this, &QcbsMainWindow::statusBarMessage);
+    // A double-click on an atom leads to its row in the text.
+    connect(visSorter_, &QcbsVisSorter::goToLineRequest, this, &QcbsMainWindow::showLineOfStructure);
 }
 
 void QcbsMainWindow::makeEditorConnections() {
@@ -474,6 +490,7 @@ void QcbsMainWindow::enableFindTools(bool on) {
 
 void QcbsMainWindow::enableVisTools(bool on) {
     actions_->setToolsEnabled(QcbsMainWindowActions::VisTools, on);
+    if (visSorter_ != nullptr) visSorter_->setToolsEnabled(on);
 }
 
 void QcbsMainWindow::enableAllInstParseTools(bool on) {
@@ -505,7 +522,8 @@ void QcbsMainWindow::updateCrystalWizard() {
 
 void QcbsMainWindow::setCaption(const QString& fileName) {
     const QString shown = fileName.isEmpty() ? QString("new.cif") : QFileInfo(fileName).fileName();
-    setWindowTitle(shown + " - " + programQName());
+    // "[*]" shows as "*" while the document has unsaved changes.
+    setWindowTitle(shown + "[*] - " + programQName());
 }
 
 void QcbsMainWindow::updateCaption() { setCaption(fileName()); }
@@ -517,8 +535,11 @@ void QcbsMainWindow::statusLineNumber() {
     int index = 0;
     editor->getCursorPosition(&paragraph, &index);
     QString text = "Line " + QString::number(paragraph + 1) + ", Column " + QString::number(index + 1);
-    if (editor->isModified()) text += " (File Modified)";
+    // A text still coming in from its file is not changed by the user.
+    const bool modified = editor->isModified() && !editor->isLoading();
+    if (modified) text += " (File Modified)";
     statusLine_->setText(text);
+    setWindowModified(modified);
 }
 
 void QcbsMainWindow::statusBarMessage(QString message) { statusBar()->showMessage(message); }
@@ -536,6 +557,7 @@ void QcbsMainWindow::editorCursorMoved(int /*paragraph*/, int /*index*/) { statu
 void QcbsMainWindow::editorLineChanged(int /*paragraph*/) {
     // A move into another block may change what the crystal wizard can do.
     if (cifToolsOn_ && !currentCif().is_null()) updateCrystalWizard();
+    followCursorInStructure();
 }
 
 void QcbsMainWindow::editorTextChanged() { statusLineNumber(); }
@@ -672,10 +694,6 @@ void QcbsMainWindow::editSelectall() {
 
 void QcbsMainWindow::editorInsertTextHelper(const QString& text) { document_->insertText(text); }
 
-void QcbsMainWindow::editorJumpToItemHelper(const QString& dataName, int index) {
-    if (!document_->goToItem(dataName, index)) QApplication::beep();
-}
-
 void QcbsMainWindow::editorJumpToBlockHelper(const QString& blockName) {
     if (!document_->goToBlock(blockName)) QApplication::beep();
 }
@@ -695,7 +713,39 @@ void QcbsMainWindow::blockAdd(const QString& blockText) {
     document_->addBlock(blockText, first);
 }
 
-void QcbsMainWindow::toggleBoxView() { boxView_->setVisible(boxView_->isHidden()); }
+void QcbsMainWindow::toggleBoxView() { boxPane_->setVisible(boxPane_->isHidden()); }
+
+// --- preferences -----------------------------------------------------------------------
+
+void QcbsMainWindow::editPrefs() {
+    if (preferences_ == nullptr) {
+        const QcbsPreferencesDialog::Shared shared{
+            sharedData_->options(), sharedData_->dictionaryLoader(), sharedData_->dictionarySettings(),
+            sharedData_->fontStyles(), sharedData_->programDirectory()};
+        preferences_ = new QcbsPreferencesDialog(shared, this);
+        preferences_->setAttribute(Qt::WA_DeleteOnClose);
+        // The options reach every window through their change signal; the
+        // styles and dictionaries are shared objects changed in place, so
+        // every window is told to draw and check with them.
+        connect(preferences_, &QcbsPreferencesDialog::stylesChanged, this,
+                [] { initialiseAllInstSettings(); });
+        const auto everyWindow = [](void (*act)(QcbsMainWindow*)) {
+            for (QWidget* widget : QApplication::topLevelWidgets())
+                if (auto* window = qobject_cast<QcbsMainWindow*>(widget)) act(window);
+        };
+        connect(preferences_, &QcbsPreferencesDialog::dictionariesChanged, this, [everyWindow] {
+            everyWindow([](QcbsMainWindow* window) {
+                if (QcbsRichTextEdit* editor = window->currentEditor())
+                    editor->setDictionary(window->dictionary());
+            });
+        });
+        connect(preferences_, &QcbsPreferencesDialog::checkAgainRequested, this,
+                [everyWindow] { everyWindow([](QcbsMainWindow* window) { window->reparse(); }); });
+    }
+    preferences_->open();
+    preferences_->raise();
+    preferences_->activateWindow();
+}
 
 // --- help ------------------------------------------------------------------------------
 
@@ -704,6 +754,10 @@ void QcbsMainWindow::about() {
         aboutBox_ = new QcbsAboutBox(this);
         aboutBox_->setAttribute(Qt::WA_DeleteOnClose);
     }
+    // The core dictionary that checks actually use, as loaded now.
+    dictionary();
+    const THandle<CifDictionaryPool> all = sharedData_->dictionaryLoader()->pool();
+    aboutBox_->setDictionaries(*sharedData_->dictionarySettings()->loadSettings(all), *all);
     aboutBox_->show();
     aboutBox_->raise();
 }

@@ -24,11 +24,15 @@ class QTabWidget;
 class RecentFilesMenu;
 class QcbsAboutBox;
 class QcbsCifDocument;
+class QcbsCifBoxPane;
 class QcbsCifBoxView;
+class QcbsCifBoxViewDialog;
+class QcbsEditDataDialogue;
 class QcbsErrorListView;
 class QcbsHelpWindow;
 class QcbsLineNumberedTextEdit;
 class QcbsMainWindowActions;
+class QcbsPreferencesDialog;
 class QcbsRichTextEdit;
 class QcbsVisSorter;
 
@@ -58,6 +62,13 @@ public:
     QSplitter* editorPage() const { return editorPage_; }
     QcbsVisSorter* visualiserPage() const { return visSorter_; }
     QcbsCifBoxView* boxView() const { return boxView_; }
+    // The tree with its filter box and listing choice, beside the editor.
+    QcbsCifBoxPane* boxPane() const { return boxPane_; }
+    // The tree in a window of its own, while it is open; null otherwise.
+    QcbsCifBoxViewDialog* treeDialog() const;
+    // The edit data dialogue open in its help form, and in its editing form.
+    QcbsEditDataDialogue* helpDialogue() const;
+    QcbsEditDataDialogue* setDataDialogue() const;
     QcbsErrorListView* errorList() const { return errorList_; }
     QComboBox* blocksCombo() const;
     QcbsMainWindowActions* windowActions() const { return actions_; }
@@ -172,6 +183,7 @@ public slots:
     void editInsertTemplate();
     void editSelectall();
     void combine();
+    // The preferences dialog (one per window, shown again when open).
     void editPrefs();
 
     // Search.
@@ -183,9 +195,16 @@ public slots:
 
     // CIF tools.
     void reparse();
+    // Dictionary help (the edit data dialogue in its help form) for the data
+    // name at the editor's cursor, or for the tree's current row when the
+    // tree has the focus.
     void dataitemHelp();
+    // Dictionary help for a data name or a category ("_atom_site_[]").
     void dataitemHelp(const QString& dataName);
+    // Shows or hides the tree beside the editor.
     void toggleBoxView();
+    // The tree of this window's document in a window of its own.
+    void showTreeDialog();
     void publicationWizard();
     void crystalWizard();
     void loopEd();
@@ -217,9 +236,15 @@ public slots:
     // `lineBreak` is true.
     void writeToOutputPane(const QString& text, bool lineBreak);
     void editorInsertTextHelper(const QString& text);
-    void editorJumpToItemHelper(const QString& dataName, int index);
+    // Goes to a data name, to the first item of a category ("_atom_site_[]")
+    // or to a block's heading, searching from the block's 1-based line.
+    void editorJumpToItemHelper(const QString& dataName, int line);
     void editorJumpToBlockHelper(const QString& blockName);
-    void setDataItem(const QString& dataName, const QString& value);
+    // Asks for a new value of the data item in the block (the edit data
+    // dialogue in its editing form); the answer reaches dataItemUpdate().
+    void setDataItem(const QString& dataName, const QString& blockName);
+    // Puts the item's text into the block as one undo step, then checks.
+    void dataItemUpdate(const QString& dataName, const QString& blockName, const QString& itemText);
     void blockUpdate(const QString& blockText);
     void blockAdd(const QString& blockText);
 
@@ -239,9 +264,11 @@ public slots:
     void enableUndoRedo();
 
     // The caption: the file's name and the program's name joined by " - ";
-    // "new.cif" stands for an editor without a file.
+    // "new.cif" stands for an editor without a file. A "*" follows the name
+    // while the document has unsaved changes.
     void setCaption(const QString& fileName);
-    // "Line N, Column M", with " (File Modified)" for a modified text.
+    // "Line N, Column M", with " (File Modified)" for a modified text (not
+    // for one still being read from its file); marks the caption alike.
     void statusLineNumber();
 
 signals:
@@ -315,6 +342,10 @@ private:
     void makeBoxViewConnections();
     void makeTabs();
     void makeVisConnections();
+    // The editor's line of an atom picked in the 3-D view.
+    void showLineOfStructure(int line);
+    // A separate 3-D window follows the block at the editor's cursor.
+    void followCursorInStructure();
     void makeEditorConnections();
     void makeDocument();
     // Applies changed options to this window.
@@ -339,6 +370,7 @@ private:
     QStringList pendingOutputPaneWrites_;
     QPointer<QcbsHelpWindow> helpWindow_;
     QPointer<QcbsAboutBox> aboutBox_;
+    QPointer<QcbsPreferencesDialog> preferences_;
 
     QcbsCifDocument* document_ = nullptr;
     bool editorToolsOn_ = false;
@@ -355,8 +387,23 @@ private:
     void finishCheck(THandle<Cif> cif, bool showErrors);
     void noteLinesAtCheck();
     void writeMissingDictionaryNote();
-    // Hands the new document to the tree of blocks beside the editor.
+    // Hands the new document to the tree of blocks beside the editor (and
+    // to the tree's own window when it is open).
     void loadBoxView();
+
+    // --- The tree's routing (QcbsMainWindowTree.cpp) ---
+    void connectTree(QcbsCifBoxView* tree);
+    // The tree selects the item the editor's cursor stands in.
+    void followCursorInTree(int paragraph);
+    // The text a single block's row shows instead of its name, if any.
+    QString singleBlockSubstitute(const THandle<Cif>& cif) const;
+    // The dictionary the dialogues consult: that of the last check, or the enabled one.
+    THandle<CifDictionary> viewDictionary();
+
+    QcbsCifBoxPane* boxPane_ = nullptr;
+    QPointer<QcbsCifBoxViewDialog> treeDialog_;
+    QPointer<QcbsEditDataDialogue> helpDialogue_;
+    QPointer<QcbsEditDataDialogue> setDataDialogue_;
 
     bool missingDictionaryNoted_ = false;
 };

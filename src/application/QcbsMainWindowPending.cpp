@@ -5,13 +5,10 @@
 #include <QDropEvent>
 
 #include "application/QcbsMainWindow.hpp"
-#include "visualiser/QcbsVisSorter.hpp"
 
 // --- editing and search ----------------------------------------------------------------
 
 void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }
-
-void QcbsMainWindow::editPrefs() { showNotAvailable("The preferences dialogue"); }
 
 void QcbsMainWindow::editFind() { showNotAvailable("Find"); }
 
@@ -27,10 +24,6 @@ void QcbsMainWindow::specialCharPopUp() { showNotAvailable("The special-characte
 
 // --- checking, views and wizards -------------------------------------------------------
 
-void QcbsMainWindow::dataitemHelp() { showNotAvailable("Data item help"); }
-
-void QcbsMainWindow::dataitemHelp(const QString& dataName) { showNotAvailable("Help on " + dataName); }
-
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
 
 void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
@@ -38,18 +31,3 @@ void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
 void QcbsMainWindow::loopEd() { showNotAvailable("Editing loops"); }
 
 void QcbsMainWindow::loopNew() { showNotAvailable("Making new loops"); }
-
-// The tree keeps its "(no items to show)" line until it can list a document.
-void QcbsMainWindow::loadBoxView() {}
-
-void QcbsMainWindow::setDataItem(const QString& /*dataName*/, const QString& /*value*/) {
-    showNotAvailable("Setting data items");
-}
-
-// --- visualiser ------------------------------------------------------------------------
-
-void QcbsMainWindow::hg() { showNotAvailable("Opening the structure in Velmora"); }
-
-void QcbsMainWindow::enableVisualiser(QWidget* page) {
-    if (page != nullptr && page == visualiserPage()) showNotAvailable("The 3-D view of the structure");
-}

@@ -84,7 +84,13 @@ void QcbsCifDocument::setModified(bool modified) { editor_->setModified(modified
 
 bool QcbsCifDocument::isLoading() const { return editor_->isLoading(); }
 
-int QcbsCifDocument::lineCount() const { return editor_->lines(); }
+int QcbsCifDocument::lineCount() const {
+    const int lines = editor_->lines();
+    const int length = editor_->byteLength();
+    if (length == 0) return lines;
+    const char last = editor_->byteView(length - 1, 1)[0];
+    return last == '\n' || last == '\r' ? lines - 1 : lines;
+}
 
 qint64 QcbsCifDocument::byteCount() const {
     return editor_->byteLength() + (encoding_.hasByteOrderMark() ? 3 : 0);

@@ -73,6 +73,7 @@ public:
     void setModified(bool modified);
     // Whether the text is still coming into the editor after load().
     bool isLoading() const;
+    // The text's lines as a reader counts them: a final line end starts none.
     int lineCount() const;
     // The size of the bytes a save writes.
     qint64 byteCount() const;

@@ -2,24 +2,27 @@
 // Which help page explains which kind of problem.
 #include "validation/QcbsErrorResource.hpp"
 
+#include "cif/CifErrorCatalogue.hpp"
+
 namespace {
 
-constexpr int kFirstKind = 300;
-constexpr int kLastKind = 366;
+constexpr int kFirstKind = CifErrorCatalogue::first_code;
+constexpr int kLastKind = CifErrorCatalogue::last_code;
 
 struct KindPage {
     int kind;
     int page;
 };
 
-// Kinds 300 to 366 that have a page. Several kinds share one (327 and 328,
+// Kinds of the catalogue that have a page. Several kinds share one (327 and 328,
 // 348 and 349, 351 and 352, 354 and 355): the page explains them together.
 constexpr KindPage kPages[] = {
-    {302, 69},  {303, 97},  {304, 98},  {305, 79},  {306, 66},  {307, 65}, {308, 67}, {309, 78}, {310, 68},
-    {311, 81},  {312, 80},  {313, 82},  {318, 62},  {319, 84},  {320, 88}, {321, 63}, {322, 64}, {324, 89},
-    {325, 91},  {326, 90},  {327, 92},  {328, 92},  {329, 93},  {343, 96}, {346, 73}, {347, 83}, {348, 74},
-    {349, 74},  {350, 70},  {351, 71},  {352, 71},  {353, 72},  {354, 85}, {355, 85}, {356, 75}, {357, 86},
-    {358, 100}, {359, 101}, {360, 102}, {361, 103}, {362, 104},
+    {302, 69},  {303, 97},  {304, 98},  {305, 79},  {306, 66},  {307, 65},  {308, 67},  {309, 78},
+    {310, 68},  {311, 81},  {312, 80},  {313, 82},  {318, 62},  {319, 84},  {320, 88},  {321, 63},
+    {322, 64},  {324, 89},  {325, 91},  {326, 90},  {327, 92},  {328, 92},  {329, 93},  {343, 96},
+    {346, 73},  {347, 83},  {348, 74},  {349, 74},  {350, 70},  {351, 71},  {352, 71},  {353, 72},
+    {354, 85},  {355, 85},  {356, 75},  {357, 86},  {358, 100}, {359, 101}, {360, 102}, {361, 103},
+    {362, 104}, {330, 105}, {338, 106}, {367, 107}, {368, 108}, {369, 109},
 };
 
 // The page number of a kind, or 0 when it has none.

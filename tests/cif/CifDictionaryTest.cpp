@@ -73,15 +73,17 @@ TEST(CifConcreteDictionary, KeepsEveryAttributeTheChecksAndTheHelpNeed) {
 TEST(CifConcreteDictionary, ListsCategoriesInItsOwnOrderAndTheirDataNames) {
     THandle<CifConcreteDictionary> dictionary = test_dictionary();
     // The overviews in file order; a category used without an overview follows.
-    EXPECT_EQ(dictionary->categories(), (Names{"_cell_[]", "_atom_site_[]", "_atom_type_[]", "_exptl_[]",
-                                               "_refln_[]", "_publ_author_[]"}));
+    EXPECT_EQ(dictionary->categories(),
+              (Names{"_cell_[]", "_atom_site_[]", "_atom_type_[]", "_exptl_[]", "_refln_[]", "_geom_bond_[]",
+                     "_space_group_[]", "_symmetry_[]", "_publ_author_[]"}));
     Names cell{"_cell_length_a",   "_cell_length_b",    "_cell_length_c",       "_cell_angle_alpha",
                "_cell_angle_beta", "_cell_angle_gamma", "_cell_formula_units_Z"};
     EXPECT_EQ(dictionary->category_items("_cell_[]"), cell);
     EXPECT_EQ(dictionary->category_items("cell"), cell);
     EXPECT_EQ(dictionary->category_items("_CELL"), cell);
     EXPECT_EQ(dictionary->category_items("_category_overview_[]"),
-              (Names{"_cell_[]", "_atom_site_[]", "_atom_type_[]", "_exptl_[]", "_refln_[]"}));
+              (Names{"_cell_[]", "_atom_site_[]", "_atom_type_[]", "_exptl_[]", "_refln_[]", "_geom_bond_[]",
+                     "_space_group_[]", "_symmetry_[]"}));
     EXPECT_TRUE(dictionary->category_items("_nothing_[]").empty());
     EXPECT_EQ(dictionary->mandatory_items("_refln_[]"),
               (Names{"_refln_index_h", "_refln_index_k", "_refln_index_l"}));

@@ -240,10 +240,39 @@ TEST(CifReader, EndOfFileCharacterByteOrderMarkAndMissingLineEnd) {
     EXPECT_EQ(cif->block(0)->value("_a"), "1");
 }
 
-TEST(CifReader, ReservedFirstCharactersOfUnquotedValuesAreWarnedAbout) {
-    THandle<Cif> cif = read("data_a\n_a [x]\n_b $frame\n_c {ok}\n");
-    EXPECT_EQ(messages(*cif), (Messages{{330, 2}, {330, 3}}));
+TEST(CifReader, ReservedFirstCharactersOfUnquotedValuesAreErrorsAndTheValueIsKept) {
+    THandle<Cif> cif = read("data_a\n_a [x]\n_b $frame\n_c {ok}\n_d ]x\n_e 'quoted [x]'\n_f x[y]$\n");
+    EXPECT_EQ(messages(*cif), (Messages{{330, 2}, {330, 3}, {330, 5}}));
+    for (const CifError& error : *cif->errors()) EXPECT_EQ(error.type(), CifError::error);
     EXPECT_EQ(cif->block(0)->value("_a"), "[x]");
+    EXPECT_EQ(cif->block(0)->value("_d"), "]x");
+}
+
+TEST(CifReader, ATextFieldMustBeFollowedByWhiteSpaceAndWhatFollowsIsReadOn) {
+    struct Case {
+        const char* text;
+        Messages expected;
+        const char* name;  // read on after the field, with its value
+        const char* value;
+    };
+    const Case cases[] = {
+        {"data_a\n_t\n;\nText\n;_b 1\n", {{338, 5}}, "_b", "1"},
+        {"data_a\n_t\n;\nText\n;x\n_b 1\n", {{338, 5}, {310, 5}}, "_b", "1"},
+        {"data_a\n_t\n;\nText\n; _b 1\n", {}, "_b", "1"},
+        {"data_a\n_t\n;\nText\n;\t_b 1\n", {}, "_b", "1"},
+        {"data_a\n_t\n;\nText\n;# a comment\n_b 1\n", {}, "_b", "1"},
+        {"data_a\n_t\n;\nText\n;", {{340, 5}}, "_t", "\nText"},
+        {"#\\#CIF_2.0\ndata_a\n_t\n;\nText\n;_b 1\n", {{338, 6}}, "_b", "1"},
+        {"#\\#CIF_2.0\ndata_a\n_t [\n;\nText\n;]\n_b 1\n", {}, "_b", "1"},
+    };
+    for (const Case& c : cases) {
+        THandle<Cif> cif = read(c.text);
+        EXPECT_EQ(messages(*cif), c.expected) << c.text;
+        ASSERT_EQ(cif->block_count(), 1u) << c.text;
+        EXPECT_EQ(cif->block(0)->value(c.name), c.value) << c.text;
+    }
+    // The field itself ends where the semicolon is.
+    EXPECT_EQ(read("data_a\n_t\n;\nText\n;_b 1\n")->block(0)->value("_t"), "\nText");
 }
 
 TEST(CifReader, NamesTheDictionaryDoesNotDefineAreWarnedAbout) {

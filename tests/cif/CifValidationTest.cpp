@@ -3,9 +3,14 @@
 // Each finding comes with its code, kind and the line of what it is about.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 #include <string>
+#include <vector>
 
+#include "cif/CifLoopKeys.hpp"
+#include "cif/CifEditDistance.hpp"
 #include "cif/CifNumber.hpp"
 #include "tests/cif/CifTestSupport.hpp"
 #include "tests/cif/DictionaryTestSupport.hpp"
@@ -31,6 +36,107 @@ TEST(CifValidation, DataNamesTheDictionaryLacksAreWarnedOnTheirOwnLines) {
     EXPECT_EQ((*cif->errors())[0].type(), CifError::warning);
     EXPECT_EQ((*cif->errors())[1].text(), "_vrf_PLAT029_a");  // the editor drops these, the library does not
     EXPECT_EQ((*cif->errors())[2].message(), "Created non-standard data item _atom_site_colour");
+}
+
+TEST(CifValidation, AMisspeltNameIsOfferedTheNearestDefinedNames) {
+    struct Case {
+        const char* name;
+        const char* suggestion;  // what follows the warning's data name
+    };
+    const Case cases[] = {
+        {"_cell_lenght_b", "; did you mean _cell_length_b?"},  // two letters swapped: one edit
+        {"_CELL_LENGHT_B", "; did you mean _cell_length_b?"},  // case aside, spelt as defined
+        {"_cell_lngth_bb", "; did you mean _cell_length_b?"},  // two edits
+        {"_cell_length_x", "; did you mean _cell_length_a, _cell_length_b or _cell_length_c?"},
+        {"_atom_site_fract_xx", "; did you mean _atom_site_fract_x?"},  // the nearest only, not _y
+        {"_cell_lnghtt_b", ""},                                         // three edits
+        {"_made_up_item", ""},
+        {"_vrf_cell_length_a", ""},  // validation replies are meant to be undefined
+        {"_celx", ""},               // too short to guess at
+    };
+    for (const Case& c : cases) {
+        THandle<Cif> cif = read_checked(std::string("data_a\n") + c.name + " 5.0\n");
+        ASSERT_EQ(cif->errors()->size(), 1u) << c.name;
+        EXPECT_EQ((*cif->errors())[0].message(),
+                  std::string("Created non-standard data item ") + c.name + c.suggestion)
+            << c.name;
+    }
+    // A loop's column gets the same help.
+    THandle<Cif> looped = read_checked("data_a\nloop_\n_atom_site_label\n_atom_site_ocupancy\nC1 1.0\n");
+    ASSERT_EQ(looped->errors()->size(), 1u);
+    EXPECT_EQ((*looped->errors())[0].message(),
+              "Created non-standard data item _atom_site_ocupancy; did you mean _atom_site_occupancy?");
+}
+
+TEST(CifEditDistance, CountsInsertionsRemovalsReplacementsAndSwapsUpToTheBound) {
+    struct Case {
+        const char* a;
+        const char* b;
+        int bound;
+        int distance;
+    };
+    const Case cases[] = {
+        {"length", "length", 2, 0},
+        {"Length", "lENGTH", 2, 0},
+        {"length", "lenght", 2, 1},
+        {"length", "lengths", 2, 1},
+        {"length", "lenth", 2, 1},
+        {"length", "lemgth", 2, 1},
+        {"abcdef", "badcfe", 3, 3},
+        {"kitten", "sitting", 5, 3},
+        {"kitten", "sitting", 2, 3},
+        {"abc", "", 2, 3},
+        {"", "ab", 2, 2},
+        {"ca", "abc", 3, 3},
+        {"abc", "abc", 0, 0},
+        {"abc", "abd", 0, 1},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(cif_edit_distance(c.a, c.b, c.bound), c.distance) << c.a << " " << c.b << " " << c.bound;
+        EXPECT_EQ(cif_edit_distance(c.b, c.a, c.bound), c.distance) << c.b << " " << c.a << " " << c.bound;
+    }
+    // The banded count agrees with the whole table on many short names of
+    // few letters, where edits overlap most.
+    const auto whole = [](const std::string& a, const std::string& b) {
+        std::vector<std::vector<int>> d(a.size() + 1, std::vector<int>(b.size() + 1));
+        for (std::size_t i = 0; i <= a.size(); ++i)
+            for (std::size_t j = 0; j <= b.size(); ++j) {
+                if (i == 0 || j == 0) {
+                    d[i][j] = static_cast<int>(i + j);
+                    continue;
+                }
+                d[i][j] =
+                    std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] != b[j - 1])});
+                if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                    d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
+            }
+        return d[a.size()][b.size()];
+    };
+    std::mt19937 random(19);
+    const auto word = [&random] {
+        std::string text(random() % 9, ' ');
+        for (char& c : text) c = "ab_c"[random() % 4];
+        return text;
+    };
+    for (int n = 0; n < 3000; ++n) {
+        const std::string a = word(), b = word();
+        const int bound = static_cast<int>(random() % 4);
+        EXPECT_EQ(cif_edit_distance(a, b, bound), std::min(whole(a, b), bound + 1))
+            << a << " " << b << " " << bound;
+    }
+}
+
+TEST(CifDictionaryPool, SimilarNamesOfSeveralMembersAreMergedNearestFirstEachOnce) {
+    THandle<CifDictionaryPool> pool = cif_test::test_pool();
+    pool->insert(cif_test::test_dictionary("tessary_extra.dic"));
+    pool->insert(cif_test::test_dictionary());  // the same object again is not a second member
+    std::vector<std::string> names;
+    for (const CifDictionary::SimilarName& similar : pool->similar_names("_cell_formula_units_z", 2))
+        names.push_back(similar.name + " " + std::to_string(similar.edits));
+    // Both dictionaries define _cell_formula_units_Z; it is named once.
+    EXPECT_EQ(names, std::vector<std::string>{"_cell_formula_units_Z 0"});
+    EXPECT_TRUE(pool->similar_names("_tessary_colour", 1).front().name == "_tessary_colour");
+    EXPECT_TRUE(pool->similar_names("_tessary_[]", 2).empty());  // overviews are no suggestion
 }
 
 TEST(CifValidation, NumbersAreCheckedForTheirFormAndUncertainty) {
@@ -160,8 +266,10 @@ TEST(CifValidation, ChildItemsNeedTheirParentAndItsValues) {
         "_atom_site_aniso_U_11\n"   // 8
         "C1 0.02\n"                 // 9
         "N9 0.03\n"                 // 10: no such site
-        "N9 0.04\n");               // 11: reported once
-    EXPECT_EQ(messages(*cif), (Messages{{357, 4}, {360, 10}}));
+        "N9 0.04\n");               // 11: reported once; a repeated key, too
+    EXPECT_EQ(messages(*cif), (Messages{{357, 4}, {360, 10}, {359, 11}}));
+    EXPECT_EQ((*cif->errors())[0].type(), CifError::remark);   // a missing parent item is a note
+    EXPECT_EQ((*cif->errors())[1].type(), CifError::warning);  // a value missing from a parent is not
     EXPECT_EQ((*cif->errors())[0].message(),
               "Data item _atom_site_type_symbol requires _atom_type_symbol, which is missing");
     EXPECT_EQ((*cif->errors())[1].message(),
@@ -177,14 +285,15 @@ TEST(CifValidation, LoopedValuesAreReportedOnTheirOwnLinesAlsoDeepInALargeLoop) 
         "data_a\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_observed_status\n";
     const int rows = 40000;  // more rows than one batch of checked values
     for (int r = 0; r < rows; ++r) {
+        const std::string h = std::to_string(r);  // the indices are the loop's key
         if (r == 3) {
-            text += "1 2\n3 o\n";  // a row over two lines
+            text += h + " 2\n3 o\n";  // a row over two lines
         } else if (r == rows - 2) {
-            text += "1 2 3 z\n";  // a bad code
+            text += h + " 2 3 z\n";  // a bad code
         } else if (r == rows - 1) {
-            text += "1 2 x7 o\n";  // a bad number
+            text += h + " 2 x7 o\n";  // a bad number
         } else {
-            text += "1 2 3 o\n";
+            text += h + " 2 3 o\n";
         }
     }
     text += "_cell_length_a 'x'\n";
@@ -220,6 +329,46 @@ TEST(CifValidation, ValidateAnswersWithTheCodeOfTheFirstProblem) {
     EXPECT_EQ(block->find("_cell_length_a")->validate("5"), CifError::item_must_not_be_looped);
 }
 
+TEST(CifValidation, ValidateValuesLooksAtEveryRowOfAColumnAndAtTheLoopRule) {
+    // 70,000 rows fill more than one chunk of a column; the bad value sits
+    // in the second chunk or in the first row.
+    const auto atoms = [](int rows, int bad_row, const std::string& bad) {
+        std::string text =
+            "data_a\n_cell_length_a 5\n_local_thing x\nloop_\n_atom_site_label\n"
+            "_atom_site_occupancy\n_atom_site_refinement_flags\n";
+        for (int r = 0; r < rows; ++r) {
+            // Piece by piece: GCC 12 at -O3 takes "C" + std::string for an
+            // overlapping copy (-Wrestrict, a known false alarm).
+            text += 'C';
+            text += std::to_string(r);
+            text += r == bad_row ? bad : std::string(" 0.5(1) S");
+            text += '\n';
+        }
+        return text;
+    };
+    const struct {
+        std::string text;
+        std::string name;
+        int code;
+    } cases[] = {
+        {atoms(70000, -1, ""), "_atom_site_occupancy", 0},
+        {atoms(70000, 69000, " 1.5 S"), "_atom_site_occupancy", CifError::value_out_of_range},
+        {atoms(70000, 69000, " 1.5 S"), "_atom_site_refinement_flags", 0},
+        {atoms(3, 0, " 0.5 Q"), "_atom_site_refinement_flags", CifError::value_not_enumerated},
+        {atoms(3, 2, " half ."), "_atom_site_occupancy", CifError::wrong_value_type},
+        {atoms(3, -1, ""), "_atom_site_label", 0},
+        {atoms(3, -1, ""), "_local_thing", 0},
+        {atoms(3, -1, ""), "_cell_length_a", 0},
+        {"data_a\n_cell_length_a -5\n", "_cell_length_a", CifError::value_out_of_range},
+        {"data_a\nloop_\n_cell_length_a\n5\n6\n", "_cell_length_a", CifError::item_must_not_be_looped},
+    };
+    for (const auto& c : cases) {
+        THandle<Cif> cif = read_checked(c.text);
+        EXPECT_EQ(cif->block(0)->find(c.name)->validate_values(), c.code)
+            << c.name << " in " << c.text.substr(0, 80);
+    }
+}
+
 TEST(CifValidation, SettingsSwitchTheNameAndValueChecksApart) {
     const std::string text = "data_a\n_cell_length_a x\n_unknown 1\n";
     CifParserSettings names_only;
@@ -249,6 +398,217 @@ TEST(CifNumber, ReadsValueUncertaintyAndLastDigit) {
     EXPECT_EQ(CifNumber::parse("1.2(").status, CifNumber::Status::bad_uncertainty);
     EXPECT_EQ(CifNumber::parse("x1").status, CifNumber::Status::not_a_number);
     EXPECT_EQ(CifNumber::parse("").status, CifNumber::Status::not_a_number);
+}
+
+}  // namespace
+
+namespace {
+
+struct Case {
+    const char* what;
+    std::string text;
+    Messages expected;
+};
+
+void expect_messages(const Case& c) {
+    THandle<Cif> cif = read_checked(c.text);
+    EXPECT_EQ(messages(*cif), c.expected) << c.what;
+}
+
+TEST(CifValidation, ReplacedNamesAreRemarksNamingTheReplacementAndAWarningBesideIt) {
+    THandle<Cif> alone = read_checked("data_a\n_symmetry_cell_setting monoclinic\n");
+    ASSERT_EQ(messages(*alone), (Messages{{356, 2}}));
+    EXPECT_EQ((*alone->errors())[0].type(), CifError::remark);
+    EXPECT_EQ((*alone->errors())[0].message(),
+              "Data name _symmetry_cell_setting is obsolete; use _space_group_crystal_system");
+
+    THandle<Cif> both =
+        read_checked("data_a\n_space_group_crystal_system monoclinic\n_symmetry_cell_setting monoclinic\n");
+    ASSERT_EQ(messages(*both), (Messages{{356, 3}, {367, 3}}));
+    EXPECT_EQ((*both->errors())[1].type(), CifError::warning);
+    EXPECT_EQ((*both->errors())[1].detail(), "_space_group_crystal_system");
+
+    // The replacement in another block does not count; a check of values only reports neither.
+    EXPECT_EQ(messages(*read_checked("data_a\n_symmetry_cell_setting cubic\ndata_b\n"
+                                     "_space_group_crystal_system cubic\n")),
+              (Messages{{356, 2}}));
+    CifParserSettings values_only;
+    values_only.check_data_names = false;
+    THandle<Cif> quiet(new Cif(cif_test::test_pool()));
+    quiet->read_text("data_a\n_symmetry_cell_setting cubic\n_space_group_crystal_system cubic\n",
+                     values_only);
+    EXPECT_TRUE(quiet->errors()->empty());
+}
+
+TEST(CifValidation, EveryKeyTheDictionaryNamesIsUniqueOnceReportedPerRepeatedValue) {
+    const std::string sites = "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\nC2 0.2\nO1 0.3\n";
+    const std::string bonds = sites + "loop_\n_geom_bond_atom_site_label_1\n_geom_bond_atom_site_label_2\n";
+    const Case cases[] = {
+        {"a type three times: once, on the first repetition",
+         "data_a\nloop_\n_atom_type_symbol\nC\nO\nC\nC\n",
+         {{359, 6}}},
+        {"unknown and inapplicable values identify nothing",
+         "data_a\nloop_\n_atom_type_symbol\n?\n?\n.\n.\n",
+         {}},
+        {"a reflection twice: the three indices are one key",
+         "data_a\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_squared_meas\n"
+         "1 0 0 2.5\n0 1 0 2.5\n1 0 0 3.5\n",
+         {{369, 9}}},
+        {"an incomplete family is no key: only the missing index is reported",
+         "data_a\nloop_\n_refln_index_h\n_refln_index_k\n1 0\n1 0\n",
+         {{358, 3}}},
+        {"a bond twice between the same sites",
+         bonds + "_geom_bond_distance\nC1 C2 1.5\nC1 C2 1.5\n",
+         {{369, 13}}},
+        {"the same sites under other symmetry are other bonds",
+         bonds + "_geom_bond_site_symmetry_2\nC1 C2 .\nC1 C2 2_655\nC1 O1 .\nC1 O1 .\n",
+         {{369, 15}}},
+        {"an anisotropic label twice",
+         sites + "loop_\n_atom_site_aniso_label\n_atom_site_aniso_U_11\nC1 0.01\nC1 0.02\n",
+         {{359, 12}}},
+    };
+    for (const Case& c : cases) expect_messages(c);
+    const THandle<Cif> symmetry = read_checked(cases[5].text);
+    const CifError& bond = *symmetry->errors()->begin();
+    EXPECT_EQ(bond.text(),
+              "_geom_bond_atom_site_label_1, _geom_bond_atom_site_label_2, _geom_bond_site_symmetry_2");
+    EXPECT_EQ(bond.detail(), "C1, O1, .");
+}
+
+TEST(CifValidation, RowsASyntaxErrorDamagedGiveNoKeyOrParentFindings) {
+    const Case cases[] = {
+        {"an unclosed quote swallows the rest of its line and shifts the rows after it",
+         "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\n"
+         "C1 0.1\n"   // 5
+         "'C2 0.2\n"  // 6: the label takes the whole line
+         "C3 0.3\n"   // 7: C3 lands in fract_x
+         "C1 0.4\n"   // 8: C1 again, but only through the shift
+         "loop_\n_atom_site_aniso_label\n_atom_site_aniso_U_11\nC3 0.01\n",
+         {{307, 2}, {305, 6}, {368, 6}}},
+        {"a repetition before the damage is reported, one after it is not",
+         "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\nC1 0.2\nC2 'x\nC2 0.3\n",
+         {{359, 6}, {305, 7}, {324, 7}}},
+        {"a short loop that shows no shift leaves every row in doubt",
+         "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\nC1 0.2\nC3\n"
+         "loop_\n_atom_site_aniso_label\n_atom_site_aniso_U_11\nN9 0.01\n",
+         {{307, 2}}},
+        {"a damaged parent loop gives no missing-value findings to its children",
+         "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\nC2 'open 0.2\n"
+         "loop_\n_atom_site_aniso_label\n_atom_site_aniso_U_11\nN9 0.01\n",
+         {{305, 6}, {324, 6}}},
+        {"a sound loop keeps its findings",
+         "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\nC1 0.2\n"
+         "loop_\n_atom_site_aniso_label\n_atom_site_aniso_U_11\nN9 0.01\n",
+         {{359, 6}, {360, 10}}},
+    };
+    for (const Case& c : cases) expect_messages(c);
+}
+
+TEST(CifValidation, AShortLoopNamesTheRowWhereTheShiftShowsAndCountsTheValuesAfterIt) {
+    THandle<Cif> cif = read_checked(
+        "data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\n_atom_site_fract_y\n"
+        "C1 0.1 0.2\n"    // 6
+        "C2 0.2\n"        // 7: y missing
+        "C3 0.3 0.4\n"    // 8: C3 lands in y, the row begins on line 7
+        "C4 0.4 0.5\n"    // 9
+        "C5 0.5 0.6\n");  // 10
+    ASSERT_EQ(messages(*cif), (Messages{{307, 2}, {368, 7}}));
+    const CifError& shift = (*cif->errors())[1];
+    EXPECT_EQ(shift.text(), "_atom_site_fract_y");
+    // C4 and C5 land in x further on: two type errors become part of the message.
+    EXPECT_EQ(shift.detail(), " (C3 in row 2; and 2 further values of the following rows)");
+    // A loop of the right length reports its type errors one by one.
+    EXPECT_EQ(messages(*read_checked("data_a\nloop_\n_atom_site_label\n_atom_site_fract_x\nC1 x\nC2 y\n")),
+              (Messages{{324, 5}, {324, 6}}));
+}
+
+}  // namespace
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+// The keys CifLoopKeys reads from the core dictionary for a loop of these columns.
+std::vector<Names> core_keys(const Names& columns) {
+    CifDataBlock::ItemList loop;
+    std::vector<const CifItemDefinition*> definitions;
+    for (const std::string& name : columns) {
+        loop.push_back(THandle<CifDataItem>(new CifDataItem(name)));
+        definitions.push_back(cif_test::core_dictionary()->definition(name));
+    }
+    std::vector<Names> result;
+    for (const std::vector<std::size_t>& key :
+         CifLoopKeys(*cif_test::core_dictionary()).keys(loop, definitions)) {
+        Names names;
+        for (std::size_t i : key) names.push_back(columns[i]);
+        result.push_back(names);
+    }
+    return result;
+}
+
+TEST(CifLoopKeys, KeysComeFromReferencesFamiliesAndMandatoryItemsOfTheCoreDictionary) {
+    if (cif_test::core_dictionary().is_null())
+        GTEST_SKIP() << "the IUCr core dictionary is not at " << cif_test::core_dictionary_path();
+    const std::pair<Names, std::vector<Names>> cases[] = {
+        {{"_atom_site_label", "_atom_site_fract_x"}, {{"_atom_site_label"}}},
+        {{"_atom_site_aniso_label", "_atom_site_aniso_U_11"}, {{"_atom_site_aniso_label"}}},
+        {{"_atom_site_aniso_U_11"}, {}},
+        {{"_refln_index_h", "_refln_index_k", "_refln_index_l", "_refln_F_squared_meas"},
+         {{"_refln_index_h", "_refln_index_k", "_refln_index_l"}}},
+        {{"_refln_index_h", "_refln_index_k", "_refln_F_squared_meas"}, {}},
+        {{"_geom_bond_atom_site_label_1", "_geom_bond_atom_site_label_2", "_geom_bond_distance",
+          "_geom_bond_site_symmetry_1", "_geom_bond_site_symmetry_2"},
+         {{"_geom_bond_atom_site_label_1", "_geom_bond_atom_site_label_2", "_geom_bond_site_symmetry_1",
+           "_geom_bond_site_symmetry_2"}}},
+        {{"_geom_angle_atom_site_label_1", "_geom_angle_atom_site_label_2", "_geom_angle_atom_site_label_3",
+          "_geom_angle"},
+         {{"_geom_angle_atom_site_label_1", "_geom_angle_atom_site_label_2",
+           "_geom_angle_atom_site_label_3"}}},
+        {{"_symmetry_equiv_pos_as_xyz"}, {{"_symmetry_equiv_pos_as_xyz"}}},
+        {{"_symmetry_equiv_pos_site_id", "_symmetry_equiv_pos_as_xyz"}, {{"_symmetry_equiv_pos_as_xyz"}}},
+        {{"_space_group_symop_operation_xyz"}, {}},
+        {{"_space_group_symop_id", "_space_group_symop_operation_xyz"}, {{"_space_group_symop_id"}}},
+        {{"_exptl_crystal_id", "_exptl_crystal_colour"}, {{"_exptl_crystal_id"}}},
+        {{"_publ_author_name", "_publ_author_address"}, {{"_publ_author_name"}}},
+        {{"_cell_length_a"}, {}},
+    };
+    for (const auto& [columns, keys] : cases) EXPECT_EQ(core_keys(columns), keys) << columns.front();
+}
+
+}  // namespace
+
+namespace {
+
+// A reflection loop of the test dictionary with these index rows.
+std::string reflections(const std::vector<std::string>& rows) {
+    std::string text =
+        "data_a\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_squared_meas\n";
+    for (const std::string& row : rows) text += row + " 1.5\n";
+    return text;
+}
+
+TEST(CifValidation, ReflectionKeysInAnyOrderAndOfAnySizeAreFoundRepeatedOnce) {
+    const int first_row = 7;  // the line of the first row
+    const Case cases[] = {
+        {"sorted by h, k, l", reflections({"-1 0 0", "0 0 1", "0 1 -2", "0 1 3", "2 -5 0"}), {}},
+        {"sorted by l, k, h", reflections({"1 0 -3", "-2 1 -3", "0 0 0", "5 0 0", "-1 4 2"}), {}},
+        {"falling", reflections({"3 3 3", "3 3 2", "1 0 0", "-1 0 0"}), {}},
+        {"no order, no repetition", reflections({"1 0 0", "0 0 1", "0 1 0", "-1 0 0", "0 -1 0"}), {}},
+        {"no order, one reflection three times: once, on its second row",
+         reflections({"1 0 0", "0 0 1", "1 0 0", "0 1 0", "1 0 0"}),
+         {{369, first_row + 2}}},
+        {"sorted up to a repetition",
+         reflections({"0 0 1", "0 0 2", "0 0 2", "0 0 3"}),
+         {{369, first_row + 2}}},
+        {"indices too far apart for one bit each",
+         reflections({"0 0 1", "999999 0 0", "-999999 5 5", "0 0 1"}),
+         {{369, first_row + 3}}},
+        {"the same number written two ways is the same index",
+         reflections({"1 0 0", "0 1 0", "+1 0 0"}),
+         {{369, first_row + 2}}},
+        {"an unknown index identifies nothing", reflections({"? 0 0", "1 0 0", "? 0 0", "0 1 0"}), {}},
+    };
+    for (const Case& c : cases) expect_messages(c);
 }
 
 }  // namespace

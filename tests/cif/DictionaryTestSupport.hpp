@@ -53,4 +53,17 @@ inline std::string core_dictionary_path() {
     return std::string(TESSARY_SHARED_DIR) + "/dictionaries/cif_core.dic";
 }
 
+// The IUCr core dictionary, read once; null when the file is absent (the
+// caller skips, naming core_dictionary_path()).
+inline THandle<CifConcreteDictionary> core_dictionary() {
+    static THandle<CifConcreteDictionary> core = [] {
+        std::ifstream stream(core_dictionary_path(), std::ios::binary);
+        if (!stream) return THandle<CifConcreteDictionary>();
+        THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
+        dictionary->read(stream, THandle<CifErrorContainer>(new CifErrorContainer()), nullptr);
+        return dictionary;
+    }();
+    return core;
+}
+
 }  // namespace cif_test

@@ -16,11 +16,17 @@
 #include <QTreeWidgetItem>
 
 #include "GuiTestSupport.hpp"
+#include "application/QcbsCommandLine.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
+
+// A file of the command line as GoogleTest prints it in a failure.
+inline void PrintTo(const QcbsCommandLine::File& file, std::ostream* out) {
+    *out << file.path.toStdString() << ':' << file.line;
+}
 
 // Shared data as the program in the build tree has it, so that the help
 // documentation of the source tree is found.
@@ -42,6 +48,13 @@ inline QAction* windowAction(const QcbsMainWindow& window, QcbsMainWindowActions
 }
 
 inline QString statusMessage(const QMainWindow& window) { return window.statusBar()->currentMessage(); }
+
+// The caption as the window manager shows it: "[*]" becomes "*" while the
+// window is marked modified and disappears otherwise.
+inline QString shownTitle(const QWidget& window) {
+    QString title = window.windowTitle();
+    return title.replace("[*]", window.isWindowModified() ? "*" : "");
+}
 
 // The entries under one heading of the error list, each as "line: message".
 inline QStringList entriesUnder(const QcbsErrorListView* list, const QString& heading) {

@@ -139,7 +139,7 @@ protected:
     LargeDocument() {
         bytes = "data_big\r\nloop_\r\n_refln_index_h\r\n_refln_index_k\r\n_refln_index_l\r\n";
         for (int i = 0; bytes.size() <= QcbsCifDocument::WorkerThreshold + 1000; ++i)
-            bytes += QByteArray::number(i % 50) + " " + QByteArray::number(i % 7) + " 1\r\n";
+            bytes += QByteArray::number(i % 50) + " " + QByteArray::number(i / 50) + " 1\r\n";
         THandle<CifDictionaryPool> pool(new CifDictionaryPool());
         pool->insert(cif_test_dictionary());
         document.setCheckSource([pool] { return CifDocumentCheck(pool, CifCheckSettings()); });

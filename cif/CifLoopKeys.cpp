@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+// The keys of loops as a dictionary names them, and key values that repeat.
+#include "cif/CifLoopKeys.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string_view>
+
+#include "cif/CifKeyOrder.hpp"
+#include "cif/CifNames.hpp"
+#include "cif/CifValueCheck.hpp"
+
+namespace {
+
+using Key = std::vector<std::size_t>;
+
+bool is_family(std::string_view reference) { return !reference.empty() && reference.back() == '_'; }
+
+// The column index of a name in the loop, or the loop's size.
+std::size_t column_of(const CifDataBlock::ItemList& loop, std::string_view name) {
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        if (cif_iequals(loop[i]->name(), name)) return i;
+    }
+    return loop.size();
+}
+
+bool ends_with(std::string_view text, std::string_view suffix) {
+    return text.size() >= suffix.size() && cif_iequals(text.substr(text.size() - suffix.size()), suffix);
+}
+
+bool contains(const Key& outer, const Key& inner) {
+    return std::includes(outer.begin(), outer.end(), inner.begin(), inner.end());
+}
+
+std::string joined(const std::vector<std::string>& parts) {
+    std::string result;
+    for (const std::string& part : parts) result += (result.empty() ? "" : ", ") + part;
+    return result;
+}
+
+}  // namespace
+
+const std::vector<std::string>& CifLoopKeys::targets(const std::string& category) {
+    auto found = targets_.find(category);
+    if (found != targets_.end()) return found->second;
+    std::vector<std::string> result;
+    for (const std::string& name : dictionary_.category_items(category)) {
+        const CifItemDefinition* definition = dictionary_.definition(name);
+        if (definition == nullptr) continue;
+        for (const std::string& reference : definition->list_reference) {
+            bool known = std::any_of(result.begin(), result.end(),
+                                     [&](const std::string& other) { return cif_iequals(other, reference); });
+            if (!known) result.push_back(reference);
+        }
+    }
+    return targets_.emplace(category, std::move(result)).first->second;
+}
+
+std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
+                                   const std::vector<const CifItemDefinition*>& definitions) {
+    std::vector<std::string> categories;
+    for (const CifItemDefinition* definition : definitions) {
+        if (definition == nullptr || definition->category.empty()) continue;
+        if (std::find(categories.begin(), categories.end(), definition->category) == categories.end())
+            categories.push_back(definition->category);
+    }
+    std::vector<Key> result;
+    auto add = [&result](Key key) {
+        std::sort(key.begin(), key.end());
+        if (!key.empty() && std::find(result.begin(), result.end(), key) == result.end())
+            result.push_back(std::move(key));
+    };
+    for (const std::string& category : categories) {
+        for (const std::string& target : targets(category)) {
+            Key key;
+            if (!is_family(target)) {
+                std::size_t column = column_of(loop, target);
+                if (column < loop.size()) key.push_back(column);
+                add(std::move(key));
+                continue;
+            }
+            // A family is a key only with all of its members.
+            bool complete = true;
+            for (const std::string& member : dictionary_.category_items(category)) {
+                if (!cif_istarts_with(member, target)) continue;
+                std::size_t column = column_of(loop, member);
+                complete = complete && column < loop.size();
+                key.push_back(column);
+            }
+            if (!complete || key.empty()) continue;
+            if (ends_with(target, "atom_site_label_")) {
+                const std::string symmetry = "_" + category + "_site_symmetry_";
+                for (std::size_t i = 0; i < loop.size(); ++i) {
+                    if (cif_istarts_with(loop[i]->name(), symmetry)) key.push_back(i);
+                }
+            }
+            add(std::move(key));
+        }
+        auto found = mandatory_.find(category);
+        if (found == mandatory_.end())
+            found = mandatory_.emplace(category, dictionary_.mandatory_items(category)).first;
+        Key mandatory;
+        for (const std::string& name : found->second) mandatory.push_back(column_of(loop, name));
+        std::sort(mandatory.begin(), mandatory.end());
+        if (mandatory.empty() || mandatory.back() >= loop.size()) continue;
+        bool covered = std::any_of(result.begin(), result.end(), [&](const Key& key) {
+            return contains(key, mandatory) || contains(mandatory, key);
+        });
+        if (!covered) add(std::move(mandatory));
+    }
+    return result;
+}
+
+void CifLoopKeys::check(const CifDataBlock::ItemList& loop,
+                        const std::vector<const CifItemDefinition*>& definitions, std::size_t rows,
+                        CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven) {
+    for (const Key& key : keys(loop, definitions)) {
+        bool whole =
+            std::all_of(key.begin(), key.end(), [&](std::size_t i) { return loop[i]->size() >= rows; });
+        if (whole) check_key(loop, key, rows, proven, reporter);
+    }
+}
+
+void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, std::size_t rows,
+                            const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const {
+    // Values straight from the text where they were read.
+    const char* text = loop.front()->store()->text().data();
+    auto view = [text](const CifDataItem& item, std::size_t row) {
+        const CifValueRef ref = item.values()[row];
+        return ref.added() ? item.value_view(row) : std::string_view(text + ref.offset, ref.length());
+    };
+    // A site-symmetry code "." means the identity, a value like any other;
+    // elsewhere an unknown or inapplicable value identifies nothing.
+    std::vector<bool> symmetry(key.size());
+    for (std::size_t k = 0; k < key.size(); ++k)
+        symmetry[k] = loop[key[k]]->name().find("_site_symmetry_") != std::string::npos;
+    std::vector<std::string_view> values(key.size());
+    auto read_row = [&](std::size_t row) {
+        for (std::size_t k = 0; k < key.size(); ++k) {
+            const CifDataItem& item = *loop[key[k]];
+            values[k] = view(item, row);
+            bool null = values[k].size() == 1 && (values[k][0] == '?' || values[k][0] == '.') &&
+                        !item.values()[row].quoted();
+            if (null && !(symmetry[k] && values[k][0] == '.')) return false;
+        }
+        return true;
+    };
+
+    // Keys proven unique by their order need no more.
+    std::vector<const CifDataItem*> columns;
+    for (std::size_t i : key) columns.push_back(loop[i].get());
+    if (std::any_of(proven.begin(), proven.end(), [&](const CifKeyOrder& order) {
+            return order.proven_unique() && order.columns() == columns;
+        }))
+        return;
+    CifKeyOrder order(columns);
+    order.add_rows(0, rows, text);
+    if (order.proven_unique()) return;
+
+    // Small integers over a small range (reflection indices in any order):
+    // the rows' values packed in one pass over the text, then one bit per
+    // possible combination.
+    constexpr std::size_t field_bits = 21;
+    constexpr std::uint64_t skipped = ~std::uint64_t(0);
+    if (key.size() * field_bits < 64) {
+        std::array<std::int64_t, 3> low{}, high{};  // at most three columns fit
+        std::vector<std::uint64_t> packed(rows, skipped);
+        bool dense = true, any = false;
+        for (std::size_t row = 0; row < rows && dense; ++row) {
+            if (!read_row(row)) continue;
+            std::uint64_t pack = 0;
+            for (std::size_t k = 0; k < key.size() && dense; ++k) {
+                std::int64_t number = 0;
+                dense = CifKeyOrder::small_integer(values[k], number);
+                low[k] = any ? std::min(low[k], number) : number;
+                high[k] = any ? std::max(high[k], number) : number;
+                pack = (pack << field_bits) | static_cast<std::uint64_t>(number + (std::int64_t(1) << 20));
+            }
+            packed[row] = pack;
+            any = true;
+        }
+        constexpr std::uint64_t most_bits = std::uint64_t(1) << 27;  // 16 MB of bits
+        std::uint64_t size = 1;
+        for (std::size_t k = 0; k < key.size() && dense; ++k) {
+            size *= static_cast<std::uint64_t>(high[k] - low[k] + 1);
+            dense = size <= most_bits;
+        }
+        if (dense && any) {
+            std::vector<std::uint64_t> seen((size + 63) / 64), reported((size + 63) / 64);
+            const std::uint64_t mask = (std::uint64_t(1) << field_bits) - 1;
+            for (std::size_t row = 0; row < rows; ++row) {
+                if (packed[row] == skipped) continue;
+                std::uint64_t at = 0;
+                for (std::size_t k = 0; k < key.size(); ++k) {
+                    const auto number = static_cast<std::int64_t>(
+                                            (packed[row] >> ((key.size() - 1 - k) * field_bits)) & mask) -
+                                        (std::int64_t(1) << 20);
+                    at = at * static_cast<std::uint64_t>(high[k] - low[k] + 1) +
+                         static_cast<std::uint64_t>(number - low[k]);
+                }
+                const std::uint64_t bit = std::uint64_t(1) << (at % 64);
+                if ((seen[at / 64] & bit) == 0) {
+                    seen[at / 64] |= bit;
+                } else if ((reported[at / 64] & bit) == 0) {
+                    reported[at / 64] |= bit;
+                    if (!report(loop, key, row, reporter)) return;
+                }
+            }
+            return;
+        }
+    }
+
+    // Otherwise a fingerprint per row, sorted, so that equal ones stand side
+    // by side; equal rows among them are repetitions, each combination
+    // reported once, on its second row.
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> fingerprints;
+    fingerprints.reserve(rows);
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (!read_row(row)) continue;
+        std::uint64_t hash = 1469598103934665603ull;
+        for (std::string_view value : values)
+            hash = (hash ^ std::hash<std::string_view>()(value)) * 1099511628211ull;
+        fingerprints.emplace_back(hash, static_cast<std::uint32_t>(row));
+    }
+    std::sort(fingerprints.begin(), fingerprints.end());
+    auto same = [&](std::size_t a, std::size_t b) {
+        return std::all_of(key.begin(), key.end(),
+                           [&](std::size_t i) { return view(*loop[i], a) == view(*loop[i], b); });
+    };
+    std::vector<std::uint32_t> group, others;
+    for (std::size_t begin = 0; begin < fingerprints.size();) {
+        std::size_t end = begin + 1;
+        while (end < fingerprints.size() && fingerprints[end].first == fingerprints[begin].first) ++end;
+        group.clear();
+        for (std::size_t i = begin; i < end; ++i) group.push_back(fingerprints[i].second);
+        begin = end;
+        // The rows of a group are in order; each combination in it once.
+        while (group.size() > 1) {
+            others.clear();
+            std::size_t repeated = 0;
+            for (std::size_t i = 1; i < group.size(); ++i) {
+                if (!same(group.front(), group[i])) {
+                    others.push_back(group[i]);
+                } else if (repeated == 0) {
+                    repeated = group[i];
+                }
+            }
+            if (repeated != 0 && !report(loop, key, repeated, reporter)) return;
+            group.swap(others);
+        }
+    }
+}
+
+bool CifLoopKeys::report(const CifDataBlock::ItemList& loop, const Key& key, std::size_t row,
+                         CifValueReporter& reporter) {
+    if (reporter.sink().full()) return false;
+    const CifDataItem& lead = *loop[key.front()];
+    const int line = reporter.value_line(lead, row);
+    if (key.size() == 1) {
+        reporter.sink().add(CifError::duplicate_key_value, line, lead.name(),
+                            std::string(lead.value_view(row)));
+        return true;
+    }
+    std::vector<std::string> names, values;
+    for (std::size_t i : key) {
+        names.push_back(loop[i]->name());
+        values.emplace_back(loop[i]->value_view(row));
+    }
+    reporter.sink().add(CifError::composite_key_not_unique, line, joined(names), joined(values));
+    return true;
+}

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// The keys of loops as a dictionary names them, and key values that repeat.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "cif/CifDataBlock.hpp"
+#include "cif/CifDictionary.hpp"
+#include "cif/CifKeyOrder.hpp"
+#include "cif/CifValueReporter.hpp"
+
+// The columns that identify the rows of a loop, read from a DDL1 dictionary:
+// every item other items of its category refer to (_list_reference), a
+// family such as _refln_index_ being one key of all its members together,
+// and the items the category makes mandatory (_list_mandatory) where those
+// are not already part of a key. A key of atom-site labels (the geometry
+// loops) also takes the loop's site-symmetry columns: a bond between the
+// same two atoms under other symmetry is another bond.
+class CifLoopKeys {
+public:
+    explicit CifLoopKeys(const CifDictionary& dictionary) : dictionary_(dictionary) {}
+
+    // The keys of the loop, each as the indexes of its columns in loop order.
+    std::vector<std::vector<std::size_t>> keys(const CifDataBlock::ItemList& loop,
+                                               const std::vector<const CifItemDefinition*>& definitions);
+
+    // Reports each key value (359) or combination of values (369) that
+    // repeats in rows [0, rows), once, on the line of its first repetition.
+    // Rows with an unknown or inapplicable key value are left out, and so
+    // are keys whose order the reader followed and found proof in.
+    void check(const CifDataBlock::ItemList& loop, const std::vector<const CifItemDefinition*>& definitions,
+               std::size_t rows, CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven = {});
+
+private:
+    // The _list_reference values of every definition of the category.
+    const std::vector<std::string>& targets(const std::string& category);
+    void check_key(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key, std::size_t rows,
+                   const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const;
+    // Reports the key values of the row; false once the sink keeps no more.
+    static bool report(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key,
+                       std::size_t row, CifValueReporter& reporter);
+
+    const CifDictionary& dictionary_;
+    std::unordered_map<std::string, std::vector<std::string>> targets_;
+    std::unordered_map<std::string, std::vector<std::string>> mandatory_;
+};
