@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Cross-checks of a block's refinement: data per parameter, shifts, R factors, residual density, Flack.
+// Cross-checks of a refinement: data per parameter, shifts, R factors, residual density, Flack.
 #pragma once
 
 class CifBlockSymmetry;
