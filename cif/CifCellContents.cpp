@@ -81,27 +81,25 @@ CifCellContents::CifCellContents(const CifDataBlock& block, const CifBlockSymmet
             }
             weight = number.value;
         }
+        // The space group's multiplicity first: some programs write the
+        // order of the site's symmetry under _atom_site_symmetry_multiplicity.
         double copies = 0.0;
+        double position[3];
+        bool placed = true;
+        for (int i = 0; i < 3 && placed; ++i) {
+            CifNumber number = CifNumber::parse(column(xyz[i], n));
+            placed = number.ok();
+            position[i] = number.value;
+        }
+        if (placed) copies = symmetry.multiplicity(position, lengths);
         std::string_view stated = column(multiplicity, n);
-        if (!cif_check_unknown(stated)) {
+        if (copies <= 0.0 && !cif_check_unknown(stated)) {
             CifNumber number = CifNumber::parse(stated);
             if (number.ok()) copies = number.value;
         }
         if (copies <= 0.0) {
-            double position[3];
-            for (int i = 0; i < 3; ++i) {
-                CifNumber number = CifNumber::parse(column(xyz[i], n));
-                if (!number.ok()) {
-                    problem_ = "no coordinates for site " + std::string(label);
-                    return;
-                }
-                position[i] = number.value;
-            }
-            copies = symmetry.multiplicity(position, lengths);
-            if (copies <= 0.0) {
-                problem_ = "no space group";
-                return;
-            }
+            problem_ = placed ? "no space group" : "no coordinates for site " + std::string(label);
+            return;
         }
         counts_[element] += weight * copies;
     }

@@ -20,8 +20,9 @@ double cif_atomic_weight(const std::string& element);
 
 // The cell's contents from the atom sites: for every element the sum over
 // its sites of occupancy times site multiplicity. The multiplicity is the
-// site's _atom_site_symmetry_multiplicity or else the number of copies the
-// space group makes of it. Sites marked as dummies are left out.
+// number of copies the space group makes of the site, or, without a space
+// group, its _atom_site_symmetry_multiplicity (which some programs fill
+// with the order of the site's symmetry instead). Sites marked as dummies are left out.
 class CifCellContents {
 public:
     CifCellContents(const CifDataBlock& block, const CifBlockSymmetry& symmetry);

@@ -122,14 +122,14 @@ void CifDiffractionCheck::check_transmission() {
     const double expected = std::exp(-mu_.value() * (size_max.value() - size_min.value()));
     const double stated = t_min.value() / t_max.value();
     const double ratio = stated / expected;
-    if (ratio < 0.75 || ratio > 1.1)
-        findings_.add(CifError::transmission_inconsistent, CifError::remark, block_, t_min.name,
-                      " (T_min/T_max " + cif_check_written(block_, t_min) + "/" +
-                          cif_check_written(block_, t_max) + " = " + cif_check_format(stated, 0.001) +
-                          "; exp(-mu (t_max - t_min)) with mu " + cif_check_written(block_, mu_) +
-                          " per mm and sizes " + cif_check_written(block_, size_max) + ", " +
-                          cif_check_written(block_, size_min) + " mm gives " +
-                          cif_check_format(expected, 0.001) + ", allowed 0.75-1.1 times that)");
+    if (ratio < 0.75)
+        findings_.add(
+            CifError::transmission_inconsistent, CifError::remark, block_, t_min.name,
+            " (T_min/T_max " + cif_check_written(block_, t_min) + "/" + cif_check_written(block_, t_max) +
+                " = " + cif_check_format(stated, 0.001) + "; exp(-mu (t_max - t_min)) with mu " +
+                cif_check_written(block_, mu_) + " per mm and sizes " + cif_check_written(block_, size_max) +
+                ", " + cif_check_written(block_, size_min) + " mm gives " +
+                cif_check_format(expected, 0.001) + ", and T_min/T_max may not be below 0.75 times that)");
 }
 
 void CifDiffractionCheck::check_reflections() {

@@ -224,8 +224,9 @@ constexpr CifErrorCatalogueEntry table[] = {
      "difference beyond three standard uncertainties is remark 303."},
     {371, 1, "cell_contents_differ", "Value of %1 times Z does not match the atom sites%2",
      "Z times the sum formula does not give, element by element, what the atom sites put into the cell "
-     "(occupancy times site multiplicity, the multiplicity from _atom_site_symmetry_multiplicity or from the "
-     "space group), or _atom_type_number_in_cell disagrees with Z times the formula; a count may be off by "
+     "(occupancy times site multiplicity, the multiplicity from the space group, or without one from "
+     "_atom_site_symmetry_multiplicity), or _atom_type_number_in_cell disagrees with Z times the formula; a "
+     "count may be off by "
      "0.1 plus 3 %. A remark when the only difference is that no hydrogen atom is among the sites."},
     {372, 2, "formula_weight_differs", "Value of %1 is off the weight of the formula%2",
      "_chemical_formula_weight differs from the weight of _chemical_formula_sum (or, without a sum formula, "
@@ -248,7 +249,7 @@ constexpr CifErrorCatalogueEntry table[] = {
     {376, 2, "transmission_inconsistent", "Value of %1 does not fit the absorption correction%2",
      "An absorption correction is named (_exptl_absorpt_correction_type other than none) but T_min or T_max "
      "is missing (an error); mu times the crystal's middle size is above 3 with a multi-scan correction (an "
-     "error); or T_min/T_max lies outside 0.75-1.1 times exp(-mu (t_max - t_min)) from the crystal's sizes "
+     "error); or T_min/T_max is below 0.75 times exp(-mu (t_max - t_min)) from the crystal's sizes "
      "(a remark)."},
     {377, 2, "reflections_incomplete", "Value of %1 does not fit the cell and theta max%2",
      "The unique reflections (_reflns_number_total) or all measured ones (_diffrn_reflns_number) are fewer "

@@ -34,6 +34,14 @@ bool symbol_names(const std::string& symbol, const gemmi::GroupOps& ops) {
     return false;
 }
 
+// Whether the operations are a tabulated setting of group number.
+bool number_fits(int number, const gemmi::GroupOps& ops) {
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) {
+        if (group.number == number && group.operations().is_same_as(ops)) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 CifSymmetryCheck::CifSymmetryCheck(const CifDataBlock& block, const CifBlockSymmetry& symmetry,
@@ -88,8 +96,10 @@ void CifSymmetryCheck::check_hall_and_number() {
                               symmetry_.symbol() + "' is " +
                               Spacegroup::derive_orma_symbol(symmetry_.symbol()) + ")");
         }
-        const gemmi::SpaceGroup* setting = setting_of(*hall);
-        if (setting != nullptr && symmetry_.number() != 0 && setting->number != symmetry_.number())
+        // Only the settings of the stated number are tried; the table is
+        // searched for a name only when none fits.
+        if (symmetry_.number() >= 1 && symmetry_.number() <= 230 && !number_fits(symmetry_.number(), *hall) &&
+            setting_of(*hall) != nullptr)
             findings_.add(CifError::space_group_items_disagree, CifError::warning, block_,
                           symmetry_.number_name(),
                           " (" + std::to_string(symmetry_.number()) + "; " + hall_name + " " + quoted +

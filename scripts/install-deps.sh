@@ -21,6 +21,8 @@ packages=(
   tao-pegtl-dev
   # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
   libavogadro-data libcifpp-data cod-tools
+  # full structure reports (two from the COD) for the structure checks' measurements
+  cif2hkl drawxtl gdis-data
   # running the editor headless and looking at it
   xvfb xauth x11-utils imagemagick fonts-dejavu-core
 )
