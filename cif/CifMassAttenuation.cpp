@@ -55,7 +55,7 @@ bool near(double value, double centre, double half_width) { return std::fabs(val
 }  // namespace
 
 CifRadiation cif_radiation_of_wavelength(double wavelength) {
-    if (near(wavelength, 1.5425, 0.0019)) return CifRadiation::cu;
+    if (near(wavelength, 1.5425, 0.0021)) return CifRadiation::cu;
     if (near(wavelength, 0.71145, 0.00215)) return CifRadiation::mo;
     if (near(wavelength, 0.5616, 0.0022)) return CifRadiation::ag;
     return CifRadiation::unknown;

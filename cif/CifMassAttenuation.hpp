@@ -8,7 +8,7 @@
 // The characteristic radiations the table covers.
 enum class CifRadiation { unknown, cu, mo, ag };
 
-// The radiation of a wavelength in Angstrom (Cu K-alpha 1.5406-1.5444, Mo
+// The radiation of a wavelength in Angstrom (Cu K-alpha 1.5404-1.5446, Mo
 // 0.7093-0.7136, Ag 0.5594-0.5638), unknown for any other.
 CifRadiation cif_radiation_of_wavelength(double wavelength);
 // The radiation a _diffrn_radiation_type text names ("Mo K\a", "CuKa",

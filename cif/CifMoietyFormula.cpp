@@ -52,7 +52,11 @@ CifMoietyFormula::CifMoietyFormula(const std::string& text) {
             part += c;
         }
     }
-    if (counts_.empty() && problem_.empty()) problem_ = "no element in it";
+    if (depth != 0) {
+        problem_ = "part '" + trimmed(part) + "' has no closing parenthesis";
+        return;
+    }
+    if (counts_.empty()) problem_ = "no element in it";
 }
 
 double CifMoietyFormula::count(const std::string& element) const {

@@ -36,7 +36,7 @@ void CifRefinementCheck::check_data_per_parameter() {
         findings_.add(
             CifError::data_to_parameter_ratio_low, CifError::warning, block_, reflections.name,
             " (" + cif_check_written(block_, reflections) + " / " + parameters.name + " " +
-                cif_check_written(block_, parameters) + " = " + cif_check_format(ratio, 0.1) + ", below " +
+                cif_check_written(block_, parameters) + " = " + cif_check_format(ratio, 0.01) + ", below " +
                 (centric ? "10 for a centrosymmetric" : "8 for a non-centrosymmetric") + " structure)");
 }
 
@@ -121,7 +121,7 @@ void CifRefinementCheck::check_absolute_structure() {
         findings_.add(CifError::absolute_structure_unsettled, CifError::warning, block_, flack.name,
                       " (" + cif_check_written(block_, flack) +
                           " given without _refine_ls_abs_structure_details saying how it was found)");
-    if (symmetry_.operations() != nullptr && !symmetry_.centrosymmetric() && flack.stated_sigma() > 0.3)
+    if (symmetry_.operations() != nullptr && !symmetry_.centrosymmetric() && flack.stated_sigma() > 0.3 + 1e-9)
         findings_.add(CifError::absolute_structure_unsettled, CifError::remark, block_, flack.name,
                       " (" + cif_check_written(block_, flack) + ": its su " +
                           cif_check_format(flack.stated_sigma(), flack.number.unit) +
