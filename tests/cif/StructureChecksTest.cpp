@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The structure checks (codes 370-384): each trips on its team-written file and passes near its threshold.
+// The structure checks (370-384): each trips on its own file and passes near its threshold.
 #include <gtest/gtest.h>
 
 #include <filesystem>
