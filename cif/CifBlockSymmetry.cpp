@@ -2,6 +2,7 @@
 // A block's symmetry items read once: symbols, number, operators and the group they form.
 #include "cif/CifBlockSymmetry.hpp"
 
+#include <array>
 #include <cmath>
 #include <gemmi/symmetry.hpp>
 #include <optional>
@@ -61,6 +62,10 @@ std::optional<gemmi::GroupOps> from_number(int number) {
 
 struct CifBlockSymmetry::Ops {
     std::optional<gemmi::GroupOps> operators, hall, chosen;
+    bool hall_built = false;
+    // Every operation of the chosen group with its centrings, as the rows of
+    // a 3x4 matrix of doubles (rotation, then translation).
+    std::vector<std::array<double, 12>> affine;
 };
 
 CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
@@ -95,10 +100,9 @@ const gemmi::GroupOps* CifBlockSymmetry::operations() const {
     if (!ops_) {
         ops_ = std::make_unique<Ops>();
         ops_->operators = from_triplets(operators_);
-        ops_->hall = from_hall(hall_);
         if (ops_->operators)
             ops_->chosen = ops_->operators;
-        else if (ops_->hall)
+        else if (operations_of_hall() != nullptr)
             ops_->chosen = ops_->hall;
         else if (auto symbol = from_symbol(symbol_))
             ops_->chosen = symbol;
@@ -109,13 +113,42 @@ const gemmi::GroupOps* CifBlockSymmetry::operations() const {
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations_of_operators() const {
-    operations();
+    operations();  // the operators are read first
     return ops_->operators ? &*ops_->operators : nullptr;
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations_of_hall() const {
-    operations();
+    if (!ops_) ops_ = std::make_unique<Ops>();
+    if (!ops_->hall_built) {
+        ops_->hall_built = true;
+        const gemmi::SpaceGroup* setting = hall_setting();
+        ops_->hall =
+            setting != nullptr ? std::optional<gemmi::GroupOps>(setting->operations()) : from_hall(hall_);
+    }
     return ops_->hall ? &*ops_->hall : nullptr;
+}
+
+const gemmi::SpaceGroup* CifBlockSymmetry::hall_setting() const {
+    if (hall_.empty()) return nullptr;
+    auto same = [](const std::string& written, const char* tabulated) {
+        std::size_t i = 0;
+        for (const char* p = tabulated; *p != '\0'; ++p) {
+            while (i < written.size() && written[i] == ' ') ++i;
+            if (*p == ' ') continue;
+            if (i == written.size() || written[i] != *p) return false;
+            ++i;
+        }
+        while (i < written.size() && written[i] == ' ') ++i;
+        return i == written.size();
+    };
+    // The settings of the stated number first: usually one of them.
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) {
+        if (group.number == number_ && same(hall_, group.hall)) return &group;
+    }
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) {
+        if (group.number != number_ && same(hall_, group.hall)) return &group;
+    }
+    return nullptr;
 }
 
 bool CifBlockSymmetry::hall_readable() const { return hall_.empty() || operations_of_hall() != nullptr; }
@@ -140,22 +173,33 @@ int CifBlockSymmetry::centring_count() const {
 int CifBlockSymmetry::multiplicity(const double xyz[3], const double cell_lengths[3]) const {
     const gemmi::GroupOps* ops = operations();
     if (ops == nullptr) return 0;
+    std::vector<std::array<double, 12>>& affine = ops_->affine;
+    if (affine.empty()) {
+        constexpr double den = gemmi::Op::DEN;
+        for (const gemmi::Op& op : ops->sym_ops) {
+            for (const gemmi::Op::Tran& centring : ops->cen_ops) {
+                std::array<double, 12> m;
+                for (int i = 0; i < 3; ++i) {
+                    for (int j = 0; j < 3; ++j) m[4 * i + j] = op.rot[i][j] / den;
+                    m[4 * i + 3] = (op.tran[i] + centring[i]) / den;
+                }
+                affine.push_back(m);
+            }
+        }
+    }
     // Images closer than this (in Angstrom, along the axes) are the same position.
     constexpr double tolerance = 0.05;
     int fixed = 0;
-    for (const gemmi::Op& op : ops->sym_ops) {
-        for (const gemmi::Op::Tran& centring : ops->cen_ops) {
-            double distance2 = 0.0;
-            for (int i = 0; i < 3; ++i) {
-                double image = (op.tran[i] + centring[i]) / static_cast<double>(gemmi::Op::DEN);
-                for (int j = 0; j < 3; ++j)
-                    image += op.rot[i][j] / static_cast<double>(gemmi::Op::DEN) * xyz[j];
-                double delta = image - xyz[i];
-                delta -= std::round(delta);
-                distance2 += std::pow(delta * cell_lengths[i], 2);
-            }
-            fixed += distance2 < tolerance * tolerance;
+    for (const std::array<double, 12>& m : affine) {
+        double distance2 = 0.0;
+        for (int i = 0; i < 3; ++i) {
+            double delta =
+                m[4 * i] * xyz[0] + m[4 * i + 1] * xyz[1] + m[4 * i + 2] * xyz[2] + m[4 * i + 3] - xyz[i];
+            delta -= std::floor(delta + 0.5);
+            delta *= cell_lengths[i];
+            distance2 += delta * delta;
         }
+        fixed += distance2 < tolerance * tolerance;
     }
-    return fixed == 0 ? 0 : ops->order() / fixed;
+    return fixed == 0 ? 0 : static_cast<int>(affine.size()) / fixed;
 }

@@ -12,7 +12,8 @@ class CifDataBlock;
 
 namespace gemmi {
 struct GroupOps;
-}
+struct SpaceGroup;
+}  // namespace gemmi
 
 // A block's symmetry items, read once for all the checks of the block: the
 // Hermann-Mauguin symbol, the Hall symbol, the number and the operators,
@@ -38,6 +39,8 @@ public:
 
     // The group the operators form (built on first use); null without operators.
     const Spacegroup* spacegroup_of_operators() const;
+    // The same when something asked for it already; null otherwise.
+    const Spacegroup* spacegroup_of_operators_if_built() const { return spacegroup_.get(); }
 
     // The group's operations, from the first source that can be read: the
     // operators, the Hall symbol, the Hermann-Mauguin symbol, the number.
@@ -48,6 +51,9 @@ public:
     const gemmi::GroupOps* operations_of_operators() const;
     const gemmi::GroupOps* operations_of_hall() const;
     bool hall_readable() const;
+    // The tabulated setting whose Hall symbol is written as the block's
+    // (blanks aside); null for none. Found without building any group.
+    const gemmi::SpaceGroup* hall_setting() const;
 
     // Whether the group has a centre of symmetry; false when unknown.
     bool centrosymmetric() const;

@@ -13,10 +13,13 @@ namespace {
 // The tabulated setting the operations form, or null.
 const gemmi::SpaceGroup* setting_of(const gemmi::GroupOps& ops) { return gemmi::find_spacegroup_by_ops(ops); }
 
+std::string name_of(const gemmi::SpaceGroup& group) {
+    return group.xhm() + " (" + std::to_string(group.number) + ")";
+}
+
 std::string name_of(const gemmi::GroupOps& ops) {
     const gemmi::SpaceGroup* found = setting_of(ops);
-    return found == nullptr ? std::string("a setting outside the tables")
-                            : found->xhm() + " (" + std::to_string(found->number) + ")";
+    return found == nullptr ? std::string("a setting outside the tables") : name_of(*found);
 }
 
 // Whether the H-M symbol names the operations; a symbol without an origin or
@@ -77,33 +80,45 @@ void CifSymmetryCheck::check_hall_and_number() {
     const gemmi::GroupOps* operators = symmetry_.operations_of_operators();
     const std::string& hall_name = symmetry_.hall_name();
     if (!symmetry_.hall().empty()) {
-        const gemmi::GroupOps* hall = symmetry_.operations_of_hall();
         const std::string quoted = "'" + symmetry_.hall() + "'";
-        if (hall == nullptr) {
+        // A Hall symbol as the tables write it is compared by its setting,
+        // without building its group where the operators' is known.
+        const gemmi::SpaceGroup* setting = symmetry_.hall_setting();
+        const gemmi::GroupOps* hall = setting == nullptr ? symmetry_.operations_of_hall() : nullptr;
+        if (setting == nullptr && hall == nullptr) {
             findings_.add(CifError::space_group_items_disagree, CifError::warning, block_, hall_name,
                           " (" + quoted + " cannot be read as a Hall symbol)");
             return;
         }
+        auto hall_name_of = [&] { return setting != nullptr ? name_of(*setting) : name_of(*hall); };
         if (operators != nullptr) {
-            if (!hall->is_same_as(*operators))
+            const Spacegroup* group = symmetry_.spacegroup_of_operators_if_built();
+            bool same = setting != nullptr && group != nullptr && group->symbol() != "Unknown"
+                            ? group->symbol() == setting->xhm()
+                            : symmetry_.operations_of_hall()->is_same_as(*operators);
+            if (!same)
                 findings_.add(CifError::space_group_items_disagree, CifError::warning, block_, hall_name,
-                              " (" + quoted + " gives " + name_of(*hall) + "; the operators of " +
+                              " (" + quoted + " gives " + hall_name_of() + "; the operators of " +
                                   symmetry_.operators_name() + " form " + name_of(*operators) + ")");
-        } else if (!symmetry_.symbol().empty() && !symbol_names(symmetry_.symbol(), *hall)) {
+        } else if (!symmetry_.symbol().empty() &&
+                   !symbol_names(symmetry_.symbol(), *symmetry_.operations_of_hall())) {
             // With operators, the H-M symbol is checked against them (362).
             findings_.add(CifError::space_group_items_disagree, CifError::warning, block_, hall_name,
-                          " (" + quoted + " gives " + name_of(*hall) + "; " + symmetry_.symbol_name() + " '" +
+                          " (" + quoted + " gives " + hall_name_of() + "; " + symmetry_.symbol_name() + " '" +
                               symmetry_.symbol() + "' is " +
                               Spacegroup::derive_orma_symbol(symmetry_.symbol()) + ")");
         }
         // Only the settings of the stated number are tried; the table is
         // searched for a name only when none fits.
-        if (symmetry_.number() >= 1 && symmetry_.number() <= 230 && !number_fits(symmetry_.number(), *hall) &&
-            setting_of(*hall) != nullptr)
+        const int number = symmetry_.number();
+        bool fits = setting != nullptr ? setting->number == number
+                                       : number < 1 || number > 230 || number_fits(number, *hall) ||
+                                             setting_of(*hall) == nullptr;
+        if (number >= 1 && number <= 230 && !fits)
             findings_.add(CifError::space_group_items_disagree, CifError::warning, block_,
                           symmetry_.number_name(),
-                          " (" + std::to_string(symmetry_.number()) + "; " + hall_name + " " + quoted +
-                              " gives " + name_of(*hall) + ")");
+                          " (" + std::to_string(number) + "; " + hall_name + " " + quoted + " gives " +
+                              hall_name_of() + ")");
         return;
     }
     // Without a Hall symbol or an H-M symbol (which 303 checks), the number
