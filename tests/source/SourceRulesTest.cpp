@@ -40,6 +40,7 @@ const FolderLicence kLicences[] = {
     {"tests/gui", kGpl},
     {"bench/parse_vs_gemmi", kMit},
     {"bench/dictionary", kMit},
+    {"bench/structure_checks", kMit},
     {"bench/check", kGpl},
     {"bench/document", kGpl},
     {"bench/editor", kGpl},
