@@ -280,9 +280,13 @@ constexpr CifErrorCatalogueEntry table[] = {
     {384, 0, "publication_item_missing", "Publication item %1 is missing%2",
      "A document meant for publication (one that gives any _publ_ or _journal_ item) lacks its title "
      "(_publ_section_title) or authors (_publ_author_name), or a journal is requested "
-     "(_publ_requested_journal) and it lacks the contact author, the requested category or "
-     "_journal_coeditor_code; each is listed once per document, on the first block's line, unless the "
-     "mandatory items already report it (347)."},
+     "(_publ_requested_journal) "
+     "and it lacks the contact author's name (or the older _publ_contact_author) or e-mail address, the "
+     "requested category or, for a journal of the IUCr, _journal_coeditor_code; a value of ? counts as "
+     "missing. "
+     "Each is listed once per document, on the first block's line, unless the mandatory items already report "
+     "it "
+     "(347)."},
 };
 
 }  // namespace

@@ -14,12 +14,23 @@ void CifPublicationCheck::check() {
     if (blocks.empty()) return;
     bool for_publication = false;
     std::string journal, journal_name;
-    auto given = [&](const char* name) {
+    // A value that is only ? or ., in a text field too, is not given.
+    auto given_as = [&](const char* name) {
         for (const THandle<CifDataBlock>& block : blocks) {
             THandle<CifDataItem> item = block->find(name);
-            if (!item.is_null() && item->has_value() && !cif_check_unknown(item->value_view(0))) return true;
+            if (item.is_null() || !item->has_value()) continue;
+            std::string_view value = item->value_view(0);
+            std::size_t first = value.find_first_not_of(" \t\r\n");
+            std::size_t last = value.find_last_not_of(" \t\r\n");
+            if (first != std::string_view::npos && !cif_check_unknown(value.substr(first, last - first + 1)))
+                return true;
         }
         return false;
+    };
+    // The contact author's name may come with the address in the older _publ_contact_author.
+    auto given = [&](const char* name) {
+        return given_as(name) ||
+               (std::string_view(name) == "_publ_contact_author_name" && given_as("_publ_contact_author"));
     };
     for (const THandle<CifDataBlock>& block : blocks) {
         for_publication = for_publication || block->has_item_with_category("publ") ||
@@ -41,7 +52,13 @@ void CifPublicationCheck::check() {
     require("_publ_author_name", " (the authors)");
     if (journal.empty()) return;
     const std::string requested = " (" + journal_name + " '" + journal + "' requests a journal)";
-    for (const char* name : {"_publ_contact_author_name", "_publ_contact_author_email",
-                             "_publ_requested_category", "_journal_coeditor_code"})
+    for (const char* name :
+         {"_publ_contact_author_name", "_publ_contact_author_email", "_publ_requested_category"})
         require(name, requested);
+    // Co-editor codes are those of the IUCr's journals.
+    const std::string lowered = cif_lowercase(journal);
+    bool iucr = false;
+    for (const char* name : {"acta cryst", "iucr", "appl. cryst", "applied cryst", "synchrotron rad"})
+        iucr = iucr || lowered.find(name) != std::string::npos;
+    if (iucr) require("_journal_coeditor_code", requested);
 }

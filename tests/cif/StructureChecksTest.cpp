@@ -268,6 +268,15 @@ TEST(StructureChecks, PublicationItemsAreListedOncePerDocumentAndNotBesideTheMan
     settings.publication_items = {"_publ_author_name"};
     THandle<Cif> mandatory = CifDocumentCheck(THandle<CifDictionary>(), settings).run(text);
     EXPECT_EQ(findings_of(*mandatory), (Findings{{347, 1, 1}}));
+    // The older contact-author item gives the name; ? in a text field is no
+    // title; only the IUCr's journals use co-editor codes.
+    const std::string elsewhere =
+        "data_p\n_publ_requested_journal 'J. Alloys and Compounds'\n_publ_requested_category FA\n"
+        "_publ_contact_author\n;\nA. Author, Freiburg\n;\n_publ_contact_author_email a@b.de\n"
+        "_publ_section_title\n; ?\n;\nloop_\n_publ_author_name\n'Author, A.'\n";
+    THandle<Cif> placeholder = checked(elsewhere);
+    EXPECT_EQ(findings_of(*placeholder), (Findings{{384, 1, 0}}));
+    EXPECT_EQ(placeholder->errors()->begin()->text(), "_publ_section_title");
     // A document that is not meant for publication is left alone.
     EXPECT_TRUE(checked("data_a\n_cell_length_a 5\n")->errors()->empty());
 }
