@@ -164,17 +164,6 @@ void CifChemistryCheck::check_weight_and_density() {
                           " (calculated " + cif_check_format(calculated, density.number.unit) + ")");
         }
     }
-    CifReading measured =
-        cif_check_read(block_, {"_exptl_crystal_density_meas", "_exptl_crystal.density_meas"});
-    if (measured.ok && measured.value() > 0.0) {
-        double off = std::fabs(measured.value() - calculated) / calculated;
-        CifError::ErrorType level;
-        if (cif_check_level(off, 0.05, 0.10, 1e300, level))
-            findings_.add(CifError::density_differs, level, block_, measured.name,
-                          " (measured " + cif_check_written(block_, measured) + "; calculated " +
-                              cif_check_format(calculated, 0.001) + basis + ", off by " + percent(off) +
-                              ", more than " + (level == CifError::warning ? "10 %" : "5 %") + ")");
-    }
 }
 
 void CifChemistryCheck::check_cell_contents() {
@@ -231,6 +220,7 @@ void CifChemistryCheck::check_cell_contents() {
     // Hydrogen atoms left out of the model are a remark.
     bool only_hydrogen_missing =
         wrong_sites.size() == 1 && wrong_sites.begin()->first == "H" && (wrong_sites.begin()->second == 0.0);
+    contents_disagree_ = !only_hydrogen_missing;
     findings_.add(CifError::cell_contents_differ,
                   only_hydrogen_missing ? CifError::remark : CifError::warning, block_, formula_name_,
                   " (" + basis + " gives " + counts_text(wrong_expected) +
@@ -271,4 +261,27 @@ void CifChemistryCheck::check_moieties() {
         findings_.add(CifError::moiety_formula_differs, CifError::remark, block_, moiety_name,
                       " ('" + moiety_text + "': the charges add up to " +
                           cif_check_significant(moiety.charge(), 3) + ", not 0)");
+}
+
+void CifChemistryCheck::check_measured_density() {
+    // The formula is in doubt when the atom sites disagree with it (371).
+    if (contents_disagree_ || !volume_.ok || !z_.ok || volume_.value() <= 0.0) return;
+    double molar = weight_.ok ? weight_.value() : (formula_.valid() ? formula_.weight() : 0.0);
+    if (molar <= 0.0) return;
+    const double calculated = z_.value() * molar * atomic_mass_unit / volume_.value();
+    const std::string basis = " from " + z_.name + " " + cif_check_format(z_.value(), 1.0) + ", " +
+                              (weight_.ok ? weight_.name : formula_name_) + " " +
+                              cif_check_format(molar, 0.01) + " and " + volume_.name + " " +
+                              cif_check_written(block_, volume_);
+    CifReading measured =
+        cif_check_read(block_, {"_exptl_crystal_density_meas", "_exptl_crystal.density_meas"});
+    if (measured.ok && measured.value() > 0.0) {
+        double off = std::fabs(measured.value() - calculated) / calculated;
+        CifError::ErrorType level;
+        if (cif_check_level(off, 0.05, 0.10, 1e300, level))
+            findings_.add(CifError::density_differs, level, block_, measured.name,
+                          " (measured " + cif_check_written(block_, measured) + "; calculated " +
+                              cif_check_format(calculated, 0.001) + basis + ", off by " + percent(off) +
+                              ", more than " + (level == CifError::warning ? "10 %" : "5 %") + ")");
+    }
 }

@@ -14,7 +14,8 @@ class CifDataBlock;
 //   with its level), or against the atom sites without a sum formula;
 // - F(000) against Z and the formula (303);
 // - the calculated density against Z, the weight and the volume (303 within
-//   1 %, 373 beyond) and the measured density against it (373);
+//   1 %, 373 beyond) and the measured density against it (373) unless the
+//   atom sites disagree with the formula;
 // - Z times the sum formula against the atom sites and the atom types'
 //   numbers in the cell (371);
 // - the moiety formula against the sum formula (374).
@@ -26,6 +27,9 @@ public:
     void check_weight_and_density();
     void check_cell_contents();
     void check_moieties();
+    // After check_cell_contents(): left out when the atom sites disagree
+    // with the formula, which then makes the calculated density doubtful.
+    void check_measured_density();
 
 private:
     const CifDataBlock& block_;
@@ -34,4 +38,5 @@ private:
     std::string formula_name_, formula_text_;
     CifChemicalFormula formula_;
     CifReading z_, weight_, volume_;
+    bool contents_disagree_ = false;
 };

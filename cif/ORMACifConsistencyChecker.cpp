@@ -154,6 +154,7 @@ void ORMACifConsistencyChecker::check_chemistry(const CifDataBlock& block, const
     chemistry.check_weight_and_density();
     chemistry.check_cell_contents();
     chemistry.check_moieties();
+    chemistry.check_measured_density();
 }
 
 void ORMACifConsistencyChecker::check_space_group(const CifDataBlock& block,

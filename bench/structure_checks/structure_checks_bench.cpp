@@ -77,6 +77,7 @@ std::size_t structure_checks(const Cif& cif,
         chemistry.check_weight_and_density();
         chemistry.check_cell_contents();
         chemistry.check_moieties();
+        chemistry.check_measured_density();
         CifSymmetryCheck(block, symmetry, findings).check_hall_and_number();
         CifDiffractionCheck experiment(block, symmetry, findings);
         experiment.check_absorption();

@@ -209,6 +209,35 @@ TEST(StructureChecks, SiteMultiplicitiesComeFromTheSpaceGroup) {
     EXPECT_EQ(findings_of(*checked(without)), (Findings{{371, 2, 1}}));
 }
 
+TEST(StructureChecks, AFormulaTheAtomSitesContradictIsNotUsedForTheMeasuredDensity) {
+    // Calcium oxalate hydrate with a sum formula that lacks the carbon: the
+    // measured density fits the real contents, so only the formula is reported.
+    // In P 1 each site is one position; the occupancies count the atoms.
+    const std::string text =
+        "data_w\n_chemical_formula_sum '%s'\n_cell_formula_units_Z 8\n_cell_volume 874.9\n"
+        "_exptl_crystal_density_meas 2.23\n_symmetry_space_group_name_H-M 'P 1'\n"
+        "_cell_length_a 9.57\n_cell_length_b 9.57\n_cell_length_c 9.553\n_cell_angle_alpha 90\n"
+        "_cell_angle_beta 90\n_cell_angle_gamma 90\nloop_\n_atom_site_label\n_atom_site_fract_x\n"
+        "_atom_site_fract_y\n_atom_site_fract_z\n_atom_site_occupancy\n"
+        "Ca1 0 0 0 8\nC1 0 0 0.5 16\nO1 0 0.5 0 40\nH1 0.5 0 0 16\n";
+    auto with = [&](const char* formula) {
+        std::string filled = text;
+        filled.replace(filled.find("%s"), 2, formula);
+        return findings_of(*checked(filled));
+    };
+    EXPECT_EQ(with("H2 Ca O5"), (Findings{{371, 2, 1}}));
+    EXPECT_EQ(with("C2 H2 Ca O5"), Findings{});
+    EXPECT_EQ(with("C2 H2 Ca O6"), (Findings{{371, 2, 1}}));
+    // Only hydrogen left out of the sites: the formula stands, and the
+    // density is checked (2.23 against 2.218 from the formula).
+    std::string without_hydrogen = text;
+    without_hydrogen.replace(without_hydrogen.find("H1 0.5 0 0 16\n"), 14, "");
+    without_hydrogen.replace(without_hydrogen.find("%s"), 2, "C2 H2 Ca O5");
+    EXPECT_EQ(findings_of(*checked(without_hydrogen)), (Findings{{371, 2, 0}}));
+    without_hydrogen.replace(without_hydrogen.find("meas 2.23"), 9, "meas 2.53");
+    EXPECT_EQ(findings_of(*checked(without_hydrogen)), (Findings{{371, 2, 0}, {373, 5, 1}}));
+}
+
 TEST(StructureChecks, MoietyFormulasAreReadPartByPart) {
     struct Case {
         const char* text;
