@@ -68,12 +68,17 @@ CifCellContents::CifCellContents(const CifDataBlock& block, const CifBlockSymmet
     THandle<CifDataItem> occupancy = block.find("_atom_site_occupancy");
     THandle<CifDataItem> multiplicity = block.find("_atom_site_symmetry_multiplicity");
     THandle<CifDataItem> flags = block.find("_atom_site_calc_flag");
+    THandle<CifDataItem> attached = block.find("_atom_site_attached_hydrogens");
     THandle<CifDataItem> xyz[3] = {block.find("_atom_site_fract_x"), block.find("_atom_site_fract_y"),
                                    block.find("_atom_site_fract_z")};
     CifReading cell[6];
     cif_check_read_cell(block, cell);
     const double lengths[3] = {cell[0].ok ? cell[0].value() : 10.0, cell[1].ok ? cell[1].value() : 10.0,
                                cell[2].ok ? cell[2].value() : 10.0};
+    // Hydrogen atoms counted with the atom that carries them. They should be
+    // those without a site of their own, but files that give hydrogen sites
+    // often count those too: they are added only when no site is hydrogen.
+    double carried_hydrogens = 0.0;
     for (std::size_t n = 0; n < rows; ++n) {
         if (column(flags, n) == "dum") continue;
         std::string_view label = column(labels, n);
@@ -105,7 +110,12 @@ CifCellContents::CifCellContents(const CifDataBlock& block, const CifBlockSymmet
             return;
         }
         counts_[element] += weight * copies;
+        double hydrogens = 0.0;
+        std::string_view carried = column(attached, n);
+        if (!cif_check_unknown(carried) && value_of(carried, hydrogens) && hydrogens > 0.0)
+            carried_hydrogens += weight * copies * hydrogens;
     }
+    if (carried_hydrogens > 0.0 && counts_.count("H") == 0) counts_["H"] = carried_hydrogens;
     valid_ = !counts_.empty();
     if (!valid_) problem_ = "no atom sites";
 }

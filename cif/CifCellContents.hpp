@@ -22,7 +22,9 @@ double cif_atomic_weight(const std::string& element);
 // its sites of occupancy times site multiplicity. The multiplicity is the
 // number of copies the space group makes of the site, or, without a space
 // group, its _atom_site_symmetry_multiplicity (which some programs fill
-// with the order of the site's symmetry instead). Sites marked as dummies are left out.
+// with the order of the site's symmetry instead). When no site is a
+// hydrogen atom, the sites' _atom_site_attached_hydrogens give them. Sites
+// marked as dummies are left out.
 class CifCellContents {
 public:
     CifCellContents(const CifDataBlock& block, const CifBlockSymmetry& symmetry);

@@ -225,7 +225,8 @@ constexpr CifErrorCatalogueEntry table[] = {
     {371, 1, "cell_contents_differ", "Value of %1 times Z does not match the atom sites%2",
      "Z times the sum formula does not give, element by element, what the atom sites put into the cell "
      "(occupancy times site multiplicity, the multiplicity from the space group, or without one from "
-     "_atom_site_symmetry_multiplicity), or _atom_type_number_in_cell disagrees with Z times the formula; a "
+     "_atom_site_symmetry_multiplicity; without hydrogen sites, hydrogen atoms from "
+     "_atom_site_attached_hydrogens), or _atom_type_number_in_cell disagrees with Z times the formula; a "
      "count may be off by "
      "0.1 plus 3 %. A remark when the only difference is that no hydrogen atom is among the sites."},
     {372, 2, "formula_weight_differs", "Value of %1 is off the weight of the formula%2",

@@ -2,6 +2,7 @@
 // The structure checks (370-384): each trips on its own file and passes near its threshold.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -236,6 +237,16 @@ TEST(StructureChecks, AFormulaTheAtomSitesContradictIsNotUsedForTheMeasuredDensi
     EXPECT_EQ(findings_of(*checked(without_hydrogen)), (Findings{{371, 2, 0}}));
     without_hydrogen.replace(without_hydrogen.find("meas 2.23"), 9, "meas 2.53");
     EXPECT_EQ(findings_of(*checked(without_hydrogen)), (Findings{{371, 2, 0}, {373, 5, 1}}));
+    // Hydrogen atoms given as attached to another site count.
+    std::string attached = text;
+    attached.replace(attached.find("H1 0.5 0 0 16\n"), 14, "");
+    attached.replace(attached.find("%s"), 2, "C2 H2 Ca O5");
+    attached.replace(attached.find("_atom_site_occupancy\n"), 21,
+                     "_atom_site_occupancy\n_atom_site_attached_hydrogens\n");
+    for (const char* site : {"Ca1 0 0 0 8", "C1 0 0 0.5 16", "O1 0 0.5 0 40"})
+        attached.replace(attached.find(site), std::strlen(site),
+                         std::string(site) + (site[0] == 'O' ? " 0.4" : " 0"));
+    EXPECT_EQ(findings_of(*checked(attached)), Findings{});
 }
 
 TEST(StructureChecks, MoietyFormulasAreReadPartByPart) {
