@@ -2,14 +2,32 @@
 // The launcher: application object, splash screen, shared data, first window, event loop.
 // Everything else lives in libtessarylib.
 #include <QFileInfo>
+#include <cstdio>
 
 #include "application/QcbsApplication.hpp"
+#include "application/QcbsCommandLine.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowSharedData.hpp"
 #include "base/QcbsUtilities.hpp"
 
 int main(int argc, char** argv) {
+    // --help and --version answer before Qt starts, so they work without a
+    // display (in a terminal over ssh, in a package check).
+    const QcbsCommandLine early = QcbsCommandLine::parse(QcbsCommandLine::arguments(argc, argv));
+    if (early.help || early.version) {
+        std::fputs((early.help ? QcbsCommandLine::helpText() : QcbsCommandLine::versionText()).toLocal8Bit(),
+                   stdout);
+        return 0;
+    }
+
     QcbsApplication app(argc, argv);
+    if (!app.commandLine().problem.isEmpty()) {
+        std::fputs(
+            ("tessary: " + app.commandLine().problem + "\nTry 'tessary --help' for more information.\n")
+                .toLocal8Bit(),
+            stderr);
+        return 2;
+    }
     if (app.handedOver()) return 0;  // a running Tessary opens the files
 
     app.showSplash();

@@ -6,31 +6,14 @@
 
 #include "cif/CifNames.hpp"
 #include "cif/CifReader.hpp"
+#include "cif/CifStreamText.hpp"
 
 Cif::Cif(THandle<CifDictionary> dictionary)
     : dictionary_(dictionary), errors_(new CifErrorContainer()), store_(new CifTextStore()) {}
 
 void Cif::read(std::istream& stream, const CifParserSettings& settings) {
     std::string text;
-    // Read at once when the size is known, then whatever follows.
-    std::istream::pos_type start = stream.tellg();
-    if (start != std::istream::pos_type(-1)) {
-        stream.seekg(0, std::ios::end);
-        std::istream::pos_type stop = stream.tellg();
-        stream.seekg(start);
-        if (stop != std::istream::pos_type(-1) && stop > start && stream) {
-            text.resize(static_cast<std::size_t>(stop - start));
-            stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-            text.resize(static_cast<std::size_t>(stream.gcount()));
-        }
-    }
-    stream.clear(stream.rdstate() & ~std::ios::failbit & ~std::ios::eofbit);
-    char buffer[1 << 16];
-    while (stream) {
-        stream.read(buffer, sizeof buffer);
-        text.append(buffer, static_cast<std::size_t>(stream.gcount()));
-    }
-    bool failed = stream.bad();
+    bool failed = !cif_read_stream(stream, text);
     read_text(std::move(text), settings);
     if (failed)
         errors_->add(
@@ -45,6 +28,7 @@ void Cif::read_text(std::string text, const CifParserSettings& settings) {
 
 void Cif::check_mandatory(const std::vector<std::string>& document_names,
                           const std::vector<std::string>& block_names) {
+    if (document_names.empty() && block_names.empty()) return;
     auto present_in = [](const CifDataBlock& block, const std::string& name) {
         return !block.find(name).is_null();
     };
@@ -108,7 +92,7 @@ Cif::iterator Cif::block_at_line(int line) {
 }
 
 Cif::iterator Cif::new_block(const std::string& name, iterator position) {
-    return blocks_.insert(position, THandle<CifDataBlock>(new CifDataBlock(dictionary_, name, -1, store_)));
+    return blocks_.insert(position, store_->make<CifDataBlock>(dictionary_, name, -1, store_));
 }
 
 void Cif::print(std::ostream& stream, const CifWriteSettings& settings) const {

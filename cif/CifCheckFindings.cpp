@@ -8,8 +8,7 @@
 #include "cif/CifLineIndex.hpp"
 #include "cif/CifLoopDamage.hpp"
 
-CifCheckFindings::CifCheckFindings(const Cif& cif)
-    : lines_(std::make_unique<CifLineIndex>(cif.store()->text())) {
+CifCheckFindings::CifCheckFindings(const Cif& cif) : text_(cif.store()->text()) {
     for (const CifError& error : *cif.errors()) {
         if (CifLoopDamage::displaces_values(error.id())) damage_lines_.push_back(error.line());
     }
@@ -17,6 +16,11 @@ CifCheckFindings::CifCheckFindings(const Cif& cif)
 }
 
 CifCheckFindings::~CifCheckFindings() = default;
+
+const CifLineIndex& CifCheckFindings::line_index() const {
+    if (lines_ == nullptr) lines_ = std::make_unique<CifLineIndex>(text_);
+    return *lines_;
+}
 
 void CifCheckFindings::add(CifError::ErrorID id, const CifDataBlock& block, const std::string& name,
                            const std::string& detail) {
@@ -36,7 +40,7 @@ int CifCheckFindings::item_line(const CifDataBlock& block, const std::string& na
 int CifCheckFindings::value_line(const CifDataBlock& block, const std::string& name, std::size_t n) const {
     THandle<CifDataItem> item = block.find(name);
     if (item.is_null()) return std::max(block.line(), 1);
-    if (n < item->size() && !item->values()[n].added()) return lines_->line_at(item->values()[n].offset);
+    if (n < item->size() && !item->values()[n].added()) return line_index().line_at(item->values()[n].offset);
     return item->line() > 0 ? item->line() : std::max(block.line(), 1);
 }
 
@@ -45,7 +49,8 @@ std::size_t CifCheckFindings::sound_rows(const CifDataBlock& block, const CifDat
     for (const CifDataBlock::ItemList& loop : block.loops()) {
         for (const THandle<CifDataItem>& column : loop) {
             if (column.get() == &item)
-                return std::min(item.size(), CifLoopDamage::first_damaged_row(loop, damage_lines_, *lines_));
+                return std::min(item.size(),
+                                CifLoopDamage::first_damaged_row(loop, damage_lines_, line_index()));
         }
     }
     return item.size();

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cif/Cif.hpp"
@@ -41,7 +42,11 @@ public:
     std::vector<CifError> take();
 
 private:
-    std::unique_ptr<CifLineIndex> lines_;
+    // The line index of the document's text, made when a value first needs its line.
+    const CifLineIndex& line_index() const;
+
+    std::string_view text_;
+    mutable std::unique_ptr<CifLineIndex> lines_;
     std::vector<int> damage_lines_;  // sorted lines of syntax problems that displace values
     std::vector<CifError> findings_;
 };

@@ -12,6 +12,7 @@
 #include "cif/CifDictionaryDescriptor.hpp"
 #include "cif/CifErrorContainer.hpp"
 #include "cif/CifItemDefinition.hpp"
+#include "cif/CifNames.hpp"
 #include "support/THandle.hpp"
 
 // One dictionary file read into memory. Reads DDL1 dictionaries (such as
@@ -39,6 +40,7 @@ public:
     std::string name() const override { return descriptor_.name; }
     std::vector<std::string> categories() const override { return categories_; }
     std::vector<std::string> category_items(const std::string& category) const override;
+    std::vector<std::string> mandatory_items(const std::string& category) const override;
 
     // Every definition, in the dictionary's order (one per data name).
     const std::vector<CifItemDefinition>& definitions() const { return definitions_; }
@@ -50,8 +52,9 @@ private:
     CifDictionaryDescriptor descriptor_;
     std::vector<CifItemDefinition> definitions_;
     std::vector<std::string> categories_;
-    // Lower-case data name -> index into definitions_.
-    std::unordered_map<std::string, std::size_t> index_;
+    // Lower-case data name -> index into definitions_; looked up without
+    // regard to case, so a query needs no lower-case copy.
+    std::unordered_map<std::string, std::size_t, CifNameHash, CifNameEqual> index_;
     // Lower-case plain category name -> indexes of its definitions.
     std::unordered_map<std::string, std::vector<std::size_t>> members_;
 };

@@ -27,12 +27,12 @@ CifDataBlock::CifDataBlock(THandle<CifDictionary> dictionary, const std::string&
 
 void CifDataBlock::set_name(const std::string& name) { name_ = cif_block_code(name); }
 
-THandle<CifDataItem> CifDataBlock::find(const std::string& tag) const { return lookup(tag); }
+THandle<CifDataItem> CifDataBlock::find(std::string_view tag) const { return lookup(tag); }
 
 THandle<CifDataItem> CifDataBlock::obtain(const std::string& tag) {
     THandle<CifDataItem> item = find(tag);
     if (item.is_null()) {
-        item = THandle<CifDataItem>(new CifDataItem(tag, store_, dictionary_));
+        item = store_->make<CifDataItem>(tag, store_, dictionary_);
         insert_item(item);
     }
     return item;
@@ -364,8 +364,8 @@ bool CifDataBlock::add_item(THandle<CifDataItem> item) {
 
 THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
     if (indexed_) {
-        auto found = index_.find(tag);
-        return found == index_.end() ? THandle<CifDataItem>() : found->second;
+        const THandle<CifDataItem>* found = index_.find(tag);
+        return found == nullptr ? THandle<CifDataItem>() : *found;
     }
     for (const THandle<CifDataItem>& item : order_) {
         if (cif_iequals(item->name(), tag)) return item;
@@ -375,7 +375,7 @@ THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
 
 void CifDataBlock::build_index() {
     index_.clear();
-    index_.reserve(order_.size() * 2);
+    index_.reserve(order_.size());
     for (const THandle<CifDataItem>& item : order_) index_.emplace(item->name(), item);
     indexed_ = true;
 }

@@ -12,6 +12,7 @@
 #include "cif/CifCommentable.hpp"
 #include "cif/CifDataItem.hpp"
 #include "cif/CifDictionary.hpp"
+#include "cif/CifNameIndex.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextStore.hpp"
 #include "cif/CifWriteSettings.hpp"
@@ -62,7 +63,7 @@ public:
         end_line_ = end;
     }
 
-    THandle<CifDataItem> find(const std::string& tag) const;
+    THandle<CifDataItem> find(std::string_view tag) const;
     THandle<CifDataItem> obtain(const std::string& tag);
     void obtain(const std::vector<std::string>& tags, std::vector<THandle<CifDataItem>>& out);
 
@@ -136,7 +137,7 @@ private:
     // Keyed by views of the items' own names, compared without regard to
     // case; built once a block holds more than a few items.
     static constexpr std::size_t small_block = 8;
-    std::unordered_map<std::string_view, THandle<CifDataItem>, CifNameHash, CifNameEqual> index_;
+    CifNameIndex index_;
     bool indexed_ = false;
     std::vector<ItemList> loops_;
     std::vector<THandle<CifDataBlock>> frames_;

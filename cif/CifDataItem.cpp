@@ -12,8 +12,8 @@ const std::string unknown_value = "?";
 
 CifDataItem::CifDataItem(std::string name, THandle<CifTextStore> store, THandle<CifDictionary> dictionary,
                          int line)
-    : name_(std::move(name)),
-      store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
+    : store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
+      name_(&store_->intern(name)),
       dictionary_(dictionary),
       line_(line) {}
 
@@ -61,11 +61,11 @@ void CifDataItem::copy_value_from(std::size_t n, const CifDataItem& other, std::
 
 int CifDataItem::validate(const std::string& value) const {
     if (dictionary_.is_null() || !dictionary_->has_definitions()) return 0;
-    return dictionary_->check_value(name_, value, looped_);
+    return dictionary_->check_value(*name_, value, looped_);
 }
 
 THandle<CifDataItem> CifDataItem::clone() const {
-    THandle<CifDataItem> copy(new CifDataItem(name_, store_, dictionary_, line_));
+    THandle<CifDataItem> copy = store_->make<CifDataItem>(*name_, store_, dictionary_, line_);
     static_cast<CifCommentable&>(*copy) = *this;
     copy->values_ = values_;
     return copy;

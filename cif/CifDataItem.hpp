@@ -21,7 +21,7 @@ public:
     explicit CifDataItem(std::string name, THandle<CifTextStore> store = THandle<CifTextStore>(),
                          THandle<CifDictionary> dictionary = THandle<CifDictionary>(), int line = -1);
 
-    const std::string& name() const { return name_; }
+    const std::string& name() const { return *name_; }
     // The 1-based line of the data name in the text read, -1 for new items.
     int line() const { return line_; }
     void set_line(int line) { line_ = line; }
@@ -71,8 +71,8 @@ private:
     friend class CifDataBlock;
     void set_looped(bool looped) { looped_ = looped; }
 
-    std::string name_;
     THandle<CifTextStore> store_;
+    const std::string* name_;  // kept by the store
     THandle<CifDictionary> dictionary_;
     CifValueColumn values_;
     int line_;

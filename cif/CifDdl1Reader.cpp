@@ -75,6 +75,9 @@ void CifDdl1Reader::read(std::string text) {
             *log_ << problem.complete_message() << '\n';
         }
     }
+    // Mostly one definition per block: reserved at once, so that the list
+    // is never held twice while it grows.
+    dictionary_.definitions_.reserve(cif.blocks().size());
     for (const THandle<CifDataBlock>& block : cif.blocks()) {
         if (cif_iequals(block->name(), "on_this_dictionary")) {
             read_descriptor(*block);

@@ -62,8 +62,9 @@ public:
     std::vector<Enumeration> enumerations(const std::string& data_name) const;
     std::string definition_text(const std::string& data_name) const;
     std::string category_of(const std::string& data_name) const;
-    // The data names of a category that every loop of it must carry (_list_mandatory).
-    std::vector<std::string> mandatory_items(const std::string& category) const;
+    // The data names of a category that every loop of it must carry
+    // (_list_mandatory). The default goes through category_items().
+    virtual std::vector<std::string> mandatory_items(const std::string& category) const;
 
     // "atom_site" for "_atom_site_[]", "_atom_site" or "atom_site".
     static std::string plain_category_name(const std::string& category);

@@ -68,3 +68,9 @@ std::vector<std::string> CifDictionaryPool::category_items(const std::string& ca
     }
     return result;
 }
+
+std::vector<std::string> CifDictionaryPool::mandatory_items(const std::string& category) const {
+    // One member answers alone; several go through the merged category.
+    if (members_.size() == 1) return members_.front()->mandatory_items(category);
+    return CifDictionary::mandatory_items(category);
+}

@@ -41,6 +41,7 @@ public:
     std::vector<std::string> categories() const override;
     // The category's data names from every member, each name once, in member order.
     std::vector<std::string> category_items(const std::string& category) const override;
+    std::vector<std::string> mandatory_items(const std::string& category) const override;
 
 private:
     std::vector<THandle<CifConcreteDictionary>> members_;

@@ -2,7 +2,12 @@
 // Splits CIF 1.1 or 2.0 text into tokens in one pass, with the line of each.
 #include "cif/CifLexer.hpp"
 
+#include <bit>
+#include <cstdint>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "cif/CifNames.hpp"
 #include "cif/CifValueRef.hpp"
@@ -36,6 +41,56 @@ struct PlainStarts {
 constexpr PlainStarts plain_starts;
 
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
+
+#if defined(__SSE2__)
+// 64 bytes of text seen at once, a bit per byte: white space, line ends,
+// and the bytes that end an unquoted word (white space, NUL, and in CIF 2.0
+// the brackets).
+struct Window {
+    const char* base = nullptr;
+    std::uint64_t space = 0;
+    std::uint64_t newline = 0;
+    std::uint64_t stop = 0;
+};
+
+// The line ends between two words are few: counted one by one (a popcount
+// instruction is not part of the base instruction set).
+int count_bits(std::uint64_t bits) {
+    int count = 0;
+    for (; bits != 0; bits &= bits - 1) ++count;
+    return count;
+}
+
+Window classify(const char* p, bool cif2) {
+    const __m128i blank = _mm_set1_epi8(' ');
+    const __m128i tab = _mm_set1_epi8('\t');
+    const __m128i line_end = _mm_set1_epi8('\n');
+    const __m128i nul = _mm_setzero_si128();
+    Window window;
+    window.base = p;
+    for (int k = 0; k < 4; ++k) {
+        __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * k));
+        __m128i newline = _mm_cmpeq_epi8(bytes, line_end);
+        __m128i space =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, blank), _mm_cmpeq_epi8(bytes, tab)), newline);
+        __m128i stop = _mm_or_si128(space, _mm_cmpeq_epi8(bytes, nul));
+        if (cif2) {
+            stop = _mm_or_si128(stop, _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('[')),
+                                                   _mm_cmpeq_epi8(bytes, _mm_set1_epi8(']'))));
+            stop = _mm_or_si128(stop, _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('{')),
+                                                   _mm_cmpeq_epi8(bytes, _mm_set1_epi8('}'))));
+        }
+        const int shift = 16 * k;
+        window.space |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(space)))
+                        << shift;
+        window.newline |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(newline)))
+                          << shift;
+        window.stop |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(stop)))
+                       << shift;
+    }
+    return window;
+}
+#endif
 
 std::string excerpt(const char* begin, std::size_t length) {
     constexpr std::size_t shown = 40;
@@ -120,6 +175,52 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
     const char* p = p_;
     int line = line_;
     std::size_t count = 0;
+#if defined(__SSE2__)
+    // While 64 bytes or more are left, white space and word ends are found
+    // a window of 64 bytes at a time; the loop below then takes the rest
+    // and everything it leaves to next(), the same way.
+    const bool cif2 = version_ >= 2;
+    Window window;
+    while (count < max_count && end_ - p >= 64) {
+        if (window.base == nullptr || p - window.base >= 64) window = classify(p, cif2);
+        std::size_t offset = static_cast<std::size_t>(p - window.base);
+        std::uint64_t words = ~window.space >> offset;
+        if (words == 0) {
+            line += count_bits(window.newline >> offset);
+            p = window.base + 64;
+            continue;
+        }
+        std::size_t skip = static_cast<std::size_t>(std::countr_zero(words));
+        if (skip > 0) {
+            line += count_bits((window.newline >> offset) & ((std::uint64_t(1) << skip) - 1));
+            p += skip;
+            offset += skip;
+        }
+        if (plain_starts.other[static_cast<unsigned char>(*p)]) break;
+        std::uint64_t stops = window.stop >> offset;
+        if (stops == 0) {
+            // The word goes on past the window: seen again from its start.
+            if (end_ - p < 64) break;
+            window = classify(p, cif2);
+            stops = window.stop;
+            if (stops == 0) break;  // 64 bytes or more: the loop below
+        }
+        std::size_t length = static_cast<std::size_t>(std::countr_zero(stops));
+        const char* after = p + length;
+        // NULs, brackets after a word and oversized words take the slow path.
+        if (*after == '\0' || *after == '[' || *after == ']' || *after == '{' || *after == '}' ||
+            length > limit)
+            break;
+        CifValueRef ref;
+        ref.offset = static_cast<std::uint32_t>(p - begin_);
+        ref.bits = static_cast<std::uint32_t>(length);
+        columns[column]->push_back(ref);
+        if (++column == width) column = 0;
+        ++count;
+        last_end_line_ = line;
+        p = after;
+    }
+#endif
     while (count < max_count) {
         char c = *p;
         while (c == ' ' || c == '\t' || c == '\n') {

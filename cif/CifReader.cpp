@@ -173,7 +173,8 @@ void CifReader::parse() {
 
 CifToken CifReader::on_data(const CifToken& token) {
     std::string name(token.begin, token.length);
-    THandle<CifDataBlock> block(new CifDataBlock(cif_.dictionary_, "data_" + name, token.line, store_));
+    THandle<CifDataBlock> block =
+        store_->make<CifDataBlock>(cif_.dictionary_, "data_" + name, token.line, store_);
     // Comments between blocks introduce the next one.
     take_comments(block.get());
     finish_block(false);
@@ -313,7 +314,8 @@ CifToken CifReader::on_name(const CifToken& token) {
     if (block == nullptr) return skip_outside_block(token);
     std::string name(token.begin, token.length);
     check_name(name, token.line, false);
-    THandle<CifDataItem> item(new CifDataItem(std::move(name), store_, cif_.dictionary_, token.line));
+    THandle<CifDataItem> item =
+        store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, token.line);
     take_comments(item.get());
     CifToken value = next();
     bool has_value = value.kind == CifToken::value;
@@ -360,7 +362,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
     while (t.kind == CifToken::name) {
         std::string name(t.begin, t.length);
         check_name(name, t.line, false);
-        THandle<CifDataItem> item(new CifDataItem(std::move(name), store_, cif_.dictionary_, t.line));
+        THandle<CifDataItem> item =
+            store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, t.line);
         if (columns.empty()) item->append_comments(loop_comments);
         take_comments(item.get());
         columns.push_back(item);
@@ -483,7 +486,7 @@ CifToken CifReader::on_save(const CifToken& token) {
         close_frame(true, previous_end_);
     }
     check_name(name, token.line, true);
-    frame_ = THandle<CifDataBlock>(new CifDataBlock(cif_.dictionary_, "data_" + name, token.line, store_));
+    frame_ = store_->make<CifDataBlock>(cif_.dictionary_, "data_" + name, token.line, store_);
     block_->add_save_frame(frame_);
     take_comments(frame_.get());
     last_item_ = THandle<CifDataItem>();

@@ -2,6 +2,8 @@
 // The text a document was read from and the values given to its items afterwards.
 #include "cif/CifTextStore.hpp"
 
+#include "cif/CifNames.hpp"
+
 CifValueRef CifTextStore::add(std::string_view value, std::uint32_t flags) {
     CifValueRef ref;
     ref.offset = static_cast<std::uint32_t>(added_.size());
@@ -11,4 +13,25 @@ CifValueRef CifTextStore::add(std::string_view value, std::uint32_t flags) {
         length | (flags & (CifValueRef::quoted_flag | CifValueRef::compound_flag)) | CifValueRef::added_flag;
     added_.emplace_back(value);
     return ref;
+}
+
+const std::string& CifTextStore::intern(std::string_view name) {
+    // A flat table of the kept names, at most half full.
+    if ((name_count_ + 1) * 2 > name_slots_.size()) {
+        std::vector<const std::string*> old(name_slots_.empty() ? 32 : name_slots_.size() * 2, nullptr);
+        old.swap(name_slots_);
+        for (const std::string* kept : old) {
+            if (kept == nullptr) continue;
+            std::size_t i = cif_name_hash(*kept) & (name_slots_.size() - 1);
+            while (name_slots_[i] != nullptr) i = (i + 1) & (name_slots_.size() - 1);
+            name_slots_[i] = kept;
+        }
+    }
+    std::size_t i = cif_name_hash(name) & (name_slots_.size() - 1);
+    for (; name_slots_[i] != nullptr; i = (i + 1) & (name_slots_.size() - 1)) {
+        if (*name_slots_[i] == name) return *name_slots_[i];
+    }
+    name_slots_[i] = &names_.emplace_back(name);
+    ++name_count_;
+    return *name_slots_[i];
 }

@@ -6,12 +6,16 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "cif/CifArena.hpp"
 #include "cif/CifValueRef.hpp"
 
 // The text a document was read from, with line ends made LF, and the
 // values given to items afterwards. Values refer into it by CifValueRef;
 // both parts only grow, so views of values stay valid while the store lives.
+// It also keeps the data names of its items, each once, and the arena the
+// items and blocks of its document are made in.
 class CifTextStore {
 public:
     CifTextStore() = default;
@@ -32,7 +36,21 @@ public:
 
     std::size_t added_count() const { return added_.size(); }
 
+    // The name kept once (as written; names repeat across blocks and frames).
+    const std::string& intern(std::string_view name);
+
+    // A new item or block of this store's document, made in its arena.
+    template <class T, class... Args>
+    THandle<T> make(Args&&... args) {
+        return arena_.make<T>(std::forward<Args>(args)...);
+    }
+    const CifArena& arena() const { return arena_; }
+
 private:
     std::string text_;
     std::deque<std::string> added_;
+    std::deque<std::string> names_;
+    std::vector<const std::string*> name_slots_;  // names_ by hash
+    std::size_t name_count_ = 0;
+    CifArena arena_;
 };

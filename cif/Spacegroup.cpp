@@ -2,8 +2,11 @@
 // Space groups over the table of International Tables settings, by symbol and by operators.
 #include "cif/Spacegroup.hpp"
 
+#include <algorithm>
 #include <gemmi/symmetry.hpp>
 #include <stdexcept>
+
+#include "cif/SpacegroupCache.hpp"
 
 namespace {
 
@@ -91,10 +94,36 @@ const gemmi::SpaceGroup* find(const std::string& symbol) {
     return find_name(plain);
 }
 
+// The setting a symbol names ("" and 0 when none), looked up once per
+// distinct text: files of a run mostly name a few groups.
+SpacegroupCache::Group named(const std::string& symbol) {
+    return SpacegroupCache::by_name().lookup(symbol, [&symbol]() {
+        const gemmi::SpaceGroup* found = find(symbol);
+        return found == nullptr ? SpacegroupCache::Group{std::string(), 0, true}
+                                : SpacegroupCache::Group{found->xhm(), found->number, true};
+    });
+}
+
 }  // namespace
 
 Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, const std::string& hint)
     : symbol_(unknown_symbol), given_number_(number), given_symbol_(hint) {
+    // Files mostly write a group's operators alike: the text as written is
+    // looked up first, before any operator is read.
+    std::string written;
+    for (const std::string& text : operators) {
+        written += text;
+        written += '\n';
+    }
+    SpacegroupCache::Group group =
+        SpacegroupCache::by_text().lookup(written, [&]() { return from_operators(operators, number); });
+    symbol_ = group.symbol;
+    number_ = group.number;
+    readable_ = group.readable;
+}
+
+SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>& operators, int number) {
+    SpacegroupCache::Group unknown{unknown_symbol, 0, true};
     std::vector<gemmi::Op> ops;
     try {
         for (const std::string& text : operators) {
@@ -107,16 +136,44 @@ Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, co
             ops.push_back(op.wrap());
         }
     } catch (const std::exception&) {
-        readable_ = false;
-        return;
+        unknown.readable = false;
+        return unknown;
     }
-    if (ops.empty()) return;
-    gemmi::GroupOps group = gemmi::split_centering_vectors(ops);
-    if (group.cen_ops.empty()) group.cen_ops.push_back({0, 0, 0});
-    if (const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_ops(group)) {
-        symbol_ = found->xhm();
-        number_ = found->number;
+    if (ops.empty()) return unknown;
+    // The same operators in any order or written form give the same key
+    // (translations are wrapped into [0, 1) above).
+    std::sort(ops.begin(), ops.end());
+    std::string key;
+    key.reserve(ops.size() * 12 * sizeof(int));
+    for (const gemmi::Op& op : ops) {
+        for (const auto& row : op.rot) key.append(reinterpret_cast<const char*>(row.data()), sizeof row);
+        key.append(reinterpret_cast<const char*>(op.tran.data()), sizeof op.tran);
     }
+    return SpacegroupCache::by_operators().lookup(key, [&ops, &unknown, number]() {
+        SpacegroupCache::Group result = unknown;
+        gemmi::GroupOps group_ops = gemmi::split_centering_vectors(ops);
+        if (group_ops.cen_ops.empty()) group_ops.cen_ops.push_back({0, 0, 0});
+        // The settings of the number given are tried first: operators that
+        // form a setting form it under its own number, and the first such
+        // setting in table order is the one the whole search would find.
+        const gemmi::SpaceGroup* found = nullptr;
+        char centring = group_ops.find_centering();
+        for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
+            if (number < 1 || number > 230) break;
+            if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]))
+                continue;
+            if (group_ops.is_same_as(setting.operations())) {
+                found = &setting;
+                break;
+            }
+        }
+        if (found == nullptr) found = gemmi::find_spacegroup_by_ops(group_ops);
+        if (found != nullptr) {
+            result.symbol = found->xhm();
+            result.number = found->number;
+        }
+        return result;
+    });
 }
 
 int Spacegroup::nsettings(int number) {
@@ -136,19 +193,16 @@ std::string Spacegroup::orma_symbol(int number, int setting) {
 }
 
 std::string Spacegroup::derive_orma_symbol(const std::string& symbol) {
-    const gemmi::SpaceGroup* found = find(symbol);
-    return found == nullptr ? std::string(unknown_symbol) : found->xhm();
+    SpacegroupCache::Group found = named(symbol);
+    return found.number == 0 ? std::string(unknown_symbol) : found.symbol;
 }
 
 std::string Spacegroup::name_space_separated(const std::string& symbol) {
-    const gemmi::SpaceGroup* found = find(symbol);
-    return found == nullptr ? trimmed(symbol) : found->xhm();
+    SpacegroupCache::Group found = named(symbol);
+    return found.number == 0 ? trimmed(symbol) : found.symbol;
 }
 
-int Spacegroup::number_of(const std::string& symbol) {
-    const gemmi::SpaceGroup* found = find(symbol);
-    return found == nullptr ? 0 : found->number;
-}
+int Spacegroup::number_of(const std::string& symbol) { return named(symbol).number; }
 
 int Spacegroup::crystal_system(int number) {
     if (number < 1 || number > 230) return unknown_system;

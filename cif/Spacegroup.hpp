@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "cif/SpacegroupCache.hpp"
+
 // Space groups over the table of International Tables settings (559
 // settings of the 230 groups). A setting is named by its "suite symbol":
 // the full Hermann-Mauguin symbol with blanks between its parts and, where
@@ -70,6 +72,10 @@ public:
     static const char* crystal_system_name(int index);
 
 private:
+    // The group of the operators, matched against the tables once per
+    // distinct list (SpacegroupCache); number (when 1-230) is tried first.
+    static SpacegroupCache::Group from_operators(const std::vector<std::string>& operators, int number);
+
     std::string symbol_;
     int number_ = 0;
     int given_number_;

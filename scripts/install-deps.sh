@@ -18,13 +18,18 @@ packages=(
   # the text of printed PDF files (the print tests)
   poppler-utils
   # the peer reader the benchmarks compare against (gemmi's CIF reader needs it)
-  tao-pegtl-dev
+  # and the peer checker they time whole (gemmi validate)
+  tao-pegtl-dev gemmi
   # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
   libavogadro-data libcifpp-data cod-tools
   # full structure reports (two from the COD) for the structure checks' measurements
   cif2hkl drawxtl gdis-data
   # running the editor headless and looking at it
   xvfb xauth x11-utils imagemagick fonts-dejavu-core
+  # the Debian package (cpack -G DEB) and its validators: dependencies found by
+  # dpkg-shlibdeps, lintian, the desktop file, AppStream metadata, the MIME
+  # type, the man pages and the bash completion
+  dpkg-dev lintian desktop-file-utils appstream shared-mime-info man-db bash-completion
 )
 
 missing=()

@@ -17,27 +17,29 @@
 #endif
 
 // A reference-counted handle: two words, the object pointer (may be null)
-// and a separately allocated count. The object is destroyed through its
-// virtual destructor when the last handle lets go. Handles compare by the
-// identity of their object.
+// and a separately allocated count (none for a null handle). The object is
+// destroyed through its virtual destructor when the last handle lets go,
+// unless its count names a release of its own (objects kept in storage that
+// someone else owns, see THandleCount). Handles compare by the identity of
+// their object.
 template <class T>
 class THandle {
 public:
-    THandle() : THandle(nullptr) {}
-    explicit THandle(T* object) : object_(object), count_(new long(1)) {}
-    THandle(std::nullptr_t) : object_(nullptr), count_(new long(1)) {}
+    THandle() noexcept : object_(nullptr), count_(nullptr) {}
+    explicit THandle(T* object) : object_(object), count_(object == nullptr ? nullptr : new THandleCount) {}
+    THandle(std::nullptr_t) noexcept : THandle() {}
 
-    THandle(const THandle& other) noexcept : object_(other.object_), count_(other.count_) { ++*count_; }
+    THandle(const THandle& other) noexcept : object_(other.object_), count_(other.count_) { retain(); }
 
     // A handle to a derived class converts to one to its base, sharing the count.
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     THandle(const THandle<U>& other) noexcept : object_(other.object_), count_(other.count_) {
-        ++*count_;
+        retain();
     }
 
     THandle& operator=(const THandle& other) noexcept {
         if (this != &other) {
-            ++*other.count_;  // taken first, so self-sharing assignment is safe
+            if (other.count_ != nullptr) ++other.count_->count;  // taken first: self-sharing is safe
             release();
             object_ = other.object_;
             count_ = other.count_;
@@ -59,7 +61,11 @@ public:
     T* get() const noexcept { return object_; }
     bool is_null() const noexcept { return object_ == nullptr; }
     explicit operator bool() const noexcept { return object_ != nullptr; }
-    long use_count() const noexcept { return *count_; }
+    long use_count() const noexcept { return count_ == nullptr ? 0 : count_->count; }
+
+    // A handle of an object whose count (and storage) its owner keeps: the
+    // count is taken once more; when it drops to zero its release runs.
+    static THandle shared(T* object, THandleCount* count) noexcept { return THandle(object, count); }
 
     // A handle of the same object seen as a U, or a null handle when the
     // object is not a U.
@@ -83,17 +89,23 @@ private:
     template <class U>
     friend class THandle;
 
-    THandle(T* object, long* count) noexcept : object_(object), count_(count) { ++*count_; }
+    THandle(T* object, THandleCount* count) noexcept : object_(object), count_(count) { retain(); }
 
+    void retain() noexcept {
+        if (count_ != nullptr) ++count_->count;
+    }
     void release() noexcept {
-        if (--*count_ == 0) {
+        if (count_ == nullptr || --count_->count != 0) return;
+        if (count_->release != nullptr) {
+            count_->release(count_);
+        } else {
             delete count_;
             delete object_;
         }
     }
 
     T* object_;
-    long* count_;
+    THandleCount* count_;
 };
 
 #if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12

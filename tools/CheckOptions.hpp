@@ -10,7 +10,7 @@ struct CheckOptions {
     std::vector<std::string> files;
     bool json = false;
     int line_length = 80;
-    int jobs = 1;
+    int jobs = 0;  // 0: one thread per processor core
     bool help = false;
     bool version = false;
     std::vector<std::string> dictionaries;  // -d FILE, in the order given

@@ -42,6 +42,56 @@ std::string CheckReport::json_string(const std::string& text) {
     return out + "\"";
 }
 
+std::string CheckReport::terminal_text(const std::string& text) {
+    auto escape = [](std::string& out, unsigned code) {
+        char escaped[8];
+        std::snprintf(escaped, sizeof escaped, "\\u%04x", code);
+        out += escaped;
+    };
+    std::string out;
+    out.reserve(text.size());
+    const std::size_t size = text.size();
+    for (std::size_t i = 0; i < size;) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c < 0x80) {
+            if (c < 0x20 || c == 0x7F)
+                escape(out, c);
+            else
+                out += static_cast<char>(c);
+            ++i;
+            continue;
+        }
+        // A well-formed UTF-8 character is kept whole unless it is a C1
+        // control (U+0080..U+009F); overlong forms and surrogates are not
+        // well formed.
+        const std::size_t length = c >= 0xF8 ? 0 : c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 0;
+        unsigned code = c & (0x7Fu >> length);
+        bool utf8 = length > 0 && i + length <= size;
+        for (std::size_t k = 1; utf8 && k < length; ++k) {
+            const auto byte = static_cast<unsigned char>(text[i + k]);
+            utf8 = (byte & 0xC0) == 0x80;
+            code = (code << 6) | (byte & 0x3Fu);
+        }
+        static const unsigned smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+        utf8 = utf8 && code >= smallest[length] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
+        if (utf8) {
+            if (code <= 0x9F)
+                escape(out, code);
+            else
+                out.append(text, i, length);
+            i += length;
+            continue;
+        }
+        // Otherwise the byte is read as Latin-1, where 0x80..0x9F are C1 controls.
+        if (c <= 0x9F)
+            escape(out, c);
+        else
+            out += static_cast<char>(c);
+        ++i;
+    }
+    return out;
+}
+
 void CheckReport::begin() {
     if (json_) out_ << "{\"files\": [";
 }
@@ -73,14 +123,18 @@ void CheckReport::add(const FileCheckResult& result) {
         return;
     }
     if (!result.io_problem.empty()) {
-        problems_ << result.file << ": cannot read: " << result.io_problem << '\n';
+        problems_ << terminal_text(result.file) << ": cannot read: " << terminal_text(result.io_problem)
+                  << '\n';
         return;
     }
+    // Names and values come from the file: printed raw, an escape sequence in
+    // a data name would drive the user's terminal.
+    const std::string file = terminal_text(result.file);
     for (const CifError& message : result.messages) {
-        out_ << result.file << ':' << message.line() << ": " << kind_name(message.type()) << " ["
-             << message.id() << "]: " << message.message() << '\n';
+        out_ << file << ':' << message.line() << ": " << kind_name(message.type()) << " [" << message.id()
+             << "]: " << terminal_text(message.message()) << '\n';
     }
-    out_ << result.file << ": " << counted(result.errors, "error", "errors") << ", "
+    out_ << file << ": " << counted(result.errors, "error", "errors") << ", "
          << counted(result.warnings, "warning", "warnings") << ", "
          << counted(result.remarks, "remark", "remarks") << '\n';
 }

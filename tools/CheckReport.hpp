@@ -19,6 +19,10 @@ public:
 
     // A text safe inside JSON quotes; bytes above 127 are read as Latin-1.
     static std::string json_string(const std::string& text);
+    // A text safe to print on a terminal: control characters (C0, DEL, and
+    // C1 whether written as UTF-8 or as single Latin-1 bytes) become \u00XX,
+    // as in JSON; everything else, UTF-8 included, is kept.
+    static std::string terminal_text(const std::string& text);
     static std::string kind_name(CifError::ErrorType type);
 
 private:

@@ -11,7 +11,7 @@
 #include "cif/Cif.hpp"
 #include "tools/SharedDictionary.hpp"
 
-FileCheckResult FileCheck::check(const std::string& file) const {
+FileCheckResult FileCheck::check(const std::string& file, THandle<Cif>* keep) const {
     FileCheckResult result;
     result.file = file;
     THandle<CifDictionary> dictionary;
@@ -40,5 +40,6 @@ FileCheckResult FileCheck::check(const std::string& file) const {
         if (message.type() == CifError::warning) ++result.warnings;
         if (message.type() == CifError::remark) ++result.remarks;
     }
+    if (keep != nullptr) *keep = document;
     return result;
 }

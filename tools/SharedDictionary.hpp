@@ -27,6 +27,9 @@ public:
     std::vector<std::string> category_items(const std::string& category) const override {
         return target_.category_items(category);
     }
+    std::vector<std::string> mandatory_items(const std::string& category) const override {
+        return target_.mandatory_items(category);
+    }
 
 private:
     const CifDictionary& target_;

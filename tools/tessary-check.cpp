@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: MIT
 // tessary-check: checks CIF files from the command line (see CheckOptions::usage).
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -33,13 +38,7 @@ int main(int argc, char** argv) {
         return 0;
     }
 
-    // Each file is checked on one thread; results are printed in the order
-    // the files were named, as soon as each is ready.
     const std::size_t count = options.files.size();
-    std::vector<std::optional<FileCheckResult>> results(count);
-    std::mutex mutex;
-    std::condition_variable ready;
-    std::atomic<std::size_t> next_file{0};
     FileCheckSettings settings;
     settings.check.parser.line_length = options.line_length;
     settings.check.consistency = options.consistency;
@@ -60,39 +59,68 @@ int main(int argc, char** argv) {
         settings.check.crystal_items = std::move(items.crystal);
     }
     FileCheck checker(settings);
-    auto work = [&]() {
-        for (std::size_t i = next_file++; i < count; i = next_file++) {
-            FileCheckResult result = checker.check(options.files[i]);
-            std::lock_guard<std::mutex> lock(mutex);
-            results[i] = std::move(result);
-            ready.notify_all();
-        }
-    };
-    std::size_t threads = std::min<std::size_t>(static_cast<std::size_t>(options.jobs), count);
-    std::vector<std::thread> workers;
-    if (threads > 1) {
-        for (std::size_t i = 0; i < threads; ++i) workers.emplace_back(work);
-    }
-    if (threads <= 1) work();
-
+    // The last file's document is left to the end of the process.
+    THandle<Cif> last_document;
+    auto keep = [&](std::size_t i) { return i + 1 == count ? &last_document : nullptr; };
     CheckReport report(std::cout, std::cerr, options.json);
     report.begin();
     bool any_errors = false;
     bool any_unreadable = false;
-    for (std::size_t i = 0; i < count; ++i) {
-        FileCheckResult result;
-        {
-            std::unique_lock<std::mutex> lock(mutex);
-            ready.wait(lock, [&]() { return results[i].has_value(); });
-            result = std::move(*results[i]);
-            results[i].reset();
-        }
+    const bool interactive = ::isatty(STDOUT_FILENO) != 0;
+    auto last_flush = std::chrono::steady_clock::now();
+    auto print = [&](const FileCheckResult& result) {
         any_errors = any_errors || result.errors > 0;
         any_unreadable = any_unreadable || !result.io_problem.empty();
         report.add(result);
+        // Lines go out as files are done: at once to a terminal, otherwise
+        // at least every tenth of a second (a flush per file would cost
+        // more than checking a small file).
+        auto now = std::chrono::steady_clock::now();
+        if (interactive || now - last_flush >= std::chrono::milliseconds(100)) {
+            std::cout.flush();
+            last_flush = now;
+        }
+    };
+
+    std::size_t threads = options.jobs > 0 ? static_cast<std::size_t>(options.jobs)
+                                           : std::max(1u, std::thread::hardware_concurrency());
+    threads = std::min(threads, count);
+    if (threads <= 1) {
+        for (std::size_t i = 0; i < count; ++i) print(checker.check(options.files[i], keep(i)));
+    } else {
+        // Each file is checked on one thread; results are printed in the
+        // order the files were named, each as soon as it and those before
+        // it are done.
+        std::vector<std::optional<FileCheckResult>> results(count);
+        std::mutex mutex;
+        std::condition_variable ready;
+        std::atomic<std::size_t> next_file{0};
+        auto work = [&]() {
+            for (std::size_t i = next_file++; i < count; i = next_file++) {
+                FileCheckResult result = checker.check(options.files[i], keep(i));
+                std::lock_guard<std::mutex> lock(mutex);
+                results[i] = std::move(result);
+                ready.notify_all();
+            }
+        };
+        std::vector<std::thread> workers;
+        for (std::size_t i = 0; i < threads; ++i) workers.emplace_back(work);
+        for (std::size_t i = 0; i < count; ++i) {
+            FileCheckResult result;
+            {
+                std::unique_lock<std::mutex> lock(mutex);
+                ready.wait(lock, [&]() { return results[i].has_value(); });
+                result = std::move(*results[i]);
+                results[i].reset();
+            }
+            print(result);
+        }
+        for (std::thread& worker : workers) worker.join();
     }
     report.end();
-    for (std::thread& worker : workers) worker.join();
-    if (any_unreadable) return 2;
-    return any_errors ? 1 : 0;
+    // Everything is printed: the process ends without freeing the
+    // dictionaries and settings piece by piece.
+    std::cout.flush();
+    std::fflush(nullptr);
+    std::_Exit(any_unreadable ? 2 : (any_errors ? 1 : 0));
 }

@@ -3,14 +3,17 @@
 #include "application/QcbsApplication.hpp"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QLabel>
 #include <QPainter>
 #include <QPointer>
 #include <QScreen>
+#include <algorithm>
 
-#include "base/ORMALogQString.hpp"
 #include "application/QcbsMainWindow.hpp"
+#include "base/ORMALogQString.hpp"
 #include "base/QcbsUtilities.hpp"
+#include "document/QcbsCifDocument.hpp"
 #include "resources/QcbsImages.hpp"
 #include "support/ORMALog.hpp"
 
@@ -24,17 +27,34 @@ const char* const basePixmapProperty = "tessarySplashImage";
 
 }  // namespace
 
-QcbsApplication::QcbsApplication(int& argc, char** argv) : QtServerApplication("Tessary", argc, argv) {}
+QcbsApplication::QcbsApplication(int& argc, char** argv) : QtServerApplication("Tessary", argc, argv) {
+    // The desktop's menu entry and the windows of the program belong together.
+    setDesktopFileName("tessary");
+}
 
 QcbsApplication::~QcbsApplication() { debugLine(1, "QcbsApplication::~QcbsApplication finished"); }
 
-void QcbsApplication::open(const QString& filename) {
-    QcbsMainWindow* window = nullptr;
+QcbsMainWindow* QcbsApplication::firstMainWindow() {
     for (QWidget* widget : QApplication::allWidgets()) {
         if (!widget->inherits("QMainWindow")) continue;
-        window = qobject_cast<QcbsMainWindow*>(widget);
-        if (window != nullptr) break;
+        if (auto* window = qobject_cast<QcbsMainWindow*>(widget)) return window;
     }
+    return nullptr;
+}
+
+QcbsMainWindow* QcbsApplication::windowShowing(const QString& filename) {
+    const QFileInfo file(filename);
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        auto* window = qobject_cast<QcbsMainWindow*>(widget);
+        if (window != nullptr && window->document()->isOpen() && !window->document()->isUntitled() &&
+            QFileInfo(window->document()->fileName()) == file)
+            return window;
+    }
+    return nullptr;
+}
+
+void QcbsApplication::open(const QString& filename) {
+    QcbsMainWindow* window = firstMainWindow();
     if (window == nullptr) {
         ORMALog::start_error_line()
             << "QcbsApplication - cannot open file because main window has not yet been created: "
@@ -44,6 +64,28 @@ void QcbsApplication::open(const QString& filename) {
     }
     debugLine(1, "QcbsApplication - open file " + filename);
     window->fileOpen(filename, true);
+}
+
+void QcbsApplication::openAtLine(const QString& filename, int line) {
+    QcbsMainWindow* window = windowShowing(filename);
+    if (window == nullptr) {
+        open(filename);
+        window = windowShowing(filename);
+        if (window == nullptr) return;  // not opened; the window said why
+    }
+    window->raise();
+    window->activateWindow();
+    // A large text comes in slices; the line exists once it is all in.
+    QPointer<QcbsMainWindow> target(window);
+    auto goToLine = [target, line] {
+        if (target.isNull()) return;
+        const int last = std::max(1, target->document()->lineCount());
+        emit target->requestGotoLine(std::min(line, last), QString());
+    };
+    if (window->document()->isLoading())
+        connect(window, &QcbsMainWindow::documentLoaded, window, goToLine, Qt::SingleShotConnection);
+    else
+        goToLine();
 }
 
 QLabel* QcbsApplication::showSplash() {

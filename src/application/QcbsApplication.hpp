@@ -9,6 +9,7 @@
 #include "application/QtServerApplication.hpp"
 
 class QLabel;
+class QcbsMainWindow;
 
 // The editor's application object: shows the splash screen while start-up
 // runs and opens the files that reach it in the first main window.
@@ -22,11 +23,18 @@ public:
     // first main window; before any main window exists the name is logged as
     // an error and dropped.
     void open(const QString& filename) override;
+    // Opens a file as open() does, or turns to the window that shows it
+    // already, and puts the cursor on the line (the last line when the text
+    // is shorter) once the text is in.
+    void openAtLine(const QString& filename, int line) override;
 
     QLabel* showSplash();
     void closeSplash();
 
 private:
+    static QcbsMainWindow* firstMainWindow();
+    static QcbsMainWindow* windowShowing(const QString& filename);
+
     // Kept for the suite's windows; this program does not use them.
     void* reserved1_ = nullptr;
     void* reserved2_ = nullptr;

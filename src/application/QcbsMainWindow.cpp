@@ -344,6 +344,8 @@ void QcbsMainWindow::makeTabs() {
 
 void QcbsMainWindow::makeVisConnections() {
     connect(visSorter_, &QcbsVisSorter::statusBarMessageRequest, this, &QcbsMainWindow::statusBarMessage);
+    // A double-click on an atom leads to its row in the text.
+    connect(visSorter_, &QcbsVisSorter::goToLineRequest, this, &QcbsMainWindow::showLineOfStructure);
 }
 
 void QcbsMainWindow::makeEditorConnections() {
@@ -463,6 +465,7 @@ void QcbsMainWindow::enableFindTools(bool on) {
 
 void QcbsMainWindow::enableVisTools(bool on) {
     actions_->setToolsEnabled(QcbsMainWindowActions::VisTools, on);
+    if (visSorter_ != nullptr) visSorter_->setToolsEnabled(on);
 }
 
 void QcbsMainWindow::enableAllInstParseTools(bool on) {
@@ -527,6 +530,7 @@ void QcbsMainWindow::editorCursorMoved(int /*paragraph*/, int /*index*/) { statu
 void QcbsMainWindow::editorLineChanged(int /*paragraph*/) {
     // A move into another block may change what the crystal wizard can do.
     if (cifToolsOn_ && !currentCif().is_null()) updateCrystalWizard();
+    followCursorInStructure();
 }
 
 void QcbsMainWindow::editorTextChanged() { statusLineNumber(); }

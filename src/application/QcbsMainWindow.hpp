@@ -315,6 +315,10 @@ private:
     void makeBoxViewConnections();
     void makeTabs();
     void makeVisConnections();
+    // The editor's line of an atom picked in the 3-D view.
+    void showLineOfStructure(int line);
+    // A separate 3-D window follows the block at the editor's cursor.
+    void followCursorInStructure();
     void makeEditorConnections();
     void makeDocument();
     // Applies changed options to this window.

@@ -30,6 +30,7 @@
 #include "validation/QcbsCoreCifFileValidator.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "views/QcbsCifBoxView.hpp"
+#include "visualiser/QcbsVisSorter.hpp"
 #include "widgets/RecentFilesMenu.hpp"
 
 namespace {
@@ -376,6 +377,7 @@ bool QcbsMainWindow::fileClose() {
 void QcbsMainWindow::clearDocument() {
     ++loadSerial_;  // a load still running is not finished
     document_->close();
+    visSorter_->setDocument(THandle<Cif>());
     errorList_->removeAll();
     resetBlocksCombo();
     boxView_->showNoItems();

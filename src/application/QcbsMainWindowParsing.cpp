@@ -20,6 +20,7 @@
 #include "editor/QcbsRichTextEdit.hpp"
 #include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 #include "validation/QcbsErrorListView.hpp"
+#include "visualiser/QcbsVisSorter.hpp"
 
 namespace {
 
@@ -89,6 +90,7 @@ void QcbsMainWindow::finishCheck(THandle<Cif> cif, bool showErrors) {
     if (showErrors) processErrors(cif);
     fillBlocksCombo(cif);
     loadBoxView();
+    visSorter_->setDocument(cif);
     // The error list now matches the text: double-clicks highlight again.
     currentEditor()->reopenErrorHighlighting();
 }
@@ -206,8 +208,11 @@ void QcbsMainWindow::blockComboSelected(int index) {
         QApplication::beep();
         return;
     }
-    // On the visualiser page the choice will zoom to that block's structure
-    // once the 3-D view exists; nothing else happens there.
+    // On the visualiser page the choice shows that block's structure.
+    if (tabs_->currentWidget() == visSorter_) {
+        visSorter_->zoomin(blocksCombo()->itemText(index));
+        return;
+    }
     if (tabs_->currentWidget() != editorPage_) return;
     const THandle<Cif> cif = currentCif();
     if (cif.is_null() || index < 1 || static_cast<std::size_t>(index) > cif->block_count()) return;

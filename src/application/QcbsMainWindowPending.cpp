@@ -5,7 +5,6 @@
 #include <QDropEvent>
 
 #include "application/QcbsMainWindow.hpp"
-#include "visualiser/QcbsVisSorter.hpp"
 
 // --- editing and search ----------------------------------------------------------------
 
@@ -44,12 +43,4 @@ void QcbsMainWindow::loadBoxView() {}
 
 void QcbsMainWindow::setDataItem(const QString& /*dataName*/, const QString& /*value*/) {
     showNotAvailable("Setting data items");
-}
-
-// --- visualiser ------------------------------------------------------------------------
-
-void QcbsMainWindow::hg() { showNotAvailable("Opening the structure in Velmora"); }
-
-void QcbsMainWindow::enableVisualiser(QWidget* page) {
-    if (page != nullptr && page == visualiserPage()) showNotAvailable("The 3-D view of the structure");
 }

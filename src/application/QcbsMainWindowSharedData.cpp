@@ -45,7 +45,10 @@ void QcbsMainWindowSharedData::findBrowserScript() {
 }
 
 void QcbsMainWindowSharedData::findDocumentation() {
+    // Beside the program, installed under a prefix (bin/../share/tessary),
+    // in a build tree (build/bin/../../docs), then older layouts.
     static const char* const suffixes[] = {"/docs",
+                                           "/../share/tessary/docs",
                                            "/../../docs",
                                            "/Documentation/Tessary",
                                            "/../../distrib/docs",

@@ -2,15 +2,13 @@
 // The application base that receives the file names of later launches over a local socket.
 #include "application/QtServerApplication.hpp"
 
-#include <QCryptographicHash>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
-#include <QLocalServer>
-#include <QLocalSocket>
 #include <QProcess>
 #include <QUrl>
 
+#include "application/QcbsInstanceSocket.hpp"
 #include "base/ORMALogQString.hpp"
 #include "support/ORMALog.hpp"
 
@@ -26,76 +24,60 @@ QString& storedBrowserScript() {
 QtServerApplication::QtServerApplication(const QString& name, int& argc, char** argv)
     : QApplication(argc, argv), name_(name) {
     setApplicationName(name);
-    const QStringList args = arguments();
-    for (qsizetype i = 1; i < args.size(); ++i) {
-        if (args.at(i).startsWith('-')) continue;
-        fileArguments_ << QFileInfo(args.at(i)).absoluteFilePath();
-    }
+    // Qt has taken its own options (-platform, -style, ...) out by now.
+    commandLine_ = QcbsCommandLine::parse(arguments().mid(1));
+    if (!commandLine_.problem.isEmpty() || commandLine_.help || commandLine_.version) return;
     if (qEnvironmentVariable("TESSARY_SINGLE_INSTANCE") == "0") return;
-    if (!fileArguments_.isEmpty() && handToRunningInstance()) {
+    const QString path = QcbsInstanceSocket::defaultPath(name);
+    if (path.isEmpty()) {
+        ORMALog::start_error_line() << "QtServerApplication - no private directory for the socket of " << name
+                                    << "; files of later launches open in their own program";
+        ORMALog::end_error_line();
+        return;
+    }
+    if (!commandLine_.files.isEmpty() && QcbsInstanceSocket::send(path, commandLine_.files)) {
         handedOver_ = true;
         return;
     }
-    listenForLaterLaunches();
+    listenForLaterLaunches(path);
 }
 
 QtServerApplication::~QtServerApplication() = default;
 
 void QtServerApplication::open(const QString& /*filename*/) {}
 
+void QtServerApplication::openAtLine(const QString& filename, int /*line*/) { open(filename); }
+
 void QtServerApplication::processArgs() {
-    for (const QString& file : fileArguments_) open(file);
-}
-
-QString QtServerApplication::serverName(const QString& name) {
-    const QByteArray setup = qEnvironmentVariable("USER").toUtf8() + '\n' + qEnvironmentVariable("TESSARYPREFS").toUtf8();
-    const QByteArray digest = QCryptographicHash::hash(setup, QCryptographicHash::Sha1).toHex().left(16);
-    return name.toLower() + '-' + QString::fromLatin1(digest);
-}
-
-bool QtServerApplication::handToRunningInstance() {
-    QLocalSocket socket;
-    socket.connectToServer(serverName(name_));
-    if (!socket.waitForConnected(500)) return false;
-    socket.write(fileArguments_.join('\n').toUtf8() + '\n');
-    const bool sent = socket.waitForBytesWritten(2000);
-    socket.disconnectFromServer();
-    if (socket.state() != QLocalSocket::UnconnectedState) socket.waitForDisconnected(1000);
-    return sent;
-}
-
-void QtServerApplication::listenForLaterLaunches() {
-    server_ = new QLocalServer(this);
-    const QString serverId = serverName(name_);
-    if (!server_->listen(serverId)) {
-        // A server left behind by a program that crashed: nobody answers it.
-        QLocalServer::removeServer(serverId);
-        if (!server_->listen(serverId)) {
-            if (ORMALog::wants(1)) {
-                ORMALog::start_debug_line(1) << "QtServerApplication - cannot listen on " << serverId << ": "
-                                             << server_->errorString();
-                ORMALog::end_debug_line();
-            }
-            return;
-        }
+    for (const QcbsCommandLine::File& file : commandLine_.files) {
+        if (file.line > 0)
+            openAtLine(file.path, file.line);
+        else
+            open(file.path);
     }
-    connect(server_, &QLocalServer::newConnection, this, &QtServerApplication::readLaterLaunch);
 }
 
-void QtServerApplication::readLaterLaunch() {
-    while (QLocalSocket* socket = server_->nextPendingConnection()) {
-        // The names arrive as lines; they are opened once the sender is done.
-        auto deliver = [this, socket]() {
-            const QStringList names = QString::fromUtf8(socket->readAll()).split('\n', Qt::SkipEmptyParts);
-            for (const QString& name : names) postEvent(this, new OpenFileEvent(name));
-            socket->deleteLater();
-        };
-        if (socket->state() == QLocalSocket::UnconnectedState) {
-            deliver();
-        } else {
-            connect(socket, &QLocalSocket::disconnected, socket, deliver);
+QString QtServerApplication::socketPath() const {
+    return instanceSocket_ != nullptr ? instanceSocket_->path() : QString();
+}
+
+void QtServerApplication::listenForLaterLaunches(const QString& path) {
+    auto* socket = new QcbsInstanceSocket(this);
+    if (!socket->listen(path)) {
+        if (ORMALog::wants(1)) {
+            ORMALog::start_debug_line(1)
+                << "QtServerApplication - cannot listen on " << path << ": " << socket->errorString();
+            ORMALog::end_debug_line();
         }
+        delete socket;
+        return;
     }
+    instanceSocket_ = socket;
+    // Each file is opened from the event loop, like a file named at start-up.
+    connect(socket, &QcbsInstanceSocket::filesReceived, this, [this](const QcbsInstanceSocket::Files& files) {
+        for (const QcbsCommandLine::File& file : files)
+            postEvent(this, new OpenFileEvent(file.path, file.line));
+    });
 }
 
 QEvent::Type QtServerApplication::OpenFileEvent::eventType() {
@@ -105,7 +87,11 @@ QEvent::Type QtServerApplication::OpenFileEvent::eventType() {
 
 void QtServerApplication::customEvent(QEvent* event) {
     if (event->type() == OpenFileEvent::eventType()) {
-        open(static_cast<OpenFileEvent*>(event)->filename());
+        const auto* file = static_cast<OpenFileEvent*>(event);
+        if (file->line() > 0)
+            openAtLine(file->filename(), file->line());
+        else
+            open(file->filename());
         return;
     }
     QApplication::customEvent(event);

@@ -19,10 +19,10 @@ QStringList QcbsDictionaryLoader::searchDirectories(const QString& programDirect
     QStringList candidates;
     const QString named = qEnvironmentVariable(environmentVariable());
     for (const QString& directory : named.split(':', Qt::SkipEmptyParts)) candidates << directory;
-    // Beside an installed program, then in a development tree or an
-    // application bundle.
-    for (const char* suffix : {"/dict", "/../../dict", "/../Resources/dict", "/../../../libCif/dictionaries",
-                               "/../../libCif/dictionaries"})
+    // Beside the program, installed under a prefix (bin/../share/tessary),
+    // then in a development tree or an application bundle.
+    for (const char* suffix : {"/dict", "/../share/tessary/dict", "/../../dict", "/../Resources/dict",
+                               "/../../../libCif/dictionaries", "/../../libCif/dictionaries"})
         candidates << programDirectory + suffix;
 
     QStringList directories;

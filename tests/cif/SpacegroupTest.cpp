@@ -2,11 +2,14 @@
 // Space groups: settings, symbols as users write them, crystal systems, groups of operators.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <gemmi/symmetry.hpp>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "cif/Spacegroup.hpp"
+#include "cif/SpacegroupCache.hpp"
 
 namespace {
 
@@ -101,6 +104,73 @@ TEST(Spacegroup, OperatorsThatFormNoGroupOrCannotBeReadGiveUnknown) {
     EXPECT_EQ(incomplete.symbol(), "Unknown");
     EXPECT_EQ(Spacegroup({}).symbol(), "Unknown");
     EXPECT_EQ(Spacegroup({"x,y,z", "0,0,0"}).symbol(), "Unknown");  // a singular matrix
+}
+
+TEST(Spacegroup, OperatorsSeenBeforeInAnyOrderOrFormAreTakenFromTheCache) {
+    SpacegroupCache& cache = SpacegroupCache::by_operators();
+    Spacegroup first({"x,y,z", "-x,-y,z+1/2", "-y,x,z+1/4", "y,-x,z+3/4"});
+    ASSERT_EQ(first.symbol(), "P 41");
+    struct Case {
+        std::vector<std::string> operators;
+        const char* symbol;
+    };
+    const Case cases[] = {
+        {{"y,-x,z+3/4", "-y,x,z+1/4", "x,y,z", "-x,-y,z+1/2"}, "P 41"},         // another order
+        {{"'X,Y,Z'", " -x, -y, 1/2+z", "-y,x,z+5/4", "y,-x+1,z-1/4"}, "P 41"},  // another form
+    };
+    for (const Case& c : cases) {
+        std::size_t hits = cache.hits();
+        std::size_t misses = cache.misses();
+        Spacegroup again(c.operators, 76, "P 41");
+        EXPECT_EQ(again.symbol(), c.symbol);
+        EXPECT_EQ(again.number(), 76);
+        EXPECT_EQ(cache.hits(), hits + 1);
+        EXPECT_EQ(cache.misses(), misses);
+    }
+    // The same rotations with other translations are another group.
+    std::size_t misses = cache.misses();
+    EXPECT_EQ(Spacegroup({"x,y,z", "-x,-y,z+1/2", "-y,x,z+3/4", "y,-x,z+1/4"}).symbol(), "P 43");
+    EXPECT_EQ(cache.misses(), misses + 1);
+}
+
+TEST(SpacegroupCache, FindsEachKeyOnceAndStartsAfreshWhenFull) {
+    SpacegroupCache cache(2);
+    int found = 0;
+    auto lookup = [&](const std::string& key) {
+        return cache.lookup(key, [&]() {
+            ++found;
+            return SpacegroupCache::Group{"G " + key, found};
+        });
+    };
+    EXPECT_EQ(lookup("a").symbol, "G a");
+    EXPECT_EQ(lookup("a").number, 1);
+    EXPECT_EQ(lookup("b").symbol, "G b");
+    EXPECT_EQ(found, 2);
+    EXPECT_EQ(cache.hits(), 1u);
+    lookup("c");  // full: a and b are dropped
+    EXPECT_EQ(lookup("c").number, 3);
+    EXPECT_EQ(lookup("a").number, 4);
+    EXPECT_EQ(cache.misses(), 4u);
+}
+
+TEST(Spacegroup, EveryTabulatedSettingIsFoundWithOrWithoutItsNumber) {
+    // Settings whose operators another setting shares ("C c c b:1" and
+    // "C c c a:1") give the one the whole table names first, also when the
+    // file's number sends the search to its group first.
+    int checked = 0;
+    for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
+        std::vector<std::string> triplets;
+        for (const gemmi::Op& op : setting.operations().all_ops_sorted()) triplets.push_back(op.triplet());
+        const gemmi::SpaceGroup* first = gemmi::find_spacegroup_by_ops(setting.operations());
+        ASSERT_NE(first, nullptr) << setting.xhm();
+        // Reversed, so that the written list is new to the caches.
+        std::reverse(triplets.begin(), triplets.end());
+        EXPECT_EQ(Spacegroup(triplets, setting.number).symbol(), first->xhm()) << setting.xhm();
+        std::rotate(triplets.begin(), triplets.begin() + 1, triplets.end());
+        EXPECT_EQ(Spacegroup(triplets, 0).symbol(), first->xhm()) << setting.xhm();
+        ++checked;
+    }
+    EXPECT_EQ(checked, 559);
 }
 
 }  // namespace

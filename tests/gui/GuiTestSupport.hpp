@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Helpers of the GUI tests: a fresh settings directory and a capture of the log.
+// Helpers of the GUI tests: fresh settings, a capture of the log, an environment variable set.
 #pragma once
 
 #include <QDeadlineTimer>
@@ -57,3 +57,26 @@ bool waitUntil(Condition condition, int milliseconds = 20000) {
     }
     return true;
 }
+
+// Sets or clears an environment variable for the life of the object.
+class ScopedEnvironment {
+public:
+    ScopedEnvironment(const char* name, const QByteArray& value)
+        : name_(name), had_(qEnvironmentVariableIsSet(name)), previous_(qgetenv(name)) {
+        if (value.isNull())
+            qunsetenv(name);
+        else
+            qputenv(name, value);
+    }
+    ~ScopedEnvironment() {
+        if (had_)
+            qputenv(name_, previous_);
+        else
+            qunsetenv(name_);
+    }
+
+private:
+    const char* name_;
+    bool had_;
+    QByteArray previous_;
+};

@@ -18,7 +18,8 @@ const char* const kMit = "MIT";
 const char* const kGpl = "GPL-3.0-or-later";
 
 // The folders that hold sources, searched with their subfolders.
-const char* const kSourceRoots[] = {"src", "cif", "support", "tools", "app", "tests", "bench", "fuzz"};
+const char* const kSourceRoots[] = {"src",   "cif",   "support", "tools",    "app",
+                                    "tests", "bench", "fuzz",    "packaging"};
 
 // The licence of each folder; the longest matching folder decides. Tests and benchmarks take
 // the licence of what they exercise: Qt-free ones MIT, those that use the application GPL.
@@ -38,13 +39,17 @@ const FolderLicence kLicences[] = {
     {"tests/tools", kMit},
     {"tests/source", kMit},
     {"tests/gui", kGpl},
+    {"tests/install", kGpl},
+    {"packaging", kMit},
     {"bench/parse_vs_gemmi", kMit},
     {"bench/dictionary", kMit},
     {"bench/structure_checks", kMit},
+    {"bench/files", kMit},
     {"bench/check", kGpl},
     {"bench/document", kGpl},
     {"bench/editor", kGpl},
     {"bench/highlight", kGpl},
+    {"bench/visualiser", kGpl},
 };
 
 // One source file: its path in the source tree ("src/editor/QcbsUnicode.cpp") and its folder

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "support/THandle.hpp"
@@ -102,6 +103,28 @@ TEST(THandleDeathTest, DereferencingNullIsFatalAndNamesTheType) {
     THandle<Base> empty;
     EXPECT_DEATH({ (void)empty->destroyed_; }, "null THandle<.*Base>");
     EXPECT_DEATH({ (void)*empty; }, "null THandle");
+}
+
+TEST(THandle, ACountWithAReleaseOfItsOwnIsGivenBackInsteadOfDeleted) {
+    // An object in storage its owner keeps: the handles share the owner's
+    // count, and the owner's release runs once, when the last handle goes.
+    static int released = 0;
+    std::unique_ptr<THandleCount> count(new THandleCount{0, [](THandleCount*) { ++released; }});
+    int destroyed = 0;
+    auto object = std::make_unique<Derived>(&destroyed);
+    {
+        THandle<Derived> first = THandle<Derived>::shared(object.get(), count.get());
+        THandle<Base> second = first;
+        THandle<Derived> third = second.cast<Derived>();
+        EXPECT_EQ(first.use_count(), 3);
+        first = THandle<Derived>();
+        second = THandle<Base>();
+        EXPECT_EQ(released, 0);
+        EXPECT_EQ(third.get(), object.get());
+    }
+    EXPECT_EQ(released, 1);
+    EXPECT_EQ(destroyed, 0);  // the owner destroys it in its own time
+    EXPECT_EQ(THandle<Base>().use_count(), 0);
 }
 
 }  // namespace

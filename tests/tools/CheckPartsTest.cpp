@@ -78,6 +78,42 @@ TEST(CheckReport, JsonCarriesTheMessagesEscapedWithCountsPerFileAndInAll) {
     EXPECT_EQ(CheckReport::json_string(std::string("a\tb\xE9\\")), "\"a\\u0009b\\u00e9\\\\\"");
 }
 
+TEST(CheckReport, TextForTheTerminalEscapesEveryControlCharacterAndKeepsTheRest) {
+    const struct {
+        std::string raw;
+        std::string shown;
+    } cases[] = {
+        {"_name\x1b[2J\x07", "_name\\u001b[2J\\u0007"},  // an escape sequence and a bell
+        {"a\tb\rc\x7f", "a\\u0009b\\u000dc\\u007f"},
+        {"_ok_\xc3\xa9\xe2\x80\x9c\xf0\x9f\x92\x8e", "_ok_\xc3\xa9\xe2\x80\x9c\xf0\x9f\x92\x8e"},  // é “ 💎
+        {"_csi\xc2\x9b"
+         "31m",
+         "_csi\\u009b31m"},  // C1 written as UTF-8
+        {"_csi\x9b"
+         "31m_\xe9",
+         "_csi\\u009b31m_\xe9"},                                    // C1 and é as Latin-1 bytes
+        {"\xc0\x9b\xe0\x80\x9b", "\xc0\\u009b\xe0\\u0080\\u009b"},  // overlong forms are no UTF-8
+        {"\xe2\x80", "\xe2\\u0080"},                                // a character cut short
+        {"", ""},
+    };
+    for (const auto& c : cases) EXPECT_EQ(CheckReport::terminal_text(c.raw), c.shown) << c.raw;
+
+    FileCheckResult result;
+    result.file = "odd\x1b]0;title\x07.cif";
+    result.messages.emplace_back(CifError::line_too_long, 2, "", "80");
+    result.warnings = 1;
+    std::ostringstream out, problems;
+    CheckReport report(out, problems, false);
+    report.add(result);
+    EXPECT_EQ(out.str().find('\x1b'), std::string::npos) << out.str();
+    for (const char* line : {"odd\\u001b]0;title\\u0007.cif:2: warning [318]: ",
+                             "odd\\u001b]0;title\\u0007.cif: 0 errors, 1 warning, 0 remarks\n"})
+        EXPECT_NE(out.str().find(line), std::string::npos) << line << "\n" << out.str();
+    result.io_problem = "gone\x1b";
+    report.add(result);
+    EXPECT_EQ(problems.str(), "odd\\u001b]0;title\\u0007.cif: cannot read: gone\\u001b\n");
+}
+
 TEST(DictionaryFiles, TheEnvironmentNamesDirectoriesAndFilesBeforeTheCommandLine) {
     const fs::path dir = fs::temp_directory_path() / ("tessary-dictionaries-" + std::to_string(::getpid()));
     fs::create_directories(dir / "more");

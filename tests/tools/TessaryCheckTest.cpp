@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // tessary-check run as a program on files written by the tests.
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -73,6 +76,17 @@ TEST_F(CheckFiles, UnreadableFilesAreReportedAndTheOthersStillChecked) {
     EXPECT_NE(out.find(path("broken.cif") + ": 2 errors"), std::string::npos) << out;
     EXPECT_EQ(run("--line-length"), 2);
     EXPECT_NE(err.find("Usage: tessary-check"), std::string::npos);
+}
+
+TEST_F(CheckFiles, ControlCharactersInDataNamesReachTheTerminalEscaped) {
+    // A data name that clears the screen and one that sets the window title.
+    const std::string file = write("hostile.cif", "data_h\n_a\x1b[2J 1\n_a\x1b[2J 2\n_t\x1b]0;x\x07 3\n");
+    EXPECT_EQ(run(file), 1);
+    EXPECT_EQ(out.find('\x1b'), std::string::npos) << out;
+    EXPECT_EQ(out.find('\x07'), std::string::npos) << out;
+    EXPECT_NE(out.find(":3: error [312]: Duplicate data name _a\\u001b[2J, first at line: 2\n"),
+              std::string::npos)
+        << out;
 }
 
 TEST_F(CheckFiles, ParallelChecksPrintInTheOrderGiven) {
@@ -152,6 +166,50 @@ TEST_F(CheckFiles, MandatoryItemsAndConsistencyChecksCanBeAskedForAndSwitchedOff
         << out;
     EXPECT_EQ(run("--no-consistency " + c), 0);
     EXPECT_EQ(out, c + ": 0 errors, 0 warnings, 0 remarks\n");
+}
+
+// What a terminal shows until the text holds `until` (or nothing more comes
+// within the time, or the program is gone).
+std::string read_terminal(int terminal, const std::string& until, int milliseconds) {
+    std::string shown;
+    char buffer[4096];
+    while (shown.find(until) == std::string::npos) {
+        pollfd wanted{terminal, POLLIN, 0};
+        if (::poll(&wanted, 1, milliseconds) <= 0) break;
+        ssize_t n = ::read(terminal, buffer, sizeof buffer);
+        if (n <= 0) break;
+        shown.append(buffer, static_cast<std::size_t>(n));
+    }
+    return shown;
+}
+
+TEST_F(CheckFiles, EachFileIsOnTheTerminalBeforeTheNextIsRead) {
+    // The second file is a pipe whose text comes only after the first
+    // file's summary has been seen.
+    for (const std::string jobs : {"1", "2"}) {
+        const std::string later = path("later" + jobs + ".cif");
+        ASSERT_EQ(::mkfifo(later.c_str(), 0600), 0);
+        const std::string first = path("clean.cif");
+        int terminal = -1;
+        pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            ::execl(TESSARY_CHECK_BINARY, TESSARY_CHECK_BINARY, "-j", jobs.c_str(), first.c_str(),
+                    later.c_str(), static_cast<char*>(nullptr));
+            ::_exit(127);
+        }
+        std::string shown = read_terminal(terminal, "remarks", 10000);
+        EXPECT_NE(shown.find(first + ": 0 errors, 0 warnings, 0 remarks"), std::string::npos)
+            << "-j " << jobs << ": " << shown;
+        std::ofstream(later) << "data_later\n_a 1\n";  // lets the program go on in any case
+        const std::string summary = later + ": 0 errors, 0 warnings, 0 remarks";
+        shown += read_terminal(terminal, summary, 10000);
+        EXPECT_NE(shown.find(summary), std::string::npos) << shown;
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ::close(terminal);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << jobs;
+    }
 }
 
 }  // namespace

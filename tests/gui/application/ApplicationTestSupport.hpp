@@ -16,11 +16,17 @@
 #include <QTreeWidgetItem>
 
 #include "GuiTestSupport.hpp"
+#include "application/QcbsCommandLine.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
+
+// A file of the command line as GoogleTest prints it in a failure.
+inline void PrintTo(const QcbsCommandLine::File& file, std::ostream* out) {
+    *out << file.path.toStdString() << ':' << file.line;
+}
 
 // Shared data as the program in the build tree has it, so that the help
 // documentation of the source tree is found.

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Start-up: the splash screen, and files handed over by a later launch.
+// Start-up: the splash screen, files handed over by a later launch, and FILE:LINE.
 #include <gtest/gtest.h>
 
 #include <QLabel>
 #include <QLocalSocket>
+#include <QRegularExpression>
 #include <QScreen>
+#include <QTemporaryDir>
 #include <QTest>
 
+#include "ApplicationTestSupport.hpp"
+#include "DialogAnswerer.hpp"
 #include "GuiTestSupport.hpp"
 #include "application/QcbsApplication.hpp"
+#include "application/QcbsInstanceSocket.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "base/QcbsUtilities.hpp"
 
@@ -39,14 +44,75 @@ TEST(StartUp, AFileBeforeAnyMainWindowIsLoggedAndDropped) {
 TEST(StartUp, FilesFromALaterLaunchOpenInteractivelyInTheEditorWindow) {
     QMainWindow plain;
     RecordingWindow window;
-    QLocalSocket socket;
-    socket.connectToServer(QtServerApplication::serverName("Tessary"));
-    ASSERT_TRUE(socket.waitForConnected(2000));
-    socket.write("/data/a.cif\n/data/b c.cif\n");
-    ASSERT_TRUE(socket.waitForBytesWritten(2000));
-    socket.disconnectFromServer();
+    ASSERT_FALSE(application()->socketPath().isEmpty()) << "the test program listens like the editor";
+    ASSERT_TRUE(
+        QcbsInstanceSocket::send(application()->socketPath(), {{"/data/a.cif", 0}, {"/data/b c.cif", 0}}));
     QTRY_COMPARE_WITH_TIMEOUT(window.opened.size(), 2, 5000);
     EXPECT_EQ(window.opened, (QStringList{"/data/a.cif", "/data/b c.cif"}));
+}
+
+// A main window with a file of numbered lines to open at one of them.
+class OpenAtLine : public ::testing::Test {
+protected:
+    QString write(const QString& name, int lines) {
+        QByteArray text = "data_lines\n";
+        for (int i = 2; i <= lines; ++i)
+            text += "_line_" + QByteArray::number(i) + " " + QByteArray::number(i) + "\n";
+        return writeBytes(dir_.filePath(name), text);
+    }
+    // The line the window's status bar shows the cursor on.
+    int cursorLine() const {
+        static const QRegularExpression line("^Line ([0-9]+),");
+        return line.match(window_.statusLine()->text()).captured(1).toInt();
+    }
+    bool showing(const QcbsMainWindow& window, const QString& path) const {
+        return QFileInfo(window.document()->fileName()) == QFileInfo(path) && !window.document()->isLoading();
+    }
+
+    ScopedPrefsDir prefs_;
+    QTemporaryDir dir_;
+    DialogAnswerer answers_;
+    QcbsMainWindow window_{buildTreeSharedData()};
+};
+
+TEST_F(OpenAtLine, TheCursorLandsOnTheLineOnceTheTextIsInEvenForALargeFile) {
+    const struct {
+        int lines;
+        int asked;
+        int landed;
+    } cases[] = {
+        {30, 17, 17},
+        {30, 400, 30},          // past the end: the last line
+        {60000, 45000, 45000},  // loaded in slices
+    };
+    for (const auto& c : cases) {
+        const QString path = write(QString("lines-%1.cif").arg(c.lines), c.lines);
+        application()->openAtLine(path, c.asked);
+        ASSERT_TRUE(waitUntil([&] { return showing(window_, path) && cursorLine() == c.landed; }, 30000))
+            << c.lines << " lines, line " << c.asked << ": " << window_.statusLine()->text().toStdString();
+        ASSERT_TRUE(window_.fileClose());
+    }
+    EXPECT_TRUE(answers_.boxes.isEmpty());
+}
+
+TEST_F(OpenAtLine, AFileAlreadyOpenIsShownAtTheLineWithoutAQuestion) {
+    const QString path = write("open.cif", 50);
+    application()->open(path);
+    ASSERT_TRUE(waitUntil([&] { return showing(window_, path); }));
+    application()->openAtLine(path, 40);
+    ASSERT_TRUE(waitUntil([&] { return cursorLine() == 40; }));
+    EXPECT_TRUE(answers_.boxes.isEmpty()) << answers_.boxes.value(0).text.toStdString();
+}
+
+TEST_F(OpenAtLine, ALaterLaunchsFileLineGoesThroughTheSocket) {
+    const QString path = write("sent.cif", 50);
+    ASSERT_TRUE(QcbsInstanceSocket::send(application()->socketPath(), {{path, 33}}));
+    ASSERT_TRUE(waitUntil([&] { return showing(window_, path) && cursorLine() == 33; }))
+        << window_.statusLine()->text().toStdString();
+    const QString missing = dir_.filePath("missing.cif");
+    application()->openAtLine(missing, 3);
+    ASSERT_EQ(answers_.boxes.size(), 1);
+    EXPECT_EQ(answers_.boxes.last().text, "Could not open file \"" + missing + "\"");
 }
 
 TEST(StartUp, TheSplashIsCentredShowsItsStatusAndGoesAway) {

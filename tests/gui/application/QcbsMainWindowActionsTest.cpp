@@ -152,7 +152,7 @@ TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorIconAndMenu) {
 TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
     for (A::Id id : {A::Combine, A::EditPrefs, A::Find, A::FindPrevious, A::FindNext, A::Replace, A::GoToLine,
                      A::ItemHelp, A::PublicationWizard, A::CrystalWizard, A::EditLoop, A::NewLoop,
-                     A::SpecialCharacters, A::OpenInVelmora}) {
+                     A::SpecialCharacters}) {
         windowAction(window_, id)->setEnabled(true);  // some start disabled
         window_.statusBar()->clearMessage();
         trigger(id);

@@ -138,9 +138,9 @@ TEST(SharedWindowData, MissingDocumentationIsDescribedForTheHelpAction) {
     EXPECT_TRUE(shared.documentationDirectory().isEmpty());
     EXPECT_EQ(shared.missingDocumentationMessage(),
               "Could not find the Tessary Help documentation in any of:\n\n" + program + "/docs\n" +
-                  root.filePath("docs") + "\n" + program + "/Documentation/Tessary\n" +
-                  root.filePath("distrib/docs") + "\n" + root.filePath("a/distrib/docs") + "\n" +
-                  root.filePath("a/Resources/docs") + "\n");
+                  root.filePath("a/share/tessary/docs") + "\n" + root.filePath("docs") + "\n" + program +
+                  "/Documentation/Tessary\n" + root.filePath("distrib/docs") + "\n" +
+                  root.filePath("a/distrib/docs") + "\n" + root.filePath("a/Resources/docs") + "\n");
     EXPECT_EQ(shared.helpSearchPaths(),
               (QStringList{program + "/html/", program + "/../html/", program + "/../../html/",
                            program + "/../Resources/html/"}));

@@ -97,7 +97,8 @@ TEST_F(MainWindow, MessagesReachTheStatusBarAndEachPageGetsItsOwnBack) {
     EXPECT_EQ(statusMessage(window_), "Inserted 3 lines.");
     window_.tabs()->setCurrentWidget(window_.visualiserPage());
     EXPECT_FALSE(window_.statusLine()->isVisible());
-    EXPECT_EQ(statusMessage(window_), "The 3-D view of the structure is not available yet.");
+    EXPECT_NE(statusMessage(window_), "Inserted 3 lines.") << "the editor's message stays with the editor";
+    EXPECT_FALSE(window_.visualiserPage()->message().isEmpty()) << "no document: the page says so in words";
     window_.tabs()->setCurrentWidget(window_.editorPage());
     EXPECT_TRUE(window_.statusLine()->isVisible());
     EXPECT_EQ(statusMessage(window_), "Ready");

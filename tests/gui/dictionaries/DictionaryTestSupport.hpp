@@ -8,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "GuiTestSupport.hpp"
+
 // Writes a small DDL1 dictionary that defines the given data names (all of
 // category "test", numbers).
 inline void writeDictionary(const QString& path, const QString& name, const QString& version,
@@ -23,26 +25,3 @@ inline void writeDictionary(const QString& path, const QString& name, const QStr
     }
     file.write(text);
 }
-
-// Sets or clears an environment variable for the life of the object.
-class ScopedEnvironment {
-public:
-    ScopedEnvironment(const char* name, const QByteArray& value)
-        : name_(name), had_(qEnvironmentVariableIsSet(name)), previous_(qgetenv(name)) {
-        if (value.isNull())
-            qunsetenv(name);
-        else
-            qputenv(name, value);
-    }
-    ~ScopedEnvironment() {
-        if (had_)
-            qputenv(name_, previous_);
-        else
-            qunsetenv(name_);
-    }
-
-private:
-    const char* name_;
-    bool had_;
-    QByteArray previous_;
-};

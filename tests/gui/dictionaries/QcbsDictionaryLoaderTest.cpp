@@ -63,8 +63,8 @@ TEST_F(DictionaryLoader,
                                        "Loaded dictionary: " + path("a/b/bin/dict/B.dic"),
                                        "Loaded dictionary: " + path("a/dict/c.dic")}));
     QStringList expected{named, root_.filePath("missing")};
-    for (const char* relative :
-         {"a/b/bin/dict", "a/dict", "a/b/Resources/dict", "libCif/dictionaries", "a/libCif/dictionaries"})
+    for (const char* relative : {"a/b/bin/dict", "a/b/share/tessary/dict", "a/dict", "a/b/Resources/dict",
+                                 "libCif/dictionaries", "a/libCif/dictionaries"})
         expected << root_.filePath(relative);
     EXPECT_EQ(QcbsDictionaryLoader::searchDirectories(program()), expected);
 }

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// The rows of loops read on the fast path: values of every length at every
+// position against the windows the lexer looks through, with their lines.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/cif/CifTestSupport.hpp"
+
+namespace {
+
+struct Expected {
+    std::string value;
+    int line;
+};
+
+// A loop of three columns whose values (plain words, with now and then a
+// quoted one, a comment or a blank line) are checked one by one against
+// what was written.
+void check_loop(unsigned seed, int version) {
+    std::mt19937 random(seed);
+    std::string text =
+        version >= 2 ? "#\\#CIF_2.0\ndata_x\nloop_\n_a\n_b\n_c\n" : "data_x\nloop_\n_a\n_b\n_c\n";
+    int line = version >= 2 ? 7 : 6;
+    std::vector<Expected> expected;
+    std::uniform_int_distribution<int> length(1, 90);
+    std::uniform_int_distribution<int> choice(0, 99);
+    for (int n = 0; n < 3 * 400; ++n) {
+        int kind = choice(random);
+        std::string value;
+        if (kind < 4) {
+            value = "'q " + std::to_string(n) + "'";  // quoted: the slow path, then back
+            expected.push_back({"q " + std::to_string(n), line});
+        } else {
+            int size = length(random);
+            for (int i = 0; i < size; ++i)
+                value += static_cast<char>('a' + (n + i) % 3 + (i % 5 == 4 ? 'A' - 'a' : 0));
+            value[0] = static_cast<char>('0' + n % 10);  // never a reserved word
+            expected.push_back({value, line});
+        }
+        text += value;
+        int gap = choice(random);
+        if (gap < 50) {
+            text += ' ';
+        } else if (gap < 60) {
+            text += "\t \t";
+        } else if (gap < 90) {
+            text += '\n';
+            ++line;
+        } else if (gap < 95) {
+            text += "  # a comment\n\n";
+            line += 2;
+        } else {
+            text += std::string(70, ' ') + "\n";
+            ++line;
+        }
+    }
+    text += "\n_after 1\n";
+    CifParserSettings settings;
+    settings.line_length = 0;
+    THandle<Cif> cif = cif_test::read(text, settings);
+    ASSERT_EQ(cif->errors()->errors_of_type(CifError::error), 0) << seed;
+    const THandle<CifDataBlock> block = cif->block(0);
+    const char* const names[] = {"_a", "_b", "_c"};
+    for (std::size_t n = 0; n < expected.size(); ++n) {
+        THandle<CifDataItem> item = block->find(names[n % 3]);
+        ASSERT_EQ(item->size(), expected.size() / 3);
+        ASSERT_EQ(item->value_view(n / 3), expected[n].value) << "seed " << seed << ", value " << n;
+    }
+    EXPECT_EQ(block->find("_after")->line(), line + 1) << seed;
+}
+
+TEST(CifPlainValues, EveryValueAndLineSurvivesTheWindowsOfTheFastPath) {
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        check_loop(seed, 1);
+        check_loop(seed, 2);
+    }
+}
+
+TEST(CifPlainValues, WordsEndingAtABracketOrNulLeaveTheFastPathWithTheirMessages) {
+    // Far enough into the loop that the fast path is under way.
+    std::string rows;
+    for (int i = 0; i < 40; ++i) rows += "1.5 2.5\n";
+    struct Case {
+        int version;
+        std::string bad_row;
+        int code;
+        std::string second;  // the value after 3.5
+        std::size_t rows;
+    };
+    const Case cases[] = {
+        // x, then the list [1]: one value more, so the loop ends a value short.
+        {2, "3.5 x[1]\n", CifError::missing_white_space, "x", 82},
+        // A NUL inside a word is part of it.
+        {1, std::string("3.5 x\0y\n", 8), CifError::invalid_character, std::string("x\0y", 3), 81},
+    };
+    for (const Case& c : cases) {
+        std::string text = (c.version >= 2 ? "#\\#CIF_2.0\n" : "") + std::string("data_x\nloop_\n_a\n_b\n") +
+                           rows + c.bad_row + rows;
+        THandle<Cif> cif = cif_test::read(text);
+        bool found = false;
+        for (const CifError& error : *cif->errors()) {
+            if (error.id() == c.code) {
+                found = true;
+                EXPECT_EQ(error.line(), (c.version >= 2 ? 46 : 45)) << c.code;
+            }
+        }
+        EXPECT_TRUE(found) << c.code;
+        const THandle<CifDataBlock> block = cif->block(0);
+        EXPECT_EQ(block->find("_a")->value(40), "3.5");
+        EXPECT_EQ(block->find("_b")->value(40), c.second);
+        EXPECT_EQ(block->find("_a")->size(), c.rows);
+    }
+}
+
+}  // namespace
