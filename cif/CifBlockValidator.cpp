@@ -82,11 +82,34 @@ void CifBlockValidator::check_parents(const CifDataBlock& block) {
     }
 }
 
+std::string CifBlockValidator::suggestion(const std::string& name) const {
+    // Short names are near too many others: one edit for them, two for the rest.
+    const std::size_t letters = name.size() > 0 ? name.size() - 1 : 0;
+    const int edits = letters >= 8 ? 2 : letters >= 4 ? 1 : 0;
+    // Validation replies (_vrf_...) are meant to be undefined.
+    if (edits == 0 || cif_lowercase(name).find("_vrf") != std::string::npos) return {};
+    const std::vector<CifDictionary::SimilarName> similar = dictionary_.similar_names(name, edits);
+    if (similar.empty()) return {};
+    // The nearest names only, at most three of them.
+    std::vector<std::string> names;
+    for (const CifDictionary::SimilarName& candidate : similar) {
+        if (candidate.edits != similar.front().edits || names.size() == 3) break;
+        names.push_back(candidate.name);
+    }
+    std::string text = "; did you mean ";
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0) text += i + 1 == names.size() ? " or " : ", ";
+        text += names[i];
+    }
+    return text + "?";
+}
+
 void CifBlockValidator::validate_single(const CifDataItem& item) {
     const CifItemDefinition* definition = dictionary_.definition(item.name());
     if (definition == nullptr) {
         if (!dictionary_.is_defined(item.name())) {
-            if (names_) sink_.add(CifError::undefined_data_name, item.line(), item.name());
+            if (names_)
+                sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item.name()));
             return;
         }
     } else {
@@ -120,7 +143,7 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         const CifItemDefinition* definition = dictionary_.definition(item->name());
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
-            sink_.add(CifError::undefined_data_name, item->line(), item->name());
+            sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(item->name()));
         if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;

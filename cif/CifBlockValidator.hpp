@@ -15,7 +15,8 @@
 
 // Checks the items and loops of a block against a dictionary, each finding
 // on the line of what it is about (a value's own line, also inside a loop):
-// data names the dictionary does not define (320); every value against its
+// data names the dictionary does not define (320, with the defined names
+// one or two edits away as a suggestion); every value against its
 // definition (CifValueCheck); the loop rules of DDL1 (_list: 327, 328);
 // loops that mix categories or rows of different keys (329); loops that
 // lack the item their columns refer to (_list_reference) or an item their
@@ -60,6 +61,9 @@ private:
     // The item's rows before the first a syntax problem damaged.
     std::size_t sound_rows(const CifDataItem& item) const;
     const std::vector<std::string>& mandatory_items(const std::string& category);
+    // "; did you mean _cell_length_b?" for a name the dictionary lacks, or
+    // empty when no defined name is near it.
+    std::string suggestion(const std::string& name) const;
 
     CifValueReporter& reporter_;
     const CifDictionary& dictionary_;

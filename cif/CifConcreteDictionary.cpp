@@ -2,9 +2,11 @@
 // One DDL1 dictionary file read into memory: its descriptor and definitions.
 #include "cif/CifConcreteDictionary.hpp"
 
+#include <algorithm>
 #include <iterator>
 
 #include "cif/CifDdl1Reader.hpp"
+#include "cif/CifEditDistance.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifStreamText.hpp"
 
@@ -14,11 +16,13 @@ bool CifConcreteDictionary::read(std::istream& stream, THandle<CifErrorContainer
     categories_.clear();
     index_.clear();
     members_.clear();
+    by_length_.clear();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     std::string text;
     if (!cif_read_stream(stream, text) && !errors.is_null())
         errors->add(CifError(CifError::input_unreadable, 1, std::string(), "read error"));
     CifDdl1Reader(*this, errors, log).read(std::move(text));
+    index_by_length();
     return errors.is_null() || errors->size() == before;
 }
 
@@ -46,5 +50,35 @@ std::vector<std::string> CifConcreteDictionary::mandatory_items(const std::strin
     for (std::size_t index : found->second) {
         if (definitions_[index].list_mandatory) result.push_back(definitions_[index].name);
     }
+    return result;
+}
+
+void CifConcreteDictionary::index_by_length() {
+    for (std::size_t i = 0; i < definitions_.size(); ++i) {
+        const std::string& name = definitions_[i].name;
+        if (name.find('[') != std::string::npos) continue;  // a category overview
+        if (by_length_.size() <= name.size()) by_length_.resize(name.size() + 1);
+        by_length_[name.size()].push_back(i);
+    }
+}
+
+std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,
+                                                                             int max_edits) const {
+    std::vector<SimilarName> result;
+    if (max_edits < 0) return result;
+    const std::size_t edits = static_cast<std::size_t>(max_edits);
+    const std::size_t shortest = data_name.size() > edits ? data_name.size() - edits : 0;
+    const std::size_t longest = std::min(data_name.size() + edits + 1, by_length_.size());
+    std::vector<std::pair<std::size_t, int>> found;  // definition index, edits
+    for (std::size_t length = shortest; length < longest; ++length) {
+        for (std::size_t index : by_length_[length]) {
+            const int distance = cif_edit_distance(data_name, definitions_[index].name, max_edits);
+            if (distance <= max_edits) found.emplace_back(index, distance);
+        }
+    }
+    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
+        return a.second != b.second ? a.second < b.second : a.first < b.first;
+    });
+    for (const auto& [index, distance] : found) result.push_back({definitions_[index].name, distance});
     return result;
 }

@@ -41,6 +41,7 @@ public:
     std::vector<std::string> categories() const override { return categories_; }
     std::vector<std::string> category_items(const std::string& category) const override;
     std::vector<std::string> mandatory_items(const std::string& category) const override;
+    std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
 
     // Every definition, in the dictionary's order (one per data name).
     const std::vector<CifItemDefinition>& definitions() const { return definitions_; }
@@ -48,6 +49,8 @@ public:
 
 private:
     friend class CifDdl1Reader;
+
+    void index_by_length();
 
     CifDictionaryDescriptor descriptor_;
     std::vector<CifItemDefinition> definitions_;
@@ -57,6 +60,10 @@ private:
     std::unordered_map<std::string, std::size_t, CifNameHash, CifNameEqual> index_;
     // Lower-case plain category name -> indexes of its definitions.
     std::unordered_map<std::string, std::vector<std::size_t>> members_;
+    // Name length -> indexes of the definitions of data names that long
+    // (category overviews left out), so that a search for similar names
+    // looks only at names of about the right length.
+    std::vector<std::vector<std::size_t>> by_length_;
 };
 
 // The library's name for a handle of a concrete dictionary.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cif/CifEnumeration.hpp"
@@ -55,6 +56,21 @@ public:
     // plain name ("atom_site") or with a leading underscore ("_atom_site").
     virtual std::vector<std::string> category_items(const std::string& category) const {
         (void)category;
+        return {};
+    }
+
+    // A defined data name and how many edits it lies from the name asked for.
+    struct SimilarName {
+        std::string name;  // as the dictionary writes it
+        int edits;
+    };
+    // The defined data names at most `max_edits` edits from `data_name`
+    // (see cif_edit_distance), nearest first and in the dictionary's order
+    // among equals; category overviews are left out. Meant for names the
+    // dictionary lacks, to suggest what may have been meant.
+    virtual std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const {
+        (void)data_name;
+        (void)max_edits;
         return {};
     }
 

@@ -74,3 +74,20 @@ std::vector<std::string> CifDictionaryPool::mandatory_items(const std::string& c
     if (members_.size() == 1) return members_.front()->mandatory_items(category);
     return CifDictionary::mandatory_items(category);
 }
+
+std::vector<CifDictionary::SimilarName> CifDictionaryPool::similar_names(std::string_view data_name,
+                                                                         int max_edits) const {
+    std::vector<SimilarName> result;
+    for (const THandle<CifConcreteDictionary>& member : members_) {
+        for (SimilarName& similar : member->similar_names(data_name, max_edits)) {
+            const bool known = std::any_of(result.begin(), result.end(), [&](const SimilarName& other) {
+                return cif_iequals(other.name, similar.name);
+            });
+            if (!known) result.push_back(std::move(similar));
+        }
+    }
+    // Members in pool order among names equally near.
+    std::stable_sort(result.begin(), result.end(),
+                     [](const SimilarName& a, const SimilarName& b) { return a.edits < b.edits; });
+    return result;
+}

@@ -42,6 +42,8 @@ public:
     // The category's data names from every member, each name once, in member order.
     std::vector<std::string> category_items(const std::string& category) const override;
     std::vector<std::string> mandatory_items(const std::string& category) const override;
+    // The members' similar names merged: nearest first, each name once.
+    std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
 
 private:
     std::vector<THandle<CifConcreteDictionary>> members_;

@@ -69,9 +69,10 @@ constexpr CifErrorCatalogueEntry table[] = {
      "many programs and journals expect 80)."},
     {319, 2, "data_name_too_long", "Data name %1 is longer than %2 characters",
      "CIF 1.1 limits data names, including the leading underscore, to 75 characters."},
-    {320, 1, "undefined_data_name", "Created non-standard data item %1",
-     "The data name is not defined by any enabled dictionary; it may be misspelt, or it is local to a "
-     "program. The editor leaves out names that contain _vrf (answers to validation alerts)."},
+    {320, 1, "undefined_data_name", "Created non-standard data item %1%2",
+     "The data name is not defined by any enabled dictionary; it may be misspelt (a defined name one or two "
+     "edits away is suggested), or it is local to a program. The editor leaves out names that contain _vrf "
+     "(answers to validation alerts)."},
     {321, 2, "block_name_too_long", "Data block name %1 is longer than %2 characters",
      "CIF 1.1 limits block codes (the name after data_) to 75 characters."},
     {322, 2, "block_without_name", "Data block heading data_ has no name",

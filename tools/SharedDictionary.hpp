@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cif/CifDictionary.hpp"
@@ -29,6 +30,9 @@ public:
     }
     std::vector<std::string> mandatory_items(const std::string& category) const override {
         return target_.mandatory_items(category);
+    }
+    std::vector<SimilarName> similar_names(std::string_view name, int max_edits) const override {
+        return target_.similar_names(name, max_edits);
     }
 
 private:

@@ -13,6 +13,12 @@
 //    checked against its definition, and one with the mmCIF-style names
 //    (_refln.index_h ...) that the core dictionary does not define, where
 //    only six names are reported.
+// 3. The suggestions for undefined names ("did you mean ...?"): reads a
+//    block of 2000 distinct undefined names (each a core name with two
+//    neighbouring letters swapped, so every one finds a suggestion) and one
+//    of 2000 names unlike any core name, against the core dictionary with
+//    suggestions and against the same dictionary without them (the peer),
+//    alternately, best of N runs each, and prints the ratio.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +28,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cif/Cif.hpp"
@@ -63,6 +70,47 @@ std::string reflection_loop(long rows, bool core_names) {
         int l = static_cast<int>(r % side - side / 2);
         int n = std::snprintf(line, sizeof line, "%4d%4d%4d %10.2f %8.2f o\n", h, k, l, f, f / 37.0);
         text.append(line, static_cast<std::size_t>(n));
+    }
+    return text;
+}
+
+// The core dictionary as it is, except that it suggests nothing: the peer
+// of the suggestions.
+class WithoutSuggestions : public CifDictionary {
+public:
+    explicit WithoutSuggestions(THandle<CifDictionary> target) : target_(std::move(target)) {}
+    bool is_defined(const std::string& name) const override { return target_->is_defined(name); }
+    const CifItemDefinition* definition(const std::string& name) const override {
+        return target_->definition(name);
+    }
+    bool has_definitions() const override { return target_->has_definitions(); }
+    int check_value(const std::string& name, const std::string& value, bool looped) const override {
+        return target_->check_value(name, value, looped);
+    }
+
+private:
+    THandle<CifDictionary> target_;
+};
+
+// A block of `count` distinct undefined names: misspelt core names, or names
+// like no core name.
+std::string undefined_names(const CifConcreteDictionary& core, std::size_t count, bool misspelt) {
+    std::string text = "data_names\n";
+    std::size_t made = 0;
+    for (std::size_t i = 0; made < count; ++i) {
+        std::string name;
+        if (misspelt) {
+            const CifItemDefinition& definition = core.definitions()[i % core.definitions().size()];
+            name = definition.name;
+            if (name.find('[') != std::string::npos || name.size() < 8) continue;
+            std::swap(name[name.size() - 2 - i / core.definitions().size()],
+                      name[name.size() - 3 - i / core.definitions().size()]);
+            if (core.is_defined(name)) continue;
+        } else {
+            name = "_zz_local_item_" + std::to_string(i);
+        }
+        text += name + " 1\n";
+        ++made;
     }
     return text;
 }
@@ -133,6 +181,23 @@ int main(int argc, char** argv) {
             core_names ? "core names (_refln_index_h)" : "mmCIF names (_refln.index_h)", rows,
             static_cast<double>(text.size()) / 1e6, plain, checked, checked_messages, checked / plain);
         (void)plain_messages;
+    }
+
+    const THandle<CifDictionary> without(new WithoutSuggestions(pool));
+    for (bool misspelt : {true, false}) {
+        const std::string text = undefined_names(*core, 2000, misspelt);
+        double peer = 1e300, suggesting = 1e300;
+        std::size_t peer_messages = 0, messages = 0;
+        for (int run = 0; run < runs; ++run) {
+            peer = std::min(peer, read_once(text, without, peer_messages));
+            suggesting = std::min(suggesting, read_once(text, pool, messages));
+        }
+        std::printf(
+            "2000 undefined names %s: without suggestions %.1f ms, with %.1f ms (%zu messages), "
+            "ratio %.2f, %.1f us a name\n",
+            misspelt ? "each a misspelt core name" : "like no core name", peer, suggesting, messages,
+            suggesting / peer, (suggesting - peer) * 1000.0 / 2000.0);
+        if (messages != peer_messages) return 1;
     }
     return 0;
 }

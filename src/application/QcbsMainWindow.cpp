@@ -35,6 +35,7 @@
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
+#include "preferences/QcbsPreferencesDialog.hpp"
 #include "resources/QcbsXpmResource.hpp"
 #include "support/ORMALog.hpp"
 #include "validation/QcbsErrorListView.hpp"
@@ -499,7 +500,8 @@ void QcbsMainWindow::updateCrystalWizard() {
 
 void QcbsMainWindow::setCaption(const QString& fileName) {
     const QString shown = fileName.isEmpty() ? QString("new.cif") : QFileInfo(fileName).fileName();
-    setWindowTitle(shown + " - " + programQName());
+    // "[*]" shows as "*" while the document has unsaved changes.
+    setWindowTitle(shown + "[*] - " + programQName());
 }
 
 void QcbsMainWindow::updateCaption() { setCaption(fileName()); }
@@ -511,8 +513,11 @@ void QcbsMainWindow::statusLineNumber() {
     int index = 0;
     editor->getCursorPosition(&paragraph, &index);
     QString text = "Line " + QString::number(paragraph + 1) + ", Column " + QString::number(index + 1);
-    if (editor->isModified()) text += " (File Modified)";
+    // A text still coming in from its file is not changed by the user.
+    const bool modified = editor->isModified() && !editor->isLoading();
+    if (modified) text += " (File Modified)";
     statusLine_->setText(text);
+    setWindowModified(modified);
 }
 
 void QcbsMainWindow::statusBarMessage(QString message) { statusBar()->showMessage(message); }
@@ -692,6 +697,38 @@ void QcbsMainWindow::blockAdd(const QString& blockText) {
 
 void QcbsMainWindow::toggleBoxView() { boxView_->setVisible(boxView_->isHidden()); }
 
+// --- preferences -----------------------------------------------------------------------
+
+void QcbsMainWindow::editPrefs() {
+    if (preferences_ == nullptr) {
+        const QcbsPreferencesDialog::Shared shared{
+            sharedData_->options(), sharedData_->dictionaryLoader(), sharedData_->dictionarySettings(),
+            sharedData_->fontStyles(), sharedData_->programDirectory()};
+        preferences_ = new QcbsPreferencesDialog(shared, this);
+        preferences_->setAttribute(Qt::WA_DeleteOnClose);
+        // The options reach every window through their change signal; the
+        // styles and dictionaries are shared objects changed in place, so
+        // every window is told to draw and check with them.
+        connect(preferences_, &QcbsPreferencesDialog::stylesChanged, this,
+                [] { initialiseAllInstSettings(); });
+        const auto everyWindow = [](void (*act)(QcbsMainWindow*)) {
+            for (QWidget* widget : QApplication::topLevelWidgets())
+                if (auto* window = qobject_cast<QcbsMainWindow*>(widget)) act(window);
+        };
+        connect(preferences_, &QcbsPreferencesDialog::dictionariesChanged, this, [everyWindow] {
+            everyWindow([](QcbsMainWindow* window) {
+                if (QcbsRichTextEdit* editor = window->currentEditor())
+                    editor->setDictionary(window->dictionary());
+            });
+        });
+        connect(preferences_, &QcbsPreferencesDialog::checkAgainRequested, this,
+                [everyWindow] { everyWindow([](QcbsMainWindow* window) { window->reparse(); }); });
+    }
+    preferences_->open();
+    preferences_->raise();
+    preferences_->activateWindow();
+}
+
 // --- help ------------------------------------------------------------------------------
 
 void QcbsMainWindow::about() {
@@ -699,6 +736,10 @@ void QcbsMainWindow::about() {
         aboutBox_ = new QcbsAboutBox(this);
         aboutBox_->setAttribute(Qt::WA_DeleteOnClose);
     }
+    // The core dictionary that checks actually use, as loaded now.
+    dictionary();
+    const THandle<CifDictionaryPool> all = sharedData_->dictionaryLoader()->pool();
+    aboutBox_->setDictionaries(*sharedData_->dictionarySettings()->loadSettings(all), *all);
     aboutBox_->show();
     aboutBox_->raise();
 }

@@ -29,6 +29,7 @@ class QcbsErrorListView;
 class QcbsHelpWindow;
 class QcbsLineNumberedTextEdit;
 class QcbsMainWindowActions;
+class QcbsPreferencesDialog;
 class QcbsRichTextEdit;
 class QcbsVisSorter;
 
@@ -172,6 +173,7 @@ public slots:
     void editInsertTemplate();
     void editSelectall();
     void combine();
+    // The preferences dialog (one per window, shown again when open).
     void editPrefs();
 
     // Search.
@@ -239,9 +241,11 @@ public slots:
     void enableUndoRedo();
 
     // The caption: the file's name and the program's name joined by " - ";
-    // "new.cif" stands for an editor without a file.
+    // "new.cif" stands for an editor without a file. A "*" follows the name
+    // while the document has unsaved changes.
     void setCaption(const QString& fileName);
-    // "Line N, Column M", with " (File Modified)" for a modified text.
+    // "Line N, Column M", with " (File Modified)" for a modified text (not
+    // for one still being read from its file); marks the caption alike.
     void statusLineNumber();
 
 signals:
@@ -341,6 +345,7 @@ private:
     QStringList pendingOutputPaneWrites_;
     QPointer<QcbsHelpWindow> helpWindow_;
     QPointer<QcbsAboutBox> aboutBox_;
+    QPointer<QcbsPreferencesDialog> preferences_;
 
     QcbsCifDocument* document_ = nullptr;
     bool editorToolsOn_ = false;

@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QDir>
 #include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
@@ -35,6 +36,7 @@
 
 namespace {
 
+const char* const kCifFilter = "CIF (*.cif)";
 const char* const kFileFilter = "CIF (*.cif);;All Files (*)";
 
 void loadLog(const QString& text) { debugLine(1, "QcbsMainWindow::load - " + text); }
@@ -46,10 +48,12 @@ QString quotedHtml(const QString& name) { return quoted(name).toHtmlEscaped(); }
 
 // A message box with buttons of exactly these texts and roles; returns the
 // index of the button chosen (the escape button's when the box is closed).
+// `detail` goes under the text, when given.
 int ask(QWidget* parent, QMessageBox::Icon icon, const QString& caption, const QString& text,
         const QList<std::pair<QString, QMessageBox::ButtonRole>>& buttons, int defaultButton,
-        int escapeButton) {
+        int escapeButton, const QString& detail = QString()) {
     QMessageBox box(icon, caption, text, QMessageBox::NoButton, parent);
+    if (!detail.isEmpty()) box.setInformativeText(detail);
     QList<QPushButton*> made;
     for (const auto& [label, role] : buttons) made << box.addButton(label, role);
     box.setDefaultButton(made.at(defaultButton));
@@ -332,7 +336,12 @@ QString QcbsMainWindow::askSaveFileName(const QString& proposed) {
     // The replace question is the window's own.
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return QString();
-    return dialog.selectedFiles().first();
+    QString name = dialog.selectedFiles().first();
+    // A name typed without an extension under the CIF filter is meant as a CIF.
+    if (dialog.selectedNameFilter() == kCifFilter && QFileInfo(name).suffix().isEmpty() &&
+        !QFileInfo(name).fileName().isEmpty())
+        name += name.endsWith('.') ? "cif" : ".cif";
+    return name;
 }
 
 bool QcbsMainWindow::writeDocument(const QString& filename) {
@@ -362,10 +371,15 @@ bool QcbsMainWindow::fileClose() {
     QcbsRichTextEdit* editor = currentEditor();
     if (editor == nullptr) return true;
     if (document_->isModified()) {
-        const int answer = ask(
-            this, QMessageBox::Question, programQName(), "Save changes to current file?",
-            {{"Yes", QMessageBox::YesRole}, {"No", QMessageBox::NoRole}, {"Cancel", QMessageBox::RejectRole}},
-            0, 2);
+        const QString name = fileName();
+        const QString shown = name.isEmpty()     ? QString("new.cif")
+                              : isUntitled(name) ? QFileInfo(name).fileName()
+                                                 : QDir::toNativeSeparators(name);
+        const int answer = ask(this, QMessageBox::Question, programQName(), "Save changes to current file?",
+                               {{"&Yes", QMessageBox::YesRole},
+                                {"&No", QMessageBox::NoRole},
+                                {"&Cancel", QMessageBox::RejectRole}},
+                               0, 2, shown);
         if (answer == 2) return false;
         // A save that fails or is cancelled keeps the document open.
         if (answer == 0 && !saveDocument()) return false;

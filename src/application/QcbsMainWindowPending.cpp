@@ -10,8 +10,6 @@
 
 void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }
 
-void QcbsMainWindow::editPrefs() { showNotAvailable("The preferences dialogue"); }
-
 void QcbsMainWindow::editFind() { showNotAvailable("Find"); }
 
 void QcbsMainWindow::editFindPrevious() { showNotAvailable("Find previous"); }

@@ -51,11 +51,24 @@ bool ORMAApplicationSettings::readBoolEntry(const QString& key, bool def) {
     return def;
 }
 
-void ORMAApplicationSettings::writeEntry(const QString& key, const QString& value) { settings_->setValue(key, value); }
+QStringList ORMAApplicationSettings::readListEntry(const QString& key) {
+    const QVariant value = settings_->value(key);
+    ok_ = value.isValid();
+    // An INI file gives a one-element list back as a plain text.
+    return ok_ ? value.toStringList() : QStringList();
+}
+
+void ORMAApplicationSettings::writeEntry(const QString& key, const QString& value) {
+    settings_->setValue(key, value);
+}
 
 void ORMAApplicationSettings::writeEntry(const QString& key, int value) { settings_->setValue(key, value); }
 
 void ORMAApplicationSettings::writeEntry(const QString& key, bool value) { settings_->setValue(key, value); }
+
+void ORMAApplicationSettings::writeEntry(const QString& key, const QStringList& value) {
+    settings_->setValue(key, value);
+}
 
 QStringList ORMAApplicationSettings::entryList(const QString& key) {
     settings_->beginGroup(key);

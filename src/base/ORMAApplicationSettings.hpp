@@ -22,11 +22,14 @@ public:
     QString readEntry(const QString& key, const QString& def = QString());
     int readNumEntry(const QString& key, int def = 0);
     bool readBoolEntry(const QString& key, bool def = false);
+    // A list of texts; an empty list when the key is missing.
+    QStringList readListEntry(const QString& key);
 
     void writeEntry(const QString& key, const QString& value);
     void writeEntry(const QString& key, const char* value) { writeEntry(key, QString::fromUtf8(value)); }
     void writeEntry(const QString& key, int value);
     void writeEntry(const QString& key, bool value);
+    void writeEntry(const QString& key, const QStringList& value);
 
     // The sub-keys stored under a key, such as the entries of a history list.
     QStringList entryList(const QString& key);

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <fstream>
 
+#include "base/ORMAApplicationSettings.hpp"
 #include "base/ORMALogQString.hpp"
 #include "cif/CifConcreteDictionary.hpp"
 #include "support/ORMALog.hpp"
@@ -16,9 +17,15 @@ QcbsDictionaryLoader::QcbsDictionaryLoader()
 QcbsDictionaryLoader::~QcbsDictionaryLoader() = default;
 
 QStringList QcbsDictionaryLoader::searchDirectories(const QString& programDirectory) {
+    return searchDirectories(programDirectory, addedDirectories());
+}
+
+QStringList QcbsDictionaryLoader::searchDirectories(const QString& programDirectory,
+                                                    const QStringList& added) {
     QStringList candidates;
     const QString named = qEnvironmentVariable(environmentVariable());
     for (const QString& directory : named.split(':', Qt::SkipEmptyParts)) candidates << directory;
+    candidates << added;
     // Beside the program, installed under a prefix (bin/../share/tessary),
     // then in a development tree or an application bundle.
     for (const char* suffix : {"/dict", "/../share/tessary/dict", "/../../dict", "/../Resources/dict",
@@ -34,10 +41,30 @@ QStringList QcbsDictionaryLoader::searchDirectories(const QString& programDirect
     return directories;
 }
 
+QStringList QcbsDictionaryLoader::addedDirectories() {
+    ORMAApplicationSettings settings;
+    QStringList directories = settings.readListEntry(addedDirectoriesKey());
+    directories.removeAll(QString());
+    return directories;
+}
+
+void QcbsDictionaryLoader::setAddedDirectories(const QStringList& directories) {
+    ORMAApplicationSettings settings;
+    settings.writeEntry(addedDirectoriesKey(), directories);
+}
+
 THandle<CifDictionaryPool> QcbsDictionaryLoader::load(const QString& programDirectory) {
-    if (loaded_) return pool_;
-    for (const QString& path : searchDirectories(programDirectory)) readDirectory(path);
+    for (const QString& path : searchDirectories(programDirectory)) {
+        // Once a dictionary is in, a directory is read once.
+        if (loaded_ && searched_.contains(path)) continue;
+        readDirectory(path);
+        searched_.insert(path);
+    }
     return pool_;
+}
+
+QString QcbsDictionaryLoader::fileName(const THandle<CifConcreteDictionary>& dictionary) const {
+    return files_.value(dictionary.get());
 }
 
 void QcbsDictionaryLoader::readDirectory(const QString& path) {
@@ -64,4 +91,5 @@ void QcbsDictionaryLoader::readFile(const QString& path) {
     emit outputMessageRequest("Loaded dictionary: " + path, false);
     loaded_ = true;
     pool_->insert(dictionary);
+    files_.insert(dictionary.get(), path);
 }

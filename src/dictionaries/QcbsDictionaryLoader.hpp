@@ -2,7 +2,9 @@
 // Finds the dictionary files and reads them, once, into one pool of all dictionaries.
 #pragma once
 
+#include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -12,9 +14,9 @@
 
 // Finds the dictionary files (*.dic) in the dictionary directories and reads
 // them, once, into one pool of all dictionaries. The directories named by
-// TESSARY_DICTIONARIES (separated by ":") come first, then those next to the
-// program. One loader exists per program, in the data shared by the main
-// windows.
+// TESSARY_DICTIONARIES (separated by ":") come first, then those the user
+// added in the preferences, then those next to the program. One loader
+// exists per program, in the data shared by the main windows.
 class QcbsDictionaryLoader : public QObject {
     Q_OBJECT
 public:
@@ -23,8 +25,14 @@ public:
 
     // The pool of all dictionaries. The files are read by the first call
     // that reads at least one cleanly; until then every call searches again.
-    // A dictionary with errors is reported and left out.
+    // Afterwards a call reads only directories it has not searched yet (one
+    // the user added since), so new files in a searched directory wait for
+    // the next start. A dictionary with errors is reported and left out.
     THandle<CifDictionaryPool> load(const QString& programDirectory);
+    // The pool as it stands, without a search.
+    const THandle<CifDictionaryPool>& pool() const { return pool_; }
+    // The file a dictionary of the pool was read from; empty for others.
+    QString fileName(const THandle<CifConcreteDictionary>& dictionary) const;
     // The errors of every dictionary that could not be used.
     THandle<CifErrorContainer> errors() const { return errors_; }
     // Whether a dictionary has been read cleanly.
@@ -32,6 +40,13 @@ public:
 
     // The directories load() searches, in order, normalised, each once.
     static QStringList searchDirectories(const QString& programDirectory);
+    // The same with `added` in place of the directories the user added.
+    static QStringList searchDirectories(const QString& programDirectory, const QStringList& added);
+    // The directories the user added, kept in the settings under
+    // "dictionary directories" (a list of texts).
+    static QStringList addedDirectories();
+    static void setAddedDirectories(const QStringList& directories);
+    static const char* addedDirectoriesKey() { return "dictionary directories"; }
     // The environment variable naming further dictionary directories.
     static const char* environmentVariable() { return "TESSARY_DICTIONARIES"; }
 
@@ -46,4 +61,6 @@ private:
     THandle<CifDictionaryPool> pool_;
     THandle<CifErrorContainer> errors_;
     bool loaded_ = false;
+    QSet<QString> searched_;
+    QHash<const CifConcreteDictionary*, QString> files_;
 };

@@ -14,15 +14,25 @@ QString QcbsDictionarySettings::settingsKey(const CifConcreteDictionary& diction
 
 THandle<CifDictionaryPool> QcbsDictionarySettings::loadSettings(THandle<CifDictionaryPool> all) {
     // The same pool keeps the switches made since (not yet saved). A pool
-    // that grew is one the loader filled after finding nothing at first.
-    if (!all.is_null() && all == all_ && all->size() == allCount_) return enabled_;
+    // that grew (a directory searched since) gives a new enabled pool, so
+    // that its users see the change: the old members, then the newcomers as
+    // their settings say.
+    const bool same = !all.is_null() && all == all_ && !enabled_.is_null();
+    if (same && all->size() == allCount_) return enabled_;
+    const std::size_t known = same ? allCount_ : 0;
+    const THandle<CifDictionaryPool> previous = enabled_;
+    enabled_ = THandle<CifDictionaryPool>(new CifDictionaryPool());
+    if (same)
+        for (const THandle<CifConcreteDictionary>& dictionary : *previous) enabled_->insert(dictionary);
     all_ = all;
     allCount_ = all.is_null() ? 0 : all->size();
-    enabled_ = THandle<CifDictionaryPool>(new CifDictionaryPool());
     if (all.is_null()) return enabled_;
     ORMAApplicationSettings settings;
-    for (const THandle<CifConcreteDictionary>& dictionary : *all)
+    std::size_t index = 0;
+    for (const THandle<CifConcreteDictionary>& dictionary : *all) {
+        if (index++ < known) continue;
         if (settings.readBoolEntry(settingsKey(*dictionary), true)) enabled_->insert(dictionary);
+    }
     return enabled_;
 }
 

@@ -21,7 +21,8 @@ public:
 
     // The pool of the enabled dictionaries of `all`. Asked again with the
     // same pool, it gives the same enabled pool, switches included, without
-    // reading the settings again (unless dictionaries joined `all` since).
+    // reading the settings again; dictionaries that joined `all` since are
+    // added to it as their settings say.
     THandle<CifDictionaryPool> loadSettings(THandle<CifDictionaryPool> all);
     // Writes the enabled state of every dictionary of the pool of all, but
     // only once a dictionary was switched on or off.

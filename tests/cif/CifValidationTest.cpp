@@ -3,10 +3,14 @@
 // Each finding comes with its code, kind and the line of what it is about.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "cif/CifLoopKeys.hpp"
+#include "cif/CifEditDistance.hpp"
 #include "cif/CifNumber.hpp"
 #include "tests/cif/CifTestSupport.hpp"
 #include "tests/cif/DictionaryTestSupport.hpp"
@@ -32,6 +36,107 @@ TEST(CifValidation, DataNamesTheDictionaryLacksAreWarnedOnTheirOwnLines) {
     EXPECT_EQ((*cif->errors())[0].type(), CifError::warning);
     EXPECT_EQ((*cif->errors())[1].text(), "_vrf_PLAT029_a");  // the editor drops these, the library does not
     EXPECT_EQ((*cif->errors())[2].message(), "Created non-standard data item _atom_site_colour");
+}
+
+TEST(CifValidation, AMisspeltNameIsOfferedTheNearestDefinedNames) {
+    struct Case {
+        const char* name;
+        const char* suggestion;  // what follows the warning's data name
+    };
+    const Case cases[] = {
+        {"_cell_lenght_b", "; did you mean _cell_length_b?"},  // two letters swapped: one edit
+        {"_CELL_LENGHT_B", "; did you mean _cell_length_b?"},  // case aside, spelt as defined
+        {"_cell_lngth_bb", "; did you mean _cell_length_b?"},  // two edits
+        {"_cell_length_x", "; did you mean _cell_length_a, _cell_length_b or _cell_length_c?"},
+        {"_atom_site_fract_xx", "; did you mean _atom_site_fract_x?"},  // the nearest only, not _y
+        {"_cell_lnghtt_b", ""},                                         // three edits
+        {"_made_up_item", ""},
+        {"_vrf_cell_length_a", ""},  // validation replies are meant to be undefined
+        {"_celx", ""},               // too short to guess at
+    };
+    for (const Case& c : cases) {
+        THandle<Cif> cif = read_checked(std::string("data_a\n") + c.name + " 5.0\n");
+        ASSERT_EQ(cif->errors()->size(), 1u) << c.name;
+        EXPECT_EQ((*cif->errors())[0].message(),
+                  std::string("Created non-standard data item ") + c.name + c.suggestion)
+            << c.name;
+    }
+    // A loop's column gets the same help.
+    THandle<Cif> looped = read_checked("data_a\nloop_\n_atom_site_label\n_atom_site_ocupancy\nC1 1.0\n");
+    ASSERT_EQ(looped->errors()->size(), 1u);
+    EXPECT_EQ((*looped->errors())[0].message(),
+              "Created non-standard data item _atom_site_ocupancy; did you mean _atom_site_occupancy?");
+}
+
+TEST(CifEditDistance, CountsInsertionsRemovalsReplacementsAndSwapsUpToTheBound) {
+    struct Case {
+        const char* a;
+        const char* b;
+        int bound;
+        int distance;
+    };
+    const Case cases[] = {
+        {"length", "length", 2, 0},
+        {"Length", "lENGTH", 2, 0},
+        {"length", "lenght", 2, 1},
+        {"length", "lengths", 2, 1},
+        {"length", "lenth", 2, 1},
+        {"length", "lemgth", 2, 1},
+        {"abcdef", "badcfe", 3, 3},
+        {"kitten", "sitting", 5, 3},
+        {"kitten", "sitting", 2, 3},
+        {"abc", "", 2, 3},
+        {"", "ab", 2, 2},
+        {"ca", "abc", 3, 3},
+        {"abc", "abc", 0, 0},
+        {"abc", "abd", 0, 1},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(cif_edit_distance(c.a, c.b, c.bound), c.distance) << c.a << " " << c.b << " " << c.bound;
+        EXPECT_EQ(cif_edit_distance(c.b, c.a, c.bound), c.distance) << c.b << " " << c.a << " " << c.bound;
+    }
+    // The banded count agrees with the whole table on many short names of
+    // few letters, where edits overlap most.
+    const auto whole = [](const std::string& a, const std::string& b) {
+        std::vector<std::vector<int>> d(a.size() + 1, std::vector<int>(b.size() + 1));
+        for (std::size_t i = 0; i <= a.size(); ++i)
+            for (std::size_t j = 0; j <= b.size(); ++j) {
+                if (i == 0 || j == 0) {
+                    d[i][j] = static_cast<int>(i + j);
+                    continue;
+                }
+                d[i][j] =
+                    std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] != b[j - 1])});
+                if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                    d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
+            }
+        return d[a.size()][b.size()];
+    };
+    std::mt19937 random(19);
+    const auto word = [&random] {
+        std::string text(random() % 9, ' ');
+        for (char& c : text) c = "ab_c"[random() % 4];
+        return text;
+    };
+    for (int n = 0; n < 3000; ++n) {
+        const std::string a = word(), b = word();
+        const int bound = static_cast<int>(random() % 4);
+        EXPECT_EQ(cif_edit_distance(a, b, bound), std::min(whole(a, b), bound + 1))
+            << a << " " << b << " " << bound;
+    }
+}
+
+TEST(CifDictionaryPool, SimilarNamesOfSeveralMembersAreMergedNearestFirstEachOnce) {
+    THandle<CifDictionaryPool> pool = cif_test::test_pool();
+    pool->insert(cif_test::test_dictionary("tessary_extra.dic"));
+    pool->insert(cif_test::test_dictionary());  // the same object again is not a second member
+    std::vector<std::string> names;
+    for (const CifDictionary::SimilarName& similar : pool->similar_names("_cell_formula_units_z", 2))
+        names.push_back(similar.name + " " + std::to_string(similar.edits));
+    // Both dictionaries define _cell_formula_units_Z; it is named once.
+    EXPECT_EQ(names, std::vector<std::string>{"_cell_formula_units_Z 0"});
+    EXPECT_TRUE(pool->similar_names("_tessary_colour", 1).front().name == "_tessary_colour");
+    EXPECT_TRUE(pool->similar_names("_tessary_[]", 2).empty());  // overviews are no suggestion
 }
 
 TEST(CifValidation, NumbersAreCheckedForTheirFormAndUncertainty) {

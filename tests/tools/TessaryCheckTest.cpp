@@ -117,9 +117,12 @@ TEST_F(CheckFiles, DictionariesCheckNamesAndValuesOnTheLinesOfTheValues) {
     const std::string s = write("sites.cif",
                                 "data_s\n_cell_length_a 5.0(1)\n_cell_lenght_b 5.0\nloop_\n_atom_site_label\n"
                                 "_atom_site_fract_x\nC1 0.1\nC2 0.2x\n");
-    const std::string expected = s + ":3: warning [320]: Created non-standard data item _cell_lenght_b\n" +
-                                 s + ":8: error [354]: Value of _atom_site_fract_x is not a number\n" + s +
-                                 ": 1 error, 1 warning, 0 remarks\n";
+    const std::string expected =
+        s +
+        ":3: warning [320]: Created non-standard data item _cell_lenght_b; did you mean "
+        "_cell_length_b?\n" +
+        s + ":8: error [354]: Value of _atom_site_fract_x is not a number\n" + s +
+        ": 1 error, 1 warning, 0 remarks\n";
     EXPECT_EQ(run("-d " + std::string(TESSARY_SOURCE_DIR) + "/tests/data/tessary_test.dic " + s), 1);
     EXPECT_EQ(out, expected) << err;
     // The same dictionary through the environment, as a directory of *.dic files.

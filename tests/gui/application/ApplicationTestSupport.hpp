@@ -49,6 +49,13 @@ inline QAction* windowAction(const QcbsMainWindow& window, QcbsMainWindowActions
 
 inline QString statusMessage(const QMainWindow& window) { return window.statusBar()->currentMessage(); }
 
+// The caption as the window manager shows it: "[*]" becomes "*" while the
+// window is marked modified and disappears otherwise.
+inline QString shownTitle(const QWidget& window) {
+    QString title = window.windowTitle();
+    return title.replace("[*]", window.isWindowModified() ? "*" : "");
+}
+
 // The entries under one heading of the error list, each as "line: message".
 inline QStringList entriesUnder(const QcbsErrorListView* list, const QString& heading) {
     QStringList entries;

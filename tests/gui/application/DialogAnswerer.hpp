@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <functional>
+#include <utility>
 
 // Answers the modal dialogs a test provokes, so that no test waits for a
 // user. A message box is recorded and gets the next scripted button (or its
@@ -20,8 +21,10 @@ public:
     struct Box {
         QString caption;
         QString text;
-        QStringList buttons;
+        QStringList buttons;  // as shown, without their mnemonic marks
         QMessageBox::Icon icon;
+        QString detail;      // the informative text under the text
+        QStringList labels;  // the buttons' texts with their "&" marks
     };
 
     DialogAnswerer() {
@@ -30,6 +33,8 @@ public:
     }
     DialogAnswerer& click(const QString& button) { return buttons_ << button, *this; }
     DialogAnswerer& chooseFile(const QString& name) { return files_ << name, *this; }
+    // The next file dialog answered gets this name filter chosen first.
+    DialogAnswerer& chooseFilter(const QString& filter) { return filter_ = filter, *this; }
 
     QList<Box> boxes;
     QStringList proposals;  // the file each file dialog proposed
@@ -49,11 +54,12 @@ private:
         answered_ = modal;
         stuckTicks_ = 0;
         if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-            Box record{box->windowTitle(), box->text(), {}, box->icon()};
+            Box record{box->windowTitle(), box->text(), {}, box->icon(), box->informativeText(), {}};
             const QString wanted = buttons_.isEmpty() ? QString() : buttons_.takeFirst();
             QAbstractButton* target = box->escapeButton();
             for (QAbstractButton* button : box->buttons()) {
-                record.buttons << button->text().remove(u'&');
+                record.labels << button->text();
+                record.buttons << QString(button->text()).remove(u'&');
                 if (record.buttons.last() == wanted || target == nullptr) target = button;
             }
             boxes << record;
@@ -62,6 +68,7 @@ private:
             proposals << dialog->selectedFiles().value(0);
             const QString name = files_.isEmpty() ? QString() : files_.takeFirst();
             if (name.isEmpty()) return dialog->reject();
+            if (!filter_.isEmpty()) dialog->selectNameFilter(std::exchange(filter_, QString()));
             // The name as typed, whatever the dialog has read of the directory so far.
             dialog->selectFile(name);
             if (auto* edit = dialog->findChild<QLineEdit*>("fileNameEdit")) edit->setText(name);
@@ -74,6 +81,7 @@ private:
     QTimer timer_;
     QStringList buttons_;
     QStringList files_;
+    QString filter_;
     QPointer<QWidget> answered_;
     int stuckTicks_ = 0;
 };

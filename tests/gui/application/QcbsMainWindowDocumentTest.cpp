@@ -12,6 +12,7 @@
 #include <QPrintDialog>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QUrl>
 
 #include "ApplicationTestSupport.hpp"
@@ -104,7 +105,7 @@ TEST_F(DocumentWindow, OpeningAFileReadsItThenChecksIt) {
     open(path);
     EXPECT_EQ(editor()->toPlainText(), QString::fromLatin1(kQuartz).chopped(1));
     EXPECT_FALSE(editor()->isModified());
-    EXPECT_EQ(window_.windowTitle(), "quartz.cif - Tessary");
+    EXPECT_EQ(shownTitle(window_), "quartz.cif - Tessary");
     EXPECT_EQ(statusMessage(window_), "Ready");
     EXPECT_TRUE(answers_.boxes.isEmpty());
     const qsizetype reading = output().indexOf("Reading CIF \"" + path + "\"");
@@ -157,12 +158,25 @@ TEST_F(DocumentWindow, ABigFileComesInSlicesAndIsCheckedOnceItIsIn) {
     window_.fileOpen(path, true);
     ASSERT_TRUE(editor()->isLoading());
     EXPECT_EQ(statusMessage(window_), "Reading...  ");
+    // Text coming in from the file is no change of the user's.
+    QStringList modifiedMarks;
+    const auto noteMarks = [&] {
+        if (window_.statusLine()->text().contains("Modified") || window_.isWindowModified())
+            modifiedMarks << window_.statusLine()->text() + " | " + shownTitle(window_);
+    };
+    QTimer sampler;
+    QObject::connect(&sampler, &QTimer::timeout, noteMarks);
+    sampler.start(1);
+    noteMarks();
     EXPECT_TRUE(output().contains("Read 40004 lines."));
     EXPECT_FALSE(output().contains(kCheckDone));
     window_.fileSave();
     EXPECT_EQ(readBytes(path), big) << "a text only partly in is not saved";
 
     ASSERT_TRUE(loaded.wait(30000));
+    sampler.stop();
+    noteMarks();
+    EXPECT_EQ(modifiedMarks, QStringList());
     EXPECT_EQ(editor()->lines(), 40004);
     EXPECT_EQ(statusMessage(window_), "Ready");
     EXPECT_TRUE(output().contains(kCheckDone));
@@ -259,7 +273,7 @@ TEST_F(DocumentWindow, ANewDocumentOrOneWhoseFileIsGoneIsSavedThroughSaveAs) {
     EXPECT_EQ(answers_.proposals.size(), 1);
     EXPECT_TRUE(answers_.proposals.first().endsWith("/new.cif")) << answers_.proposals.first().toStdString();
     EXPECT_EQ(readBytes(path), "data_new\n");
-    EXPECT_EQ(window_.windowTitle(), "first.cif - Tessary");
+    EXPECT_EQ(shownTitle(window_), "first.cif - Tessary");
     EXPECT_FALSE(editor()->isModified());
 
     QFile::remove(path);
@@ -299,6 +313,38 @@ TEST_F(DocumentWindow, SaveAsChangesNothingWhereItCannotWriteAndAsksBeforeReplac
     EXPECT_EQ(QcbsMainWindow::recentFiles->filename(0), other);
 }
 
+TEST_F(DocumentWindow, SaveAsGivesANameTypedWithoutExtensionUnderTheCifFilterTheExtensionCif) {
+    struct Case {
+        const char* typed;
+        const char* filter;  // empty: the dialog's first, CIF
+        const char* saved;
+    };
+    const Case cases[] = {
+        {"report", "", "report.cif"},
+        {"draft.", "", "draft.cif"},
+        {"notes.txt", "", "notes.txt"},
+        {"plain", "All Files (*)", "plain"},
+    };
+    for (const Case& c : cases) {
+        window_.fileNew();
+        QTest::keyClicks(editor(), "data_a");
+        answers_.chooseFile(dir_.filePath(c.typed)).chooseFilter(c.filter);
+        window_.fileSaveAs();
+        EXPECT_EQ(fileName(), dir_.filePath(c.saved)) << c.typed;
+        EXPECT_EQ(readBytes(dir_.filePath(c.saved)), "data_a\n") << c.typed;
+        ASSERT_TRUE(window_.fileClose());
+    }
+    EXPECT_FALSE(QFileInfo::exists(dir_.filePath("report"))) << "no file without the extension";
+    // The name with its extension is the one asked about when it exists.
+    window_.fileNew();
+    QTest::keyClicks(editor(), "data_b");
+    answers_.chooseFile(dir_.filePath("report")).click("Yes");
+    window_.fileSaveAs();
+    EXPECT_EQ(lastBox(),
+              "Tessary: " + dir_.filePath("report.cif") + " already exists\nDo you want to replace it?");
+    EXPECT_EQ(readBytes(dir_.filePath("report.cif")), "data_b\n");
+}
+
 // --- closing ---------------------------------------------------------------------------
 
 TEST_F(DocumentWindow, ClosingAModifiedDocumentAsksWhetherToSaveIt) {
@@ -307,8 +353,10 @@ TEST_F(DocumentWindow, ClosingAModifiedDocumentAsksWhetherToSaveIt) {
     answers_.click("Cancel");
     EXPECT_FALSE(window_.fileClose());
     EXPECT_EQ(lastBox(), kSaveQuestion);
-    EXPECT_EQ(QSet<QString>(answers_.boxes.last().buttons.begin(), answers_.boxes.last().buttons.end()),
-              (QSet<QString>{"Yes", "No", "Cancel"}));
+    EXPECT_EQ(answers_.boxes.last().detail, path) << "the question names the file";
+    // Each button can be pressed with Alt and its letter.
+    EXPECT_EQ(QSet<QString>(answers_.boxes.last().labels.begin(), answers_.boxes.last().labels.end()),
+              (QSet<QString>{"&Yes", "&No", "&Cancel"}));
     EXPECT_EQ(fileName(), path);
     EXPECT_TRUE(editor()->isModified());
 
@@ -317,7 +365,7 @@ TEST_F(DocumentWindow, ClosingAModifiedDocumentAsksWhetherToSaveIt) {
     EXPECT_EQ(readBytes(path), kQuartz);
     EXPECT_TRUE(editor()->document()->isEmpty());
     EXPECT_TRUE(fileName().isEmpty());
-    EXPECT_EQ(window_.windowTitle(), "new.cif - Tessary");
+    EXPECT_EQ(shownTitle(window_), "new.cif - Tessary");
     EXPECT_EQ(window_.blocksCombo()->currentText(), "Blocks:  none");
 
     openAndEdit(path);

@@ -14,6 +14,7 @@
 #include "GuiTestSupport.hpp"
 #include "application/QtServerApplication.hpp"
 #include "base/QcbsUtilities.hpp"
+#include "dictionaries/DictionaryTestSupport.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 #include "widgets/QcbsAboutBox.hpp"
@@ -73,13 +74,14 @@ TEST(MainWindowStartUp, AWindowStartedForADocumentHasOneAfterLoadingTheMandatory
 
 TEST_F(MainWindow, TheCaptionAndStatusLineFollowTheFileTypingAndTheCursor) {
     window_.document()->setFileName("/data/structures/quartz.cif");
-    EXPECT_EQ(window_.windowTitle(), "quartz.cif - Tessary");
+    EXPECT_EQ(shownTitle(window_), "quartz.cif - Tessary");
     window_.document()->setFileName("");
-    EXPECT_EQ(window_.windowTitle(), "new.cif - Tessary");
+    EXPECT_EQ(shownTitle(window_), "new.cif - Tessary");
 
     EXPECT_EQ(statusLine(), "Line 1, Column 1");
     QTest::keyClicks(editor(), "data_a");
     EXPECT_EQ(statusLine(), "Line 1, Column 7 (File Modified)");
+    EXPECT_EQ(shownTitle(window_), "new.cif* - Tessary") << "the caption marks unsaved changes too";
     QTest::keyClick(editor(), Qt::Key_Return);
     QTest::keyClicks(editor(), "_cell");
     EXPECT_EQ(statusLine(), "Line 2, Column 6 (File Modified)");
@@ -89,7 +91,7 @@ TEST_F(MainWindow, TheCaptionAndStatusLineFollowTheFileTypingAndTheCursor) {
     editor()->setModified(false);  // as after saving
     EXPECT_EQ(statusLine(), "Line 1, Column 1");
     EXPECT_EQ(statusMessage(window_), "Ready") << "typing leaves the message alone";
-    EXPECT_EQ(window_.windowTitle(), "new.cif - Tessary");
+    EXPECT_EQ(shownTitle(window_), "new.cif - Tessary");
 }
 
 TEST_F(MainWindow, MessagesReachTheStatusBarAndEachPageGetsItsOwnBack) {
@@ -204,6 +206,7 @@ TEST_F(MainWindow, TheAboutBoxNamesVersionDateAndCoreDictionaryAndClosesWithTheW
     for (const std::string& part :
          {TessaryVersion(), TessaryDate(), coreCIFVersion(), coreCIFDate(), TessaryURL()})
         EXPECT_TRUE(text.contains(QString::fromStdString(part))) << part;
+    EXPECT_FALSE(text.contains("Core dictionary")) << "none was loaded";
     EXPECT_FALSE(box->findChild<QLabel*>("aboutpicture")->pixmap().isNull());
 
     window_.help();
@@ -211,6 +214,31 @@ TEST_F(MainWindow, TheAboutBoxNamesVersionDateAndCoreDictionaryAndClosesWithTheW
     EXPECT_FALSE(window_.findChild<QcbsHelpWindow*>()->isVisible()) << "the help window goes too";
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(window_.findChild<QcbsAboutBox*>(), nullptr);
+}
+
+TEST(MainWindowAbout, TheAboutBoxNamesTheCoreDictionaryLoadedAndWhetherItIsSwitchedOn) {
+    ScopedPrefsDir prefs;
+    QTemporaryDir dictionaries;
+    writeDictionary(dictionaries.filePath("extra.dic"), "extra.dic", "1.0");
+    writeDictionary(dictionaries.filePath("cif_core.dic"), "cif_core.dic", "2.4.5");
+    ScopedEnvironment environment("TESSARY_DICTIONARIES", dictionaries.path().toUtf8());
+    QcbsMainWindow window(buildTreeSharedData());
+    const auto aboutText = [&window] {
+        window.about();
+        return window.findChild<QcbsAboutBox*>()->findChild<QLabel*>("abouttext")->text();
+    };
+    EXPECT_TRUE(aboutText().contains("Core dictionary in use: cif_core.dic version 2.4.5 of 2024-01-01."))
+        << aboutText().toStdString();
+
+    const THandle<QcbsMainWindowSharedData>& shared = window.sharedData();
+    for (const THandle<CifConcreteDictionary>& dictionary : *shared->dictionaryLoader()->pool())
+        if (dictionary->descriptor().name == "cif_core.dic")
+            shared->dictionarySettings()->setDictionaryEnabled(dictionary, false);
+    EXPECT_TRUE(
+        aboutText().contains("Core dictionary cif_core.dic version 2.4.5 of 2024-01-01 is loaded but "
+                             "switched off."))
+        << aboutText().toStdString();
+    EXPECT_TRUE(aboutText().contains("Built for the core CIF dictionary version"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include "DictionaryTestSupport.hpp"
+#include "GuiTestSupport.hpp"
 #include "dictionaries/QcbsDictionaryLoader.hpp"
 
 namespace {
@@ -97,6 +98,32 @@ TEST_F(DictionaryLoader, UntilADictionaryIsReadCleanlyEveryCallSearchesAgainThen
     writeDictionary(path("a/b/bin/dict/later.dic"), "later", "1");
     EXPECT_TRUE(loader_.load(program()) == pool);
     EXPECT_EQ(names(pool), QStringList{"good"});
+    EXPECT_TRUE(messages().isEmpty());
+}
+
+TEST_F(DictionaryLoader, ADirectoryAddedInTheSettingsIsSearchedOnceByTheNextLoadEvenAfterTheFirst) {
+    ScopedPrefsDir prefs;
+    ScopedEnvironment noEnvironment(QcbsDictionaryLoader::environmentVariable(), QByteArray());
+    writeDictionary(path("a/b/bin/dict/first.dic"), "first", "1");
+    const THandle<CifDictionaryPool> pool = loader_.load(program());
+    EXPECT_EQ(loader_.fileName(*pool->begin()), path("a/b/bin/dict/first.dic"));
+    messages();
+
+    const QString added = root_.filePath("mine");
+    writeDictionary(path("mine/own.dic"), "own", "2");
+    QcbsDictionaryLoader::setAddedDirectories({added});
+    EXPECT_EQ(QcbsDictionaryLoader::addedDirectories(), QStringList{added});
+    // Searched after the named directories, before the program's.
+    EXPECT_EQ(QcbsDictionaryLoader::searchDirectories(program()).first(), added);
+    EXPECT_TRUE(loader_.load(program()) == pool);
+    EXPECT_EQ(names(pool), (QStringList{"first", "own"}));
+    EXPECT_EQ(messages(), QStringList{"Loaded dictionary: " + path("mine/own.dic")});
+    EXPECT_EQ(loader_.fileName(*(pool->begin() + 1)), path("mine/own.dic"));
+
+    // Read once: a later file there waits for the next start, like any other.
+    writeDictionary(path("mine/later.dic"), "later", "1");
+    loader_.load(program());
+    EXPECT_EQ(names(pool), (QStringList{"first", "own"}));
     EXPECT_TRUE(messages().isEmpty());
 }
 

@@ -57,12 +57,18 @@ TEST_F(DictionarySettings, ADictionaryIsEnabledUnlessItsNameAndVersionWereSwitch
     EXPECT_TRUE(settings_.loadSettings(all_) == enabled);
     EXPECT_TRUE(settings_.dictionaryEnabled(core_));
     EXPECT_TRUE(settings_.dictionaryEnabled(extra_));
-    // A pool the loader filled later (it found nothing at first) is read anew.
+    // Dictionaries that joined the pool later (from a directory added since)
+    // give a new enabled pool: the switches kept, only the newcomers read.
     THandle<CifConcreteDictionary> late = dictionaryNamed("late.dic", "1");
+    THandle<CifConcreteDictionary> off = dictionaryNamed("off.dic", "1");
+    store("dictionaries/off.dic1", false);
     all_->insert(late);
-    EXPECT_FALSE(settings_.loadSettings(all_) == enabled);
-    EXPECT_TRUE(settings_.dictionaryEnabled(late));
-    EXPECT_FALSE(settings_.dictionaryEnabled(core_));
+    all_->insert(off);
+    const THandle<CifDictionaryPool> grown = settings_.loadSettings(all_);
+    EXPECT_FALSE(grown == enabled);
+    QStringList names;
+    for (const auto& dictionary : *grown) names << QString::fromStdString(dictionary->descriptor().name);
+    EXPECT_EQ(names, (QStringList{"cif_core.dic", "extra.dic", "late.dic"}));
 }
 
 TEST_F(DictionarySettings, SwitchesAreSavedOnlyOnceMadeAndHoldInTheNextRun) {
