@@ -2,7 +2,11 @@
 // One data name with its value or its column of loop values.
 #include "cif/CifDataItem.hpp"
 
+#include <algorithm>
 #include <utility>
+
+#include "cif/CifColumnCheck.hpp"
+#include "cif/CifValueCheck.hpp"
 
 namespace {
 
@@ -62,6 +66,36 @@ void CifDataItem::copy_value_from(std::size_t n, const CifDataItem& other, std::
 int CifDataItem::validate(const std::string& value) const {
     if (dictionary_.is_null() || !dictionary_->has_definitions()) return 0;
     return dictionary_->check_value(*name_, value, looped_);
+}
+
+int CifDataItem::validate_values() const {
+    if (dictionary_.is_null() || !dictionary_->has_definitions()) return 0;
+    const CifItemDefinition* definition = dictionary_->definition(name());
+    if (definition == nullptr) {
+        // A dictionary that answers only check_value: every value gets asked.
+        for (std::size_t n = 0; n < values_.size(); ++n)
+            if (const int code = dictionary_->check_value(name(), std::string(value_view(n)), looped_))
+                return code;
+        return 0;
+    }
+    if (const CifValueCheck::Result list = CifValueCheck::check_list(*definition, looped_)) return list.code;
+    const CifColumnCheck quick(*definition);
+    if (quick.accepts_everything()) return 0;
+    const std::string& text = store_->text();
+    for (std::size_t k = 0; k < values_.run_count(); ++k) {
+        const CifValueRef* run = values_.run(k);
+        const std::size_t begin = k * CifValueColumn::chunk_size;
+        const std::size_t count = std::min(values_.size() - begin, CifValueColumn::chunk_size);
+        for (std::size_t i = 0; i < count; ++i) {
+            i += quick.first_doubtful(run + i, count - i, text.data(), text.size());
+            if (i == count) break;
+            const CifValueRef ref = run[i];
+            if (const CifValueCheck::Result result =
+                    CifValueCheck::check(*definition, store_->view(ref), ref.quoted()))
+                return result.code;
+        }
+    }
+    return 0;
 }
 
 THandle<CifDataItem> CifDataItem::clone() const {

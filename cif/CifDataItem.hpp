@@ -57,6 +57,12 @@ public:
     // 0 when the dictionary accepts the candidate value for this data name,
     // otherwise the code (CifError::ErrorID) of the first problem.
     int validate(const std::string& value) const;
+    // The same for the item's own values, all of them (every row of a loop
+    // column) and the loop rule: 0 when the dictionary accepts the item as
+    // it stands, otherwise the code of the first problem found. Plain
+    // numbers and listed codes pass a quick look, so a long column costs a
+    // few instructions a value.
+    int validate_values() const;
 
     THandle<CifDictionary> dictionary() const { return dictionary_; }
     const THandle<CifTextStore>& store() const { return store_; }

@@ -13,9 +13,11 @@
 #include <QDropEvent>
 #include <QFile>
 #include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QRegularExpression>
+#include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -39,6 +41,7 @@
 #include "resources/QcbsXpmResource.hpp"
 #include "support/ORMALog.hpp"
 #include "validation/QcbsErrorListView.hpp"
+#include "views/QcbsCifBoxPane.hpp"
 #include "views/QcbsCifBoxView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 #include "widgets/QcbsAboutBox.hpp"
@@ -315,8 +318,9 @@ void QcbsMainWindow::makeEditorPage() {
             &QcbsLineNumberedTextEdit::zoomOut);
     connect(actions_->action(QcbsMainWindowActions::EditZoomIn), &QAction::triggered, editorPane_,
             &QcbsLineNumberedTextEdit::zoomIn);
-    boxView_ = new QcbsCifBoxView(editorPage_);
-    editorPage_->insertWidget(0, boxView_);
+    boxPane_ = new QcbsCifBoxPane(editorPage_);
+    boxView_ = boxPane_->view();
+    editorPage_->insertWidget(0, boxPane_);
     initBoxEdSplitterSizes();
     makeBoxViewConnections();
 }
@@ -328,12 +332,21 @@ void QcbsMainWindow::initBoxEdSplitterSizes() {
 }
 
 void QcbsMainWindow::makeBoxViewConnections() {
-    connect(boxView_, &QcbsCifBoxView::selectedDataItem, this, &QcbsMainWindow::editorJumpToItemHelper);
-    connect(boxView_, &QcbsCifBoxView::goToBlockRequest, this, &QcbsMainWindow::editorJumpToBlockHelper);
-    connect(boxView_, &QcbsCifBoxView::datItemHelpRequest, this,
-            qOverload<const QString&>(&QcbsMainWindow::dataitemHelp));
-    connect(boxView_, &QcbsCifBoxView::dataItemSetRequest, this, &QcbsMainWindow::setDataItem);
-    connect(boxView_, &QcbsCifBoxView::insertTextRequest, this, &QcbsMainWindow::editorInsertTextHelper);
+    connectTree(boxView_);
+    connect(currentEditor(), &QcbsRichTextEdit::cursorLineChanged, this, &QcbsMainWindow::followCursorInTree);
+    // F1 asks for help on the data name at the cursor (or the tree's current row).
+    auto* help = new QShortcut(QKeySequence(Qt::Key_F1), editorPage_);
+    help->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(help, &QShortcut::activated, this, qOverload<>(&QcbsMainWindow::dataitemHelp));
+    // The tree in a window of its own, next to the Browser entry that hides the pane.
+    auto* treeWindow = new QAction(imageIcon(QcbsXpmResource::Browser), "Tree in a &Window", this);
+    treeWindow->setObjectName("treewindow");
+    treeWindow->setStatusTip("Show the tree of blocks and data items in a window of its own");
+    connect(treeWindow, &QAction::triggered, this, &QcbsMainWindow::showTreeDialog);
+    QMenu* tools = actions_->menu(QcbsMainWindowActions::ToolsMenu);
+    const QList<QAction*> entries = tools->actions();
+    tools->insertAction(entries.value(entries.indexOf(actions_->action(QcbsMainWindowActions::Browser)) + 1),
+                        treeWindow);
 }
 
 void QcbsMainWindow::makeTabs() {
@@ -672,10 +685,6 @@ void QcbsMainWindow::editSelectall() {
 
 void QcbsMainWindow::editorInsertTextHelper(const QString& text) { document_->insertText(text); }
 
-void QcbsMainWindow::editorJumpToItemHelper(const QString& dataName, int index) {
-    if (!document_->goToItem(dataName, index)) QApplication::beep();
-}
-
 void QcbsMainWindow::editorJumpToBlockHelper(const QString& blockName) {
     if (!document_->goToBlock(blockName)) QApplication::beep();
 }
@@ -695,7 +704,7 @@ void QcbsMainWindow::blockAdd(const QString& blockText) {
     document_->addBlock(blockText, first);
 }
 
-void QcbsMainWindow::toggleBoxView() { boxView_->setVisible(boxView_->isHidden()); }
+void QcbsMainWindow::toggleBoxView() { boxPane_->setVisible(boxPane_->isHidden()); }
 
 // --- preferences -----------------------------------------------------------------------
 

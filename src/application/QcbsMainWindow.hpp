@@ -24,7 +24,10 @@ class QTabWidget;
 class RecentFilesMenu;
 class QcbsAboutBox;
 class QcbsCifDocument;
+class QcbsCifBoxPane;
 class QcbsCifBoxView;
+class QcbsCifBoxViewDialog;
+class QcbsEditDataDialogue;
 class QcbsErrorListView;
 class QcbsHelpWindow;
 class QcbsLineNumberedTextEdit;
@@ -59,6 +62,13 @@ public:
     QSplitter* editorPage() const { return editorPage_; }
     QcbsVisSorter* visualiserPage() const { return visSorter_; }
     QcbsCifBoxView* boxView() const { return boxView_; }
+    // The tree with its filter box and listing choice, beside the editor.
+    QcbsCifBoxPane* boxPane() const { return boxPane_; }
+    // The tree in a window of its own, while it is open; null otherwise.
+    QcbsCifBoxViewDialog* treeDialog() const;
+    // The edit data dialogue open in its help form, and in its editing form.
+    QcbsEditDataDialogue* helpDialogue() const;
+    QcbsEditDataDialogue* setDataDialogue() const;
     QcbsErrorListView* errorList() const { return errorList_; }
     QComboBox* blocksCombo() const;
     QcbsMainWindowActions* windowActions() const { return actions_; }
@@ -185,9 +195,16 @@ public slots:
 
     // CIF tools.
     void reparse();
+    // Dictionary help (the edit data dialogue in its help form) for the data
+    // name at the editor's cursor, or for the tree's current row when the
+    // tree has the focus.
     void dataitemHelp();
+    // Dictionary help for a data name or a category ("_atom_site_[]").
     void dataitemHelp(const QString& dataName);
+    // Shows or hides the tree beside the editor.
     void toggleBoxView();
+    // The tree of this window's document in a window of its own.
+    void showTreeDialog();
     void publicationWizard();
     void crystalWizard();
     void loopEd();
@@ -219,9 +236,15 @@ public slots:
     // `lineBreak` is true.
     void writeToOutputPane(const QString& text, bool lineBreak);
     void editorInsertTextHelper(const QString& text);
-    void editorJumpToItemHelper(const QString& dataName, int index);
+    // Goes to a data name, to the first item of a category ("_atom_site_[]")
+    // or to a block's heading, searching from the block's 1-based line.
+    void editorJumpToItemHelper(const QString& dataName, int line);
     void editorJumpToBlockHelper(const QString& blockName);
-    void setDataItem(const QString& dataName, const QString& value);
+    // Asks for a new value of the data item in the block (the edit data
+    // dialogue in its editing form); the answer reaches dataItemUpdate().
+    void setDataItem(const QString& dataName, const QString& blockName);
+    // Puts the item's text into the block as one undo step, then checks.
+    void dataItemUpdate(const QString& dataName, const QString& blockName, const QString& itemText);
     void blockUpdate(const QString& blockText);
     void blockAdd(const QString& blockText);
 
@@ -362,8 +385,23 @@ private:
     void finishCheck(THandle<Cif> cif, bool showErrors);
     void noteLinesAtCheck();
     void writeMissingDictionaryNote();
-    // Hands the new document to the tree of blocks beside the editor.
+    // Hands the new document to the tree of blocks beside the editor (and
+    // to the tree's own window when it is open).
     void loadBoxView();
+
+    // --- The tree's routing (QcbsMainWindowTree.cpp) ---
+    void connectTree(QcbsCifBoxView* tree);
+    // The tree selects the item the editor's cursor stands in.
+    void followCursorInTree(int paragraph);
+    // The text a single block's row shows instead of its name, if any.
+    QString singleBlockSubstitute(const THandle<Cif>& cif) const;
+    // The dictionary the dialogues consult: that of the last check, or the enabled one.
+    THandle<CifDictionary> viewDictionary();
+
+    QcbsCifBoxPane* boxPane_ = nullptr;
+    QPointer<QcbsCifBoxViewDialog> treeDialog_;
+    QPointer<QcbsEditDataDialogue> helpDialogue_;
+    QPointer<QcbsEditDataDialogue> setDataDialogue_;
 
     bool missingDictionaryNoted_ = false;
 };

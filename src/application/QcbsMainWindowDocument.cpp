@@ -394,7 +394,7 @@ void QcbsMainWindow::clearDocument() {
     visSorter_->setDocument(THandle<Cif>());
     errorList_->removeAll();
     resetBlocksCombo();
-    boxView_->showNoItems();
+    loadBoxView();
     enableFileTools(false);
     enableParseTools(false);
     updateCaption();

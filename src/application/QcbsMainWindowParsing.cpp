@@ -20,6 +20,8 @@
 #include "editor/QcbsRichTextEdit.hpp"
 #include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 #include "validation/QcbsErrorListView.hpp"
+#include "views/QcbsCifBoxPane.hpp"
+#include "views/QcbsCifBoxView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
 
 namespace {
@@ -219,4 +221,5 @@ void QcbsMainWindow::blockComboSelected(int index) {
     const THandle<CifDataBlock> block = cif->block(static_cast<unsigned>(index - 1));
     const QString name = QString::fromStdString(block->name());
     if (block->line() >= 0) emit requestGotoLine(block->line(), name);
+    if (!boxPane_->isHidden()) boxView_->goToBlock(name);
 }

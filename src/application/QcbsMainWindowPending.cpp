@@ -24,10 +24,6 @@ void QcbsMainWindow::specialCharPopUp() { showNotAvailable("The special-characte
 
 // --- checking, views and wizards -------------------------------------------------------
 
-void QcbsMainWindow::dataitemHelp() { showNotAvailable("Data item help"); }
-
-void QcbsMainWindow::dataitemHelp(const QString& dataName) { showNotAvailable("Help on " + dataName); }
-
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
 
 void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
@@ -35,10 +31,3 @@ void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
 void QcbsMainWindow::loopEd() { showNotAvailable("Editing loops"); }
 
 void QcbsMainWindow::loopNew() { showNotAvailable("Making new loops"); }
-
-// The tree keeps its "(no items to show)" line until it can list a document.
-void QcbsMainWindow::loadBoxView() {}
-
-void QcbsMainWindow::setDataItem(const QString& /*dataName*/, const QString& /*value*/) {
-    showNotAvailable("Setting data items");
-}

@@ -49,6 +49,7 @@ const FolderLicence kLicences[] = {
     {"bench/document", kGpl},
     {"bench/editor", kGpl},
     {"bench/highlight", kGpl},
+    {"bench/tree", kGpl},
     {"bench/visualiser", kGpl},
 };
 

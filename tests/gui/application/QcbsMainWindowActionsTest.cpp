@@ -150,7 +150,7 @@ TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorIconAndMenu) {
 // Actions whose work is still to come tell the user so; none does nothing.
 // Take an action off this list when its work lands.
 TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
-    for (A::Id id : {A::Combine, A::Find, A::FindPrevious, A::FindNext, A::Replace, A::GoToLine, A::ItemHelp,
+    for (A::Id id : {A::Combine, A::Find, A::FindPrevious, A::FindNext, A::Replace, A::GoToLine,
                      A::PublicationWizard, A::CrystalWizard, A::EditLoop, A::NewLoop, A::SpecialCharacters}) {
         windowAction(window_, id)->setEnabled(true);  // some start disabled
         window_.statusBar()->clearMessage();
