@@ -12,6 +12,8 @@
 #include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
+#include "validation/QcbsErrorListViewItem.hpp"
+#include "validation/QcbsErrorResource.hpp"
 
 namespace {
 
@@ -158,6 +160,43 @@ TEST_F(MainWindowCheck, WithoutDictionariesTheCheckIsSyntaxOnlyAndSaysOnceHowToA
     EXPECT_TRUE(pane().contains("Loaded dictionary: " + empty_.filePath("mine.dic")));
     EXPECT_GT(list()->numberWarnings(), 0) << "names it does not define are reported";
     EXPECT_FALSE(entriesUnder(list(), "Warnings").join("\n").contains("_made_up_item"));
+}
+
+TEST_F(MainWindowCheck, CtrlKListsTheStructureChecksAtTheirLevelsWithTheirHelpPages) {
+    start();
+    focus();
+    // A volume 1 % off the cell (error), a largest shift/su of 0.15 (warning), a wR2 of 0.30 (remark).
+    typeLines(editor(),
+              {"data_s", "_cell_length_a 10.000", "_cell_length_b 10.000", "_cell_length_c 10.000",
+               "_cell_angle_alpha 90", "_cell_angle_beta 90", "_cell_angle_gamma 90", "_cell_volume 1010",
+               "_refine_ls_shift/su_max 0.15", "_refine_ls_wR_factor_ref 0.30"});
+    pressCtrlK();
+    const QStringList errors = entriesUnder(list(), "Errors");
+    ASSERT_EQ(errors.size(), 1) << errors.join("\n").toStdString();
+    EXPECT_TRUE(errors[0].startsWith("8: Value of _cell_volume does not follow from the cell (1010"));
+    const QStringList warnings = entriesUnder(list(), "Warnings");
+    ASSERT_EQ(warnings.size(), 1) << warnings.join("\n").toStdString();
+    EXPECT_TRUE(warnings[0].startsWith("9: Value of _refine_ls_shift/su_max shows that the refinement"));
+    const QStringList remarks = entriesUnder(list(), "Remarks");
+    ASSERT_EQ(remarks.size(), 1) << remarks.join("\n").toStdString();
+    EXPECT_TRUE(remarks[0].startsWith("10: Value of _refine_ls_wR_factor_ref is high"));
+
+    // Each entry leads to its code's page.
+    const QStringList pages{"110", "119", "120"};
+    for (int heading = 0; heading < 3; ++heading) {
+        const auto* entry = dynamic_cast<QcbsErrorListViewItem*>(list()->topLevelItem(heading)->child(0));
+        ASSERT_NE(entry, nullptr) << heading;
+        EXPECT_EQ(QcbsErrorResource::get_help_file(entry->identifier(1)),
+                  "tessary/PortableHTML/tessary_portable-3-" + pages[heading] + ".html");
+    }
+
+    // Corrected, the next check finds nothing.
+    editor()->setPlainText(
+        "data_s\n_cell_length_a 10.000\n_cell_length_b 10.000\n_cell_length_c 10.000\n_cell_angle_alpha 90\n"
+        "_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 1000\n_refine_ls_shift/su_max 0.01\n"
+        "_refine_ls_wR_factor_ref 0.10\n");
+    pressCtrlK();
+    EXPECT_EQ(list()->numberTotal(), 0) << entriesUnder(list(), "Remarks").join("\n").toStdString();
 }
 
 // --- how the findings are listed ---------------------------------------------------------
