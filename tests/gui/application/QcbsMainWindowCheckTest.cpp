@@ -256,6 +256,10 @@ TEST_F(MainWindowParsing, RunsOfErrorsAndWarningsAreCutAndEveryCheckEndsWithItsT
          "Total errors: 9; warnings: 0; remarks: 0\n"},
         {"W10 W11 W12 W13 W14 W15 W20", "W10 W11 W12 W13 W14~ W20",
          "Total errors: 0; warnings: 7; remarks: 0 (listed: 5 of 7 warnings)\n"},
+        // The cross-checks' findings come after the reading's and go back to earlier lines: a new run.
+        {"W10 W11 W12 W13 W14 W15 W16 W3 W4", "W3 W4 W10 W11 W12 W13 W14~",
+         "Total errors: 0; warnings: 9; remarks: 0 (listed: 6 of 9 warnings)\n"},
+        {"E10 E11 E12 E13 E2 E3", "E2 E3 E10 E11 E12 E13", "Total errors: 6; warnings: 0; remarks: 0\n"},
         // Had the validation reply counted, line 15 would be the fifth of a run.
         {"W10 W11 W12 W13 V14 W15", "W10 W11 W12 W13 W15", "Total errors: 0; warnings: 5; remarks: 0\n"},
         {"", "", "No errors, warnings or remarks.\n"},
