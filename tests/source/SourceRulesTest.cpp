@@ -43,6 +43,7 @@ const FolderLicence kLicences[] = {
     {"packaging", kMit},
     {"bench/parse_vs_gemmi", kMit},
     {"bench/dictionary", kMit},
+    {"bench/structure_checks", kMit},
     {"bench/files", kMit},
     {"bench/check", kGpl},
     {"bench/document", kGpl},
