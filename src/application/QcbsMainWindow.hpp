@@ -31,6 +31,7 @@ class QcbsEditDataDialogue;
 class QcbsErrorListView;
 class QcbsHelpWindow;
 class QcbsLineNumberedTextEdit;
+class QcbsLoopTableEditorImpl;
 class QcbsMainWindowActions;
 class QcbsPreferencesDialog;
 class QcbsRichTextEdit;
@@ -69,6 +70,8 @@ public:
     // The edit data dialogue open in its help form, and in its editing form.
     QcbsEditDataDialogue* helpDialogue() const;
     QcbsEditDataDialogue* setDataDialogue() const;
+    // The loop table editor dialog while it is open; null otherwise.
+    QcbsLoopTableEditorImpl* loopEditor() const;
     QcbsErrorListView* errorList() const { return errorList_; }
     QComboBox* blocksCombo() const;
     QcbsMainWindowActions* windowActions() const { return actions_; }
@@ -207,8 +210,16 @@ public slots:
     void showTreeDialog();
     void publicationWizard();
     void crystalWizard();
+    // The loop table editor dialog on the loop of the looped item chosen in
+    // the tree (when the tree has the focus) or of the editor's cursor.
     void loopEd();
+    // The dialog on an empty loop, added to the block at the cursor on OK.
     void loopNew();
+    // The dialog on the loop holding the data name in the named block.
+    void loopEditHelper(const QString& dataName, const QString& blockName);
+    // Puts a loop's new text into the document as one undo step, then checks.
+    void loopUpdate(const QString& blockName, const QString& loopMaster, const QString& loopText);
+    void loopAdd(const QString& blockName, const QString& loopText);
     void blockComboSelected(int index);
     void hg();
     void enableVisualiser(QWidget* page);
@@ -404,4 +415,9 @@ private:
     QPointer<QcbsEditDataDialogue> setDataDialogue_;
 
     bool missingDictionaryNoted_ = false;
+
+    // --- Loops (QcbsMainWindowLoops.cpp) ---
+    // A new loop table editor dialog (closing the one open) wired to the document.
+    QcbsLoopTableEditorImpl* makeLoopEditor();
+    QPointer<QcbsLoopTableEditorImpl> loopEditor_;
 };

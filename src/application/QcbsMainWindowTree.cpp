@@ -54,6 +54,7 @@ void QcbsMainWindow::connectTree(QcbsCifBoxView* tree) {
             qOverload<const QString&>(&QcbsMainWindow::dataitemHelp));
     connect(tree, &QcbsCifBoxView::dataItemSetRequest, this, &QcbsMainWindow::setDataItem);
     connect(tree, &QcbsCifBoxView::insertTextRequest, this, &QcbsMainWindow::editorInsertTextHelper);
+    connect(tree, &QcbsCifBoxView::loopEditRequest, this, &QcbsMainWindow::loopEditHelper);
 }
 
 QString QcbsMainWindow::singleBlockSubstitute(const THandle<Cif>& cif) const {
