@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The main window's routing of loops: the loop table editor dialog opened and its text put into the document.
+// The main window's routing of loops: the loop table editor dialog and its text into the document.
 // The dialog never touches the text: OK hands the loop's new text here, and the window's
 // QcbsCifDocument puts it in as one undo step and checks the document again.
 #include <QApplication>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Texts of loops as the loop table sees them: the category of column names, value order, cell text.
+// Texts of loops for the loop table: the category of names, value order, tab-separated cells.
 #include "views/QcbsLoopValues.hpp"
 
 #include "cif/CifNumber.hpp"
