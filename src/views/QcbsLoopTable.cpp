@@ -456,8 +456,9 @@ std::vector<int> QcbsLoopTable::chosenColumns() const {
 }
 
 void QcbsLoopTable::finishEditing() {
-    QWidget* editor = QApplication::focusWidget();
-    if (!editing_ || editor == nullptr || !viewport()->isAncestorOf(editor)) return;
+    auto* delegate = static_cast<QcbsLoopTableDelegate*>(itemDelegate());
+    QWidget* editor = delegate->openEditor();
+    if (editor == nullptr) return;
     commitData(editor);
     closeEditor(editor, QAbstractItemDelegate::NoHint);
 }

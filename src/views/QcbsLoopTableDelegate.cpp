@@ -4,11 +4,13 @@
 
 QWidget* QcbsLoopTableDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                                              const QModelIndex& index) const {
+    editor_ = QStyledItemDelegate::createEditor(parent, option, index);
     emit editorOpened();
-    return QStyledItemDelegate::createEditor(parent, option, index);
+    return editor_;
 }
 
 void QcbsLoopTableDelegate::destroyEditor(QWidget* editor, const QModelIndex& index) const {
+    if (editor == editor_) editor_ = nullptr;
     QStyledItemDelegate::destroyEditor(editor, index);
     emit editorClosed();
 }
