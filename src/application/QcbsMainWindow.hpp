@@ -402,6 +402,10 @@ private:
 
     // --- The tree's routing (QcbsMainWindowTree.cpp) ---
     void connectTree(QcbsCifBoxView* tree);
+    // The item whose data name stands on the 1-based line or last before it in
+    // the block (for a loop's value line, the loop's last column), as the last
+    // check saw the text; null before the block's first item.
+    static THandle<CifDataItem> itemAtLine(const CifDataBlock& block, int line);
     // The tree selects the item the editor's cursor stands in.
     void followCursorInTree(int paragraph);
     // The text a single block's row shows instead of its name, if any.

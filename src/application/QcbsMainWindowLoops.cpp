@@ -47,18 +47,21 @@ void QcbsMainWindow::loopEd() {
             return;
         }
     }
+    // The loop whose name or values the cursor stands on, by the lines of the
+    // last check: no walk through the text, however long the loop.
     const THandle<CifDataBlock> block = currentBlock();
-    QcbsRichTextEdit* editor = currentEditor();
-    const QString name = editor != nullptr ? editor->currentDataItem(true) : QString();
+    int paragraph = 0;
+    int index = 0;
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->getCursorPosition(&paragraph, &index);
     const THandle<CifDataItem> item =
-        block.is_null() ? THandle<CifDataItem>() : block->find(name.toStdString());
+        block.is_null() ? THandle<CifDataItem>() : itemAtLine(*block, paragraph + 1);
     if (item.is_null() || !item->is_looped()) {
         statusBarMessage("No loop here: put the cursor in a loop, or choose a looped item in the tree.");
         QApplication::beep();
         return;
     }
     QcbsLoopTableEditorImpl* dialog = makeLoopEditor();
-    dialog->editLoop(name, block);
+    dialog->editLoop(QString::fromStdString(item->name()), block);
     dialog->show();
 }
 
