@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Loops in a main window: Edit Loop and New Loop open the dialog, OK edits the text as one undo step.
+// Loops in a main window: Edit Loop and New Loop, OK putting the text back as one undo step.
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
