@@ -425,5 +425,8 @@ private:
     // --- Loops (QcbsMainWindowLoops.cpp) ---
     // A new loop table editor dialog (closing the one open) wired to the document.
     QcbsLoopTableEditorImpl* makeLoopEditor();
+    // The editor gives up its own binding of the loop commands' keys (Ctrl+L
+    // cuts a line there), so that they reach the window's actions.
+    void claimLoopKeys();
     QPointer<QcbsLoopTableEditorImpl> loopEditor_;
 };

@@ -2,9 +2,12 @@
 // The main window's routing of loops: the loop table editor dialog and its text into the document.
 // The dialog never touches the text: OK hands the loop's new text here, and the window's
 // QcbsCifDocument puts it in as one undo step and checks the document again.
+#include <Qsci/qscicommandset.h>
+
 #include <QApplication>
 
 #include "application/QcbsMainWindow.hpp"
+#include "application/QcbsMainWindowActions.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "views/QcbsCifBoxDataItem.hpp"
@@ -13,6 +16,22 @@
 #include "views/QcbsLoopTableEditorImpl.hpp"
 
 QcbsLoopTableEditorImpl* QcbsMainWindow::loopEditor() const { return loopEditor_; }
+
+void QcbsMainWindow::claimLoopKeys() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr || actions_ == nullptr) return;
+    for (const auto id : {QcbsMainWindowActions::EditLoop, QcbsMainWindowActions::NewLoop}) {
+        const QKeySequence key = actions_->action(id)->shortcut();
+        if (key.isEmpty()) continue;
+        const int code = key[0].toCombined();
+        QsciCommand* bound = editor->standardCommands()->boundTo(code);
+        if (bound == nullptr) continue;
+        if (bound->key() == code)
+            bound->setKey(0);
+        else
+            bound->setAlternateKey(0);
+    }
+}
 
 QcbsLoopTableEditorImpl* QcbsMainWindow::makeLoopEditor() {
     // One loop at a time: a new request replaces the dialog showing.

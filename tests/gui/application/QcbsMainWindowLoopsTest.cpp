@@ -110,6 +110,17 @@ TEST_F(MainWindowLoops, EditLoopTakesTheLoopOfTheBlockAtTheCursorOrSaysThereIsNo
     EXPECT_EQ(bytes(), kDocument);
 }
 
+TEST_F(MainWindowLoops, CtrlLTypedInTheEditorOpensTheLoopInsteadOfCuttingTheLine) {
+    open(kDocument);
+    window_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    window_->currentEditor()->setFocus();
+    cursorTo(6);
+    QTest::keyClick(window_->currentEditor(), Qt::Key_L, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([&] { return window_->loopEditor() != nullptr; }));
+    EXPECT_EQ(bytes(), kDocument);
+}
+
 TEST_F(MainWindowLoops, TheTreeOffersLoopedItemsForEditingAsATable) {
     open(kDocument);
     QcbsCifBoxBlockItem* block = window_->boxView()->blockRow(1);
