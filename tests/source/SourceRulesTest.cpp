@@ -50,6 +50,7 @@ const FolderLicence kLicences[] = {
     {"bench/editor", kGpl},
     {"bench/highlight", kGpl},
     {"bench/tree", kGpl},
+    {"bench/loop_table", kGpl},
     {"bench/visualiser", kGpl},
 };
 
