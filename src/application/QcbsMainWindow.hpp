@@ -35,6 +35,7 @@ class QcbsMainWindowActions;
 class QcbsPreferencesDialog;
 class QcbsRichTextEdit;
 class QcbsVisSorter;
+class QcbsWizard;
 
 // One editor window holding one document: the editor with the tree of its
 // blocks beside it, the visualiser page, the error list and the output pane,
@@ -69,6 +70,8 @@ public:
     // The edit data dialogue open in its help form, and in its editing form.
     QcbsEditDataDialogue* helpDialogue() const;
     QcbsEditDataDialogue* setDataDialogue() const;
+    // The wizard open on this window's document, or null.
+    QcbsWizard* openWizard() const;
     QcbsErrorListView* errorList() const { return errorList_; }
     QComboBox* blocksCombo() const;
     QcbsMainWindowActions* windowActions() const { return actions_; }
@@ -404,4 +407,10 @@ private:
     QPointer<QcbsEditDataDialogue> setDataDialogue_;
 
     bool missingDictionaryNoted_ = false;
+
+    // --- The wizards' launching (QcbsMainWindowWizards.cpp) ---
+    // The index of the block at the editor's cursor in a fresh check of the
+    // text (the first block when the cursor is above every block), or -1.
+    int blockIndexAtCursor(const THandle<Cif>& cif) const;
+    QPointer<QcbsWizard> wizard_;
 };

@@ -26,8 +26,6 @@ void QcbsMainWindow::specialCharPopUp() { showNotAvailable("The special-characte
 
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
 
-void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
-
 void QcbsMainWindow::loopEd() { showNotAvailable("Editing loops"); }
 
 void QcbsMainWindow::loopNew() { showNotAvailable("Making new loops"); }
