@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The crystal and chemical data wizard: chemistry, experiment, symmetry and diffraction of a block.
+// The crystal and chemical data wizard: chemistry, experiment, symmetry, diffraction of a block.
 #pragma once
 
 #include "wizards/QcbsWizard.hpp"
