@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QIntValidator>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
@@ -60,8 +61,32 @@ QcbsWizardSpaceGroupPage::QcbsWizardSpaceGroupPage(QPixmap* splash, QcbsWizard* 
     connect(symbolBox(), &QComboBox::editTextChanged, this, &QcbsWizardSpaceGroupPage::inSpacegroupNameEdit);
     // Leaving the box confirms what was typed, as Return does.
     connect(symbolBox()->lineEdit(), &QLineEdit::editingFinished, this, [this] {
-        if (!isComplete()) updateSpacegroupName(symbolBox()->currentText());
+        if (!isComplete()) confirmTypedSymbol();
     });
+    symbolBox()->lineEdit()->installEventFilter(this);
+}
+
+bool QcbsWizardSpaceGroupPage::eventFilter(QObject* watched, QEvent* event) {
+    // Return confirms a typed symbol; it does not also press Next.
+    if (watched == symbolBox()->lineEdit() && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            confirmTypedSymbol();
+            return true;
+        }
+    }
+    return QcbsWizardFormPage::eventFilter(watched, event);
+}
+
+void QcbsWizardSpaceGroupPage::confirmTypedSymbol() {
+    const QString typed = symbolBox()->currentText().trimmed();
+    if (!typed.isEmpty() && symbolBox()->findText(typed) < 0) {
+        const bool wasFilling = std::exchange(filling_, true);
+        symbolBox()->addItem(typed);
+        symbolBox()->setEditText(typed);
+        filling_ = wasFilling;
+    }
+    updateSpacegroupName(typed.isEmpty() ? QString("?") : typed);
 }
 
 QComboBox* QcbsWizardSpaceGroupPage::crystalSystemBox() const { return choice(kSystem); }
@@ -89,9 +114,11 @@ void QcbsWizardSpaceGroupPage::showPage() {
     filling_ = true;
     keptSymbol_.clear();
     readFields();
+    // The number's list of settings replaces the box's entries: the symbol read goes back after it.
+    QString symbol = symbolBox()->currentText().trimmed();
     if (numberField()->text().trimmed().isEmpty()) numberField()->setText("?");
-    if (symbolBox()->currentText().trimmed().isEmpty()) symbolBox()->setEditText("?");
-    QString symbol = symbolBox()->currentText();
+    if (symbol.isEmpty()) symbol = "?";
+    symbolBox()->setEditText(symbol);
     if (symbol != "?") {
         symbol.remove(QRegularExpression("[\\(\\)\\~\\^\\s]"));
         const QString suite = QString::fromStdString(Spacegroup::derive_orma_symbol(symbol.toStdString()));

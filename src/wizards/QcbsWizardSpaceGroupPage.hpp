@@ -43,7 +43,12 @@ public slots:
     // Warns when the symbol disagrees with the operators; clears the warning otherwise.
     void checkAgainstSymmops(const QString& name);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    // Takes the symbol typed into the box (added to its list) as chosen.
+    void confirmTypedSymbol();
     void readOperators();
     // Fills the crystal system from the group when it has none; tells whether it did.
     bool fillCrystalSystem(int number);
