@@ -2,6 +2,7 @@
 // The crystal wizard's page of chemical names and formulae.
 #include "wizards/QcbsWizardChemicalPage.hpp"
 
+#include <QLabel>
 #include <QLineEdit>
 
 #include "cif/CifChemicalFormula.hpp"
@@ -24,7 +25,16 @@ std::vector<QcbsWizardField> chemicalFields() {
 }  // namespace
 
 QcbsWizardChemicalPage::QcbsWizardChemicalPage(QPixmap* splash, QcbsWizard* wizard)
-    : QcbsWizardFormPage(splash, wizard, "chemical", QString(), chemicalFields(), true) {}
+    : QcbsWizardFormPage(splash, wizard, "chemical", QString(), chemicalFields(), true) {
+    // A weight worked out from the formula follows the formula as it is typed.
+    connect(lineEdit("_chemical_formula_sum"), &QLineEdit::textEdited, this, [this](const QString& sum) {
+        QLabel* weightNote = note("_chemical_formula_weight");
+        if (!weightNote->isVisibleTo(this)) return;
+        const QString weight = formulaWeight(sum);
+        lineEdit("_chemical_formula_weight")->setText(weight);
+        weightNote->setVisible(!weight.isEmpty());
+    });
+}
 
 QString QcbsWizardChemicalPage::formulaWeight(const QString& sumFormula) {
     const CifChemicalFormula formula(sumFormula.trimmed().toStdString());

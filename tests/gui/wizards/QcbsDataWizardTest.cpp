@@ -127,6 +127,17 @@ TEST(CrystalWizard, TheFormulaWeightIsWorkedOutOnlyWhereTheBlockHasNone) {
         wizard.press(QWizard::NextButton);
         EXPECT_EQ(value(wizard, "_chemical_formula_weight"), *c.shown ? c.shown : "?") << c.items;
     }
+
+    // A worked-out weight follows the formula typed; a given one does not.
+    for (const char* given : {"", "_chemical_formula_weight 60.1\n"}) {
+        ShownWizard wizard(std::string("data_c\n_cell_length_a 5\n_chemical_formula_sum 'Na Cl'\n") + given);
+        auto* chemical = wizard.pageOf<QcbsWizardChemicalPage>();
+        wizard.goTo(chemical);
+        QLineEdit* sum = chemical->lineEdit("_chemical_formula_sum");
+        sum->selectAll();
+        QTest::keyClicks(sum, "K Cl");
+        EXPECT_EQ(chemical->lineEdit("_chemical_formula_weight")->text(), *given ? "60.1" : "74.55") << given;
+    }
 }
 
 TEST(CrystalWizard, ABlockWithoutSymmetryGetsQuestionMarksForAllThree) {
