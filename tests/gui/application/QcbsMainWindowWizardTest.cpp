@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The crystal wizard opened from a main window: on the block at the cursor, its result one undo step.
+// The crystal wizard opened from a main window: on the block at the cursor, one undo step.
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
