@@ -414,5 +414,7 @@ private:
     // The index of the block at the editor's cursor in a fresh check of the
     // text (the first block when the cursor is above every block), or -1.
     int blockIndexAtCursor(const THandle<Cif>& cif) const;
+    // The crystal wizard on the block at the cursor of a checked document.
+    void openCrystalWizard(const THandle<Cif>& cif);
     QPointer<QcbsWizard> wizard_;
 };

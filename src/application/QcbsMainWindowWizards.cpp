@@ -32,7 +32,25 @@ void QcbsMainWindow::crystalWizard() {
         return;
     }
     // The wizard's copy and its syntax page come from the text as it stands.
-    const THandle<Cif> cif = parse();
+    THandle<Cif> cif = document_->lastCheck();
+    if (cif.is_null() || document_->isLastCheckStale()) {
+        cif = parse();
+        if (cif.is_null()) {
+            // A large document is checked on the worker: the wizard opens on its result.
+            if (document_->isCheckRunning()) {
+                statusBarMessage("Checking the text for the crystal wizard...");
+                connect(
+                    document_, &QcbsCifDocument::checked, this,
+                    [this](THandle<Cif> checked) { openCrystalWizard(checked); }, Qt::SingleShotConnection);
+            }
+            return;
+        }
+    }
+    openCrystalWizard(cif);
+}
+
+void QcbsMainWindow::openCrystalWizard(const THandle<Cif>& cif) {
+    if (wizard_) return;
     const int index = blockIndexAtCursor(cif);
     const THandle<CifDataBlock> block = index < 0 ? THandle<CifDataBlock>() : cif->block(unsigned(index));
     if (block.is_null() ||
