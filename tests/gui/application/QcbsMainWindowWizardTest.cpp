@@ -128,4 +128,21 @@ TEST_F(MainWindowWizard, TheWizardSeesTheTextAsItStandsNotTheLastCheck) {
     ASSERT_TRUE(waitUntil([&] { return wizard.isNull(); }));
 }
 
+TEST_F(MainWindowWizard, ALargeDocumentOpensTheWizardWhenItsCheckComesBack) {
+    QByteArray big = "data_big\n_cell_length_a 5\nloop_\n_refln_index_h\n_refln_index_k\n";
+    for (int i = 0; big.size() <= QcbsCifDocument::WorkerThreshold + 1000; ++i)
+        big += QByteArray::number(i % 50) + " " + QByteArray::number(i / 50) + "\n";
+    open(big);
+    ASSERT_TRUE(window_->document()->isLarge());
+    ASSERT_TRUE(waitUntil([&] { return !window_->document()->isCheckRunning(); }));
+    window_->currentEditor()->setCursorPosition(1, 0);
+    typeLines(window_->currentEditor(), {"_cell_length_b 6"});  // the last check no longer fits
+    window_->crystalWizard();
+    ASSERT_TRUE(waitUntil([&] { return window_->openWizard() != nullptr; }));
+    QPointer<QcbsWizard> wizard = window_->openWizard();
+    EXPECT_EQ(wizard->workingBlock()->value("_cell_length_b"), "6") << "the wizard sees the typed line";
+    wizard->button(QWizard::CancelButton)->click();
+    ASSERT_TRUE(waitUntil([&] { return wizard.isNull(); }));
+}
+
 }  // namespace
