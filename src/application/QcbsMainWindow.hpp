@@ -36,6 +36,7 @@ class QcbsMainWindowActions;
 class QcbsPreferencesDialog;
 class QcbsRichTextEdit;
 class QcbsVisSorter;
+class QcbsWizard;
 
 // One editor window holding one document: the editor with the tree of its
 // blocks beside it, the visualiser page, the error list and the output pane,
@@ -72,6 +73,8 @@ public:
     QcbsEditDataDialogue* setDataDialogue() const;
     // The loop table editor dialog while it is open; null otherwise.
     QcbsLoopTableEditorImpl* loopEditor() const;
+    // The wizard open on this window's document, or null.
+    QcbsWizard* openWizard() const;
     QcbsErrorListView* errorList() const { return errorList_; }
     QComboBox* blocksCombo() const;
     QcbsMainWindowActions* windowActions() const { return actions_; }
@@ -429,4 +432,11 @@ private:
     // cuts a line there), so that they reach the window's actions.
     void claimLoopKeys();
     QPointer<QcbsLoopTableEditorImpl> loopEditor_;
+    // --- The wizards' launching (QcbsMainWindowWizards.cpp) ---
+    // The index of the block at the editor's cursor in a fresh check of the
+    // text (the first block when the cursor is above every block), or -1.
+    int blockIndexAtCursor(const THandle<Cif>& cif) const;
+    // The crystal wizard on the block at the cursor of a checked document.
+    void openCrystalWizard(const THandle<Cif>& cif);
+    QPointer<QcbsWizard> wizard_;
 };

@@ -25,5 +25,3 @@ void QcbsMainWindow::specialCharPopUp() { showNotAvailable("The special-characte
 // --- checking, views and wizards -------------------------------------------------------
 
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
-
-void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
