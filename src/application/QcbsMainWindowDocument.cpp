@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's document operations: new, open, save, save as, close, print.
-// Also loading, the backup on saving, recent files and dropped files.
+// Also loading, the backup on saving, files changed by other programs, recent
+// files and dropped files.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
@@ -305,6 +306,12 @@ bool QcbsMainWindow::saveDocument() {
         return false;
     }
     const QString name = fileName();
+    if (!name.isEmpty() && !isUntitled(name)) {
+        // Never over what another program wrote, nor silently where it took the file away.
+        const QcbsFileIdentity::State state = document_->diskState();
+        if (state == QcbsFileIdentity::State::Changed || state == QcbsFileIdentity::State::Missing)
+            return answerDiskChange(state, true);
+    }
     if (name.isEmpty() || !QFileInfo::exists(name)) return saveDocumentAs();
     return writeDocument(name);
 }
@@ -393,6 +400,83 @@ bool QcbsMainWindow::writeDocument(const QString& filename) {
                           true);
     statusLineNumber();
     return true;
+}
+
+// --- files changed by other programs ---------------------------------------------------
+
+void QcbsMainWindow::checkDiskFile() {
+    if (askingAboutDisk_ || !isActiveWindow() || QApplication::activeModalWidget() != nullptr) return;
+    if (!document_->isOpen() || document_->isUntitled() || document_->isLoading() || document_->isSaving())
+        return;
+    const QcbsFileIdentity::State state = document_->diskState();
+    if (state != QcbsFileIdentity::State::Changed && state != QcbsFileIdentity::State::Missing) return;
+    // Once for each state of the file: a save asks again.
+    const QString name = fileName();
+    const QcbsFileIdentity::Stamp stamp = QcbsFileIdentity::Stamp::of(name);
+    if (toldName_ == name && toldStamp_ == stamp) return;
+    toldName_ = name;
+    toldStamp_ = stamp;
+    askingAboutDisk_ = true;
+    answerDiskChange(state, false);
+    askingAboutDisk_ = false;
+}
+
+bool QcbsMainWindow::answerDiskChange(QcbsFileIdentity::State state, bool saving) {
+    const QString name = fileName();
+    const bool modified = document_->isModified();
+    if (state == QcbsFileIdentity::State::Missing) {
+        const int answer =
+            ask(this, QMessageBox::Warning, programQName(),
+                "The file " + quoted(name) + " was deleted or moved by another program.",
+                {{"Save", QMessageBox::AcceptRole},
+                 {"Save as…", QMessageBox::ActionRole},
+                 {"Cancel", QMessageBox::RejectRole}},
+                saving ? 0 : 2, 2,
+                "The text is still here: save it under its name again, save it under another name, or "
+                "leave it unsaved for now.");
+        if (answer == 0) return writeDocument(name);
+        if (answer == 1) return saveDocumentAs();
+        return false;
+    }
+    const int answer = ask(
+        this, QMessageBox::Warning, programQName(),
+        "The file " + quoted(name) + " was changed by another program.",
+        {{"Reload", QMessageBox::ActionRole},
+         {"Keep mine", QMessageBox::ActionRole},
+         {"Save as…", QMessageBox::ActionRole},
+         {"Cancel", QMessageBox::RejectRole}},
+        modified ? 3 : 0, 3,
+        modified ? "Reload it and lose the edits made here, keep yours and save them over it, or save yours "
+                   "under another name?"
+                 : "Reload it, keep the text shown here and save it over the file, or save it under another "
+                   "name?");
+    switch (answer) {
+        case 0:
+            reloadDocument();
+            return false;
+        case 1:
+            return writeDocument(name);
+        case 2:
+            return saveDocumentAs();
+        default:
+            if (saving) statusBarMessage("Not saved: the file was changed by another program.");
+            return false;
+    }
+}
+
+bool QcbsMainWindow::reloadDocument() {
+    const QString name = fileName();
+    if (document_->isModified()) {
+        const int answer =
+            ask(this, QMessageBox::Warning, programQName(),
+                "Reload " + quoted(name) + " and lose the edits made here?",
+                {{"Reload", QMessageBox::DestructiveRole}, {"Cancel", QMessageBox::RejectRole}}, 1, 1);
+        if (answer != 0) return false;
+    }
+    clearDocument();
+    if (load(name, false, true)) return true;
+    fileNewUntitled();
+    return false;
 }
 
 // --- close -----------------------------------------------------------------------------

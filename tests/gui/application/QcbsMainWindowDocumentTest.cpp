@@ -283,7 +283,9 @@ TEST_F(DocumentWindow, ANewDocumentOrOneWhoseFileIsGoneIsSavedThroughSaveAs) {
     EXPECT_FALSE(editor()->isModified());
 
     QFile::remove(path);
+    answers_.click("Save as…");
     window_.fileSave();  // the dialog is cancelled
+    EXPECT_EQ(lastBox(), "Tessary: The file \"" + path + "\" was deleted or moved by another program.");
     EXPECT_EQ(answers_.proposals.value(1), path);
     EXPECT_FALSE(QFileInfo::exists(path));
 }
