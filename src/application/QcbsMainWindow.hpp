@@ -320,6 +320,9 @@ signals:
     void documentLoaded(const QString& filename);
 
 private:
+    // Whether the file, of which this is the start, is to be read: yes when
+    // it looks like a CIF, else the user is asked ("Continue" or "Cancel").
+    bool acceptAsCif(const QString& filename, const QByteArray& start);
     bool saveDocument();
     bool saveDocumentAs();
     bool writeDocument(const QString& filename);
