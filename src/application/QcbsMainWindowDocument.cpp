@@ -480,6 +480,8 @@ bool QcbsMainWindow::answerDiskChange(QcbsFileIdentity::State state, bool saving
                 "leave it unsaved for now.");
         if (answer == 0) return writeDocument(name);
         if (answer == 1) return saveDocumentAs();
+        // The text is on no disk now: closing asks whether to save it.
+        document_->setModified(true);
         return false;
     }
     const int answer = ask(

@@ -215,6 +215,7 @@ TEST_F(DiskChange, AFileDeletedOrMovedSaysSoAndCanBeWrittenAgain) {
     ASSERT_TRUE(QFile::remove(path_));
     ASSERT_TRUE(waitUntil([&] { return !answers_.boxes.isEmpty(); }));
     EXPECT_EQ(boxText(0), kGone.arg(path_));
+    EXPECT_TRUE(editor()->isModified()) << "the text is on no disk: closing asks to save it";
 }
 
 // Another program that rewrites the same bytes (a new time, or a new file
