@@ -23,6 +23,11 @@ bool loop_has(const CifDataBlock::ItemList& loop, std::string_view reference) {
                        [&](const THandle<CifDataItem>& item) { return satisfies(item->name(), reference); });
 }
 
+// The category whose loops may hold the item's column.
+const std::string& loop_category(const CifItemDefinition& definition) {
+    return definition.loop_category.empty() ? definition.category : definition.loop_category;
+}
+
 std::string joined(const std::vector<std::string>& names) {
     std::string result;
     for (const std::string& name : names) result += (result.empty() ? "" : ", ") + name;
@@ -128,7 +133,15 @@ void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDef
     for (const CifItemDefinition::Related& related : definition.related) {
         if (!cif_iequals(related.function, "replace")) continue;
         replacements.push_back(related.name);
-        if (!block_->find(related.name).is_null()) present.push_back(related.name);
+        // The replacement may stand in the block under another of its names.
+        std::vector<std::string> names{related.name};
+        if (const CifItemDefinition* replacement = dictionary_.definition(related.name))
+            names.insert(names.end(), replacement->aliases.begin(), replacement->aliases.end());
+        for (const std::string& name : names) {
+            if (block_->find(name).is_null()) continue;
+            present.push_back(name);
+            break;
+        }
     }
     if (replacements.empty()) return;
     sink_.add(CifError::obsolete_data_name, item.line(), item.name(), joined(replacements));
@@ -199,7 +212,8 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
             continue;
         }
         const CifItemDefinition* head = definitions[first];
-        bool mixed = definition->category != head->category;
+        bool mixed =
+            definition->category != head->category && loop_category(*definition) != loop_category(*head);
         if (!mixed && !definition->list_reference.empty()) {
             for (std::size_t j = first; j < i && !mixed; ++j) {
                 const CifItemDefinition* other = definitions[j];
