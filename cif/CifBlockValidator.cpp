@@ -245,6 +245,28 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
             sink_.add(CifError::loop_key_missing, loop[i]->line(), loop[i]->name(), key);
         }
     }
+    // A category that names its key (DDLm, DDL2): a loop of it without one
+    // of the key's items is remarked on; many files leave out keys whose
+    // values a program could supply (_publ_author.id, say).
+    std::vector<const std::string*> keyed;
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const CifItemDefinition* definition = definitions[i];
+        if (definition == nullptr || definition->category_keys.empty() ||
+            std::find_if(keyed.begin(), keyed.end(), [&](const std::string* category) {
+                return *category == definition->category;
+            }) != keyed.end())
+            continue;
+        keyed.push_back(&definition->category);
+        for (const std::string& key : definition->category_keys) {
+            const CifItemDefinition* wanted = dictionary_.definition(key);
+            bool given = has(key);
+            for (std::size_t j = 0; j < loop.size() && !given && wanted != nullptr; ++j)
+                given = definitions[j] == wanted;
+            if (given || !reported.insert(cif_lowercase(key)).second) continue;
+            sink_.add(CifError(CifError::loop_key_missing, CifError::remark, loop[i]->line(), loop[i]->name(),
+                               key));
+        }
+    }
     // Columns that neither refer to a key nor link to a parent are keyed by
     // the mandatory items of their category.
     for (std::size_t i = 0; i < loop.size(); ++i) {

@@ -3,6 +3,7 @@
 #include "cif/CifValueCheck.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "cif/CifCompoundValue.hpp"
 #include "cif/CifNames.hpp"
@@ -29,8 +30,14 @@ bool digits(std::string_view value, std::size_t& at, std::size_t low, std::size_
 // two are read too, as older dictionaries allow), then what may follow.
 bool is_date(std::string_view value, std::size_t& at) {
     at = 0;
-    return digits(value, at, 2, 4) && at < value.size() && value[at++] == '-' && digits(value, at, 1, 2) &&
-           at < value.size() && value[at++] == '-' && digits(value, at, 1, 2);
+    if (!digits(value, at, 2, 4) || at >= value.size() || value[at++] != '-') return false;
+    const std::size_t month_at = at;
+    if (!digits(value, at, 1, 2) || at >= value.size() || value[at++] != '-') return false;
+    const std::size_t day_at = at;
+    if (!digits(value, at, 1, 2)) return false;
+    const int month = std::atoi(std::string(value.substr(month_at, day_at - 1 - month_at)).c_str());
+    const int day = std::atoi(std::string(value.substr(day_at, at - day_at)).c_str());
+    return month >= 1 && month <= 12 && day >= 1 && day <= 31;
 }
 
 bool is_date_time(std::string_view value) {
@@ -46,7 +53,8 @@ bool is_date_time(std::string_view value) {
 // A symmetry operation's number, optionally _ and the translation as three
 // digits (2_565) or three signed numbers (2_1_-1_0).
 bool is_symop(std::string_view value) {
-    std::size_t at = 0;
+    // Some programs write the inverse of an operation with a minus sign.
+    std::size_t at = !value.empty() && value[0] == '-' ? 1 : 0;
     if (!digits(value, at, 1, 4)) return false;
     if (at == value.size()) return true;
     if (value[at++] != '_') return false;

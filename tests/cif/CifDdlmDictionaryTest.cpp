@@ -162,11 +162,13 @@ TEST(CifDdlmDictionary, ValuesAreCheckedByContentsPurposeRangeAndState) {
         {"_cell_formula_units_Z 4", {}},
         {"_cell.measured 2026-11-24", {}},
         {"_cell.measured 2026-11", {{324, 2}}},
+        {"_cell.measured 2005-28-12", {{324, 2}}},  // no 28th month
         {"_cell.measured 'next week'", {{324, 2}}},
         {"_atom_site_calc_flag CALC", {}},  // codes in any case
         {"_atom_site_calc_flag x", {{326, 2}}},
         {"_atom_site.symop 2_565", {}},
         {"_atom_site.symop 2_1_-1_0", {}},
+        {"_atom_site.symop -1_656", {}},  // an inverse, as some programs write it
         {"_atom_site.symop 2_5x5", {{324, 2}}},
         {"_atom_site.label 'C 1'", {{324, 2}}},
         {"_cell_lenght_a 5", {{320, 2}}},
@@ -211,14 +213,15 @@ TEST(CifDdlmDictionary, LoopsAreKeyedByTheirCategoryKeyAndLinkedToTheirParents) 
         // A composite key repeats only when all of its columns do, old names or new.
         {"loop_\n_atom_site_label\n_atom_site_part\nC1 1\nC1 2\n", {}},
         {"loop_\n_atom_site_label\n_atom_site.part\nC1 1\nC1 1\n", {{369, 6}}},
-        {"loop_\n_atom_site_label\nC1\nC1\n", {}},  // the key is not all there: not checked
+        // A key not all there is not checked, and its missing part is remarked on.
+        {"loop_\n_atom_site_label\nC1\nC1\n", {{358, 3}}},
         // An inner Loop category joins its outer one's loop.
-        {"loop_\n_atom_type_symbol\n_atom_type_scat_source\nC x\n", {}},
-        {"loop_\n_atom_type_symbol\n_atom_site_label\nC x\n", {{329, 4}}},
+        {"loop_\n_atom_type_symbol\n_atom_type_scat_source\nC x\n", {{358, 4}}},
+        {"loop_\n_atom_type_symbol\n_atom_site_label\nC x\n", {{329, 4}, {358, 4}}},
         // Parents are found under either name.
-        {"loop_\n_atom_site_label\n_atom_site_type_symbol\nC1 C\n", {{357, 4}}},
+        {"loop_\n_atom_site_label\n_atom_site_part\n_atom_site_type_symbol\nC1 1 C\n", {{357, 5}}},
         {"loop_\n_atom_type.symbol\nC\nloop_\n_atom_site_label\n_atom_site_type_symbol\nC1 C\nO1 O\n",
-         {{360, 9}}},
+         {{358, 6}, {360, 9}}},
     };
     for (const Case& c : cases) {
         THandle<Cif> cif = check(ddlm(), std::string("data_a\n") + c.text);
@@ -256,7 +259,7 @@ TEST(CifDdl2Dictionary, FramesGiveTypesRangesKeysAndLinks) {
         {"_entity.type other", {{326, 2}}},
         {"_entity.name x", {{320, 2}}},
         {"loop_\n_atom_site.id\n_atom_site.model\na 1\na 2\na 1\n", {{369, 7}}},
-        {"loop_\n_atom_site.id\n_atom_site.entity_id\na 1\n", {{357, 4}}},
+        {"loop_\n_atom_site.id\n_atom_site.model\n_atom_site.entity_id\na 1 1\n", {{357, 5}}},
     };
     for (const Case& c : cases) {
         THandle<Cif> cif = check(dictionary, std::string("data_a\n") + c.text + "\n");
