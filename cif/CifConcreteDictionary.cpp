@@ -106,6 +106,15 @@ const CifItemDefinition* CifConcreteDictionary::definition(const std::string& da
     return found == index_.end() ? nullptr : &definitions_[found->second];
 }
 
+std::vector<std::string> CifConcreteDictionary::data_names() const {
+    // The reader keeps no second definition of a name, so each comes once.
+    std::vector<std::string> result;
+    result.reserve(definitions_.size());
+    for (const CifItemDefinition& definition : definitions_)
+        if (!definition.is_category_overview()) result.push_back(definition.name);
+    return result;
+}
+
 std::vector<std::string> CifConcreteDictionary::category_items(const std::string& category) const {
     std::vector<std::string> result;
     auto found = members_.find(plain_category_name(category));

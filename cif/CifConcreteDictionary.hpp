@@ -57,6 +57,7 @@ public:
     std::string name() const override { return descriptor_.name; }
     std::vector<std::string> categories() const override { return categories_; }
     std::vector<std::string> category_items(const std::string& category) const override;
+    std::vector<std::string> data_names() const override;
     std::vector<std::string> mandatory_items(const std::string& category) const override;
     std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
 

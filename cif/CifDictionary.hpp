@@ -59,6 +59,10 @@ public:
         return {};
     }
 
+    // Every data name the dictionary defines (no category overviews), in
+    // the dictionary's order, each once regardless of case: what an editor
+    // offers when the user starts to type a name.
+    virtual std::vector<std::string> data_names() const { return {}; }
     // A defined data name and how many edits it lies from the name asked for.
     struct SimilarName {
         std::string name;  // as the dictionary writes it

@@ -69,6 +69,17 @@ std::vector<std::string> CifDictionaryPool::category_items(const std::string& ca
     return result;
 }
 
+std::vector<std::string> CifDictionaryPool::data_names() const {
+    std::vector<std::string> result;
+    std::unordered_set<std::string> seen;
+    for (const THandle<CifConcreteDictionary>& member : members_) {
+        for (const std::string& name : member->data_names()) {
+            if (seen.insert(cif_lowercase(name)).second) result.push_back(name);
+        }
+    }
+    return result;
+}
+
 std::vector<std::string> CifDictionaryPool::mandatory_items(const std::string& category) const {
     // One member answers alone; several go through the merged category.
     if (members_.size() == 1) return members_.front()->mandatory_items(category);

@@ -41,6 +41,8 @@ public:
     std::vector<std::string> categories() const override;
     // The category's data names from every member, each name once, in member order.
     std::vector<std::string> category_items(const std::string& category) const override;
+    // Every member's data names in member order, each name once.
+    std::vector<std::string> data_names() const override;
     std::vector<std::string> mandatory_items(const std::string& category) const override;
     // The members' similar names merged: nearest first, each name once.
     std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;

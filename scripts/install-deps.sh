@@ -9,6 +9,8 @@ packages=(
   build-essential cmake ninja-build pkg-config
   # Qt 6 (Core, Gui, Widgets, OpenGLWidgets, PrintSupport, Network, Test) and SVG icons
   qt6-base-dev qt6-base-dev-tools libqt6opengl6-dev qt6-svg-dev libqt6svg6
+  # the editor engine (QScintilla for Qt 6): headers and the run-time library
+  libqscintilla2-qt6-dev libqscintilla2-qt6-15 libqscintilla2-qt6-l10n
   libgl-dev libglu1-mesa-dev libgl1-mesa-dri
   # space groups, elements and cell arithmetic (header-only)
   gemmi-dev
@@ -23,7 +25,7 @@ packages=(
   # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
   libavogadro-data libcifpp-data cod-tools
   # running the editor headless and looking at it
-  xvfb xauth x11-utils imagemagick fonts-dejavu-core
+  xvfb xauth x11-utils xdotool imagemagick fonts-dejavu-core
   # the Debian package (cpack -G DEB) and its validators: dependencies found by
   # dpkg-shlibdeps, lintian, the desktop file, AppStream metadata, the MIME
   # type, the man pages and the bash completion

@@ -28,6 +28,7 @@ public:
     std::vector<std::string> category_items(const std::string& category) const override {
         return target_.category_items(category);
     }
+    std::vector<std::string> data_names() const override { return target_.data_names(); }
     std::vector<std::string> mandatory_items(const std::string& category) const override {
         return target_.mandatory_items(category);
     }

@@ -1,25 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Benchmark: the CIF editor on a million lines against a bare QPlainTextEdit.
-// The editor is QcbsLineNumberedTextEdit (editor, margin, signals); its peer has the same
-// highlighter, scheduler and sliced loader. Whatever the editor adds on top of the peer shows
-// as a ratio.
+// Benchmark: the CIF editor on a huge file against a bare QPlainTextEdit, step by step.
+// The editor is the window's own stack: QcbsLineNumberedTextEdit (editor, highlighter, line
+// numbers, folding) with its QcbsCifDocument. The peer is a QPlainTextEdit of the same size and
+// font holding the same file (read whole, decoded, setPlainText), without any highlighting.
 //
-// For loading: the time to the first paint, the longest stall of the event
-// loop (a 1 ms heartbeat timer measures it) and the time until the whole
-// file is in and highlighted. Then the same interactions on both, near the
-// end of the file: a jump to a distant line, typing, paging down, a
-// selection that is commented (the peer replaces the line itself) and, for
-// the editor only, marking an error line.
+// Steps, each timed from the event loop with a 1 ms heartbeat timer whose longest gap is the
+// longest stall of the event loop:
+//   open     the file read into the view: the first screen painted, the whole text in
+//   check    the whole check of the text (the editor's runs on the worker thread)
+//   type     20 keystrokes on the middle line, each with its repaint
+//   end      Ctrl+End and the repaint at the end of the text
+//   jump     from the middle to the last line, cursor and view, with the repaint
+//   save     the text written to a new file (the editor's from the worker thread)
+// and the memory the process holds above what it held before the file was opened (VmRSS).
 //
-//   editor_bench [--lines N]
+//   editor_bench [--file PATH | --rows N] [--side editor|peer]
 //
+// Without --file a reflection file of N rows (2,000,000: 70 MB) is written to a temporary
+// directory. Run each side in a process of its own for the memory figures.
 // Runs on the offscreen platform unless QT_QPA_PLATFORM says otherwise.
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QPlainTextEdit>
+#include <QSaveFile>
 #include <QScrollBar>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
 #include <QTimer>
@@ -28,38 +36,52 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <random>
+#include <vector>
 
-#include "editor/QcbsHighlightScheduler.hpp"
+#include "cif/CifDocumentCheck.hpp"
+#include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
-#include "editor/QcbsSlicedTextLoader.hpp"
-#include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 
 namespace {
 
-QString generatedCif(int lines) {
-    QString text =
-        "data_big\n_cell_length_a 10.123(2)\n_publ_section_title\n;\nA title, 5 \\%A.\n;\nloop_\n"
-        "_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_squared_meas\n";
-    text.reserve(lines * 40);
-    for (int i = 11; i < lines; ++i)
-        text += QString("%1 %2 %3 %4.%5 # row\n")
-                    .arg(i % 41 - 20)
-                    .arg(i % 37 - 18)
-                    .arg(i % 29)
-                    .arg(i)
-                    .arg(i % 97);
+QByteArray reflectionFile(long rows) {
+    QByteArray text =
+        "data_refl\n_cell_length_a 10.123(2)\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n"
+        "_refln_F_squared_meas\n_refln_F_squared_sigma\n_refln_observed_status\n";
+    text.reserve(rows * 36 + 1024);
+    std::mt19937 random(7);
+    std::uniform_int_distribution<int> index(-40, 40);
+    std::uniform_real_distribution<double> value(0.0, 9999.0);
+    char row[96];
+    for (long i = 0; i < rows; ++i) {
+        const double f = value(random);
+        std::snprintf(row, sizeof row, "%4d%4d%4d %10.2f %8.2f o\n", index(random), index(random),
+                      index(random), f, f / 37.0);
+        text += row;
+    }
     return text;
 }
 
-// The longest stall of the event loop while `work` runs from the loop and
-// until `done` holds, and the total time.
+long residentKiB() {
+    QFile status("/proc/self/status");
+    if (!status.open(QIODevice::ReadOnly)) return 0;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').first().toLong();
+    return 0;
+}
+
+// The time `work` takes from the event loop until `done` holds, and the
+// longest the event loop was held meanwhile.
 struct Timing {
     qint64 total = -1;
     qint64 longest = 0;
+    qint64 firstScreen = -1;
 };
 
-Timing measure(const std::function<void()>& work, const std::function<bool()>& done) {
+Timing measure(const std::function<void()>& work, const std::function<bool()>& done,
+               const std::function<bool()>& screenShown = {}) {
     QElapsedTimer clock;
     Timing timing;
     qint64 last = 0;
@@ -71,7 +93,8 @@ Timing measure(const std::function<void()>& work, const std::function<bool()>& d
         const qint64 now = clock.elapsed();
         timing.longest = std::max(timing.longest, now - last);
         last = now;
-        if (done() && timing.total < 0) {
+        if (timing.firstScreen < 0 && screenShown && screenShown()) timing.firstScreen = now;
+        if (timing.total < 0 && done()) {
             timing.total = now;
             loop.quit();
         }
@@ -85,96 +108,192 @@ Timing measure(const std::function<void()>& work, const std::function<bool()>& d
     return timing;
 }
 
-// One side of the comparison: an editor, its highlighter and a way to load.
-struct Side {
-    QPlainTextEdit* view = nullptr;
-    QcbsSyntaxHighlighter_CIF* highlighter = nullptr;
-    std::function<void(const QString&)> load;
-    std::function<bool()> loading;
-    bool idle() const { return !loading() && highlighter->scheduler()->isIdle(); }
+// Watches a viewport for its first paint with text in it.
+class PaintWatch : public QObject {
+public:
+    explicit PaintWatch(const std::function<bool()>& hasText) : hasText_(hasText) {}
+    bool painted = false;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint && hasText_()) painted = true;
+        return false;
+    }
+
+private:
+    std::function<bool()> hasText_;
 };
 
-void report(const char* what, const Timing& editor, const Timing& peer) {
-    std::printf("%-28s editor %6lld ms (stall %4lld ms)   peer %6lld ms (stall %4lld ms)   ratio %5.2f\n",
-                what, static_cast<long long>(editor.total), static_cast<long long>(editor.longest),
-                static_cast<long long>(peer.total), static_cast<long long>(peer.longest),
-                peer.total > 0 ? double(editor.total) / double(peer.total) : 0.0);
+// One side: what each step does on it.
+struct Side {
+    const char* name;
+    QWidget* view;
+    QWidget* viewport;
+    std::function<void(const QString&)> open;
+    std::function<bool()> opened;
+    std::function<bool()> hasText;
+    std::function<void()> check;
+    std::function<bool()> checked;
+    std::function<void(int)> goToLine;
+    std::function<int()> lines;
+    std::function<void(const QString&)> save;
+};
+
+void line(const char* step, const Timing& timing, const char* note = "") {
+    std::printf("  %-8s %8lld ms   longest stall %6lld ms", step, static_cast<long long>(timing.total),
+                static_cast<long long>(timing.longest));
+    if (timing.firstScreen >= 0)
+        std::printf("   first screen %6lld ms", static_cast<long long>(timing.firstScreen));
+    std::printf("%s\n", note);
 }
 
-void moveTo(QPlainTextEdit* view, int line, bool select) {
-    QTextCursor cursor(view->document()->findBlockByNumber(line - 1));
-    cursor.movePosition(QTextCursor::EndOfBlock, select ? QTextCursor::KeepAnchor : QTextCursor::MoveAnchor);
-    view->setTextCursor(cursor);
-    view->ensureCursorVisible();
+void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes) {
+    std::printf("%s\n", side.name);
+    PaintWatch watch(side.hasText);
+    side.viewport->installEventFilter(&watch);
+    const long before = residentKiB();
+    line("open", measure([&] { side.open(file); }, side.opened, [&] { return watch.painted; }));
+    QCoreApplication::processEvents();
+    const long afterOpen = residentKiB();
+    std::printf("  %-8s %8.0f MB above the process before opening: %.2f x the file\n", "memory",
+                (afterOpen - before) / 1024.0, (afterOpen - before) * 1024.0 / fileBytes);
+
+    line("check", measure(side.check, side.checked));
+    const long afterCheck = residentKiB();
+    std::printf("  %-8s %8.0f MB with the check's result: %.2f x the file\n", "memory",
+                (afterCheck - before) / 1024.0, (afterCheck - before) * 1024.0 / fileBytes);
+
+    // Keystrokes on the middle line, each with the repaint it causes.
+    const int middle = side.lines() / 2;
+    side.goToLine(middle);
+    side.viewport->repaint();
+    std::vector<qint64> keys;
+    std::function<void()> typeOne = [&] {
+        QElapsedTimer one;
+        one.start();
+        QTest::keyClick(side.view, Qt::Key_X);
+        side.viewport->repaint();
+        keys.push_back(one.nsecsElapsed() / 1000);
+        if (keys.size() < 20) QTimer::singleShot(0, typeOne);
+    };
+    // One keystroke per turn of the event loop, as a user types.
+    const Timing typing = measure(typeOne, [&] { return keys.size() == 20; });
+    if (qEnvironmentVariableIsSet("EDITOR_BENCH_KEYS"))
+        for (const qint64 key : keys) std::printf("    key %.1f ms\n", key / 1000.0);
+    std::sort(keys.begin(), keys.end());
+    char note[96];
+    std::snprintf(note, sizeof note, "   a keystroke: median %.1f ms, slowest %.1f ms",
+                  keys[keys.size() / 2] / 1000.0, keys.back() / 1000.0);
+    line("type", typing, note);
+
+    line("end", measure(
+                    [&] {
+                        QTest::keyClick(side.view, Qt::Key_End, Qt::ControlModifier);
+                        side.viewport->repaint();
+                    },
+                    [] { return true; }));
+    side.goToLine(middle);
+    side.viewport->repaint();
+    line("jump", measure(
+                     [&] {
+                         side.goToLine(side.lines() - 1);
+                         side.viewport->repaint();
+                     },
+                     [] { return true; }));
+    bool saved = false;
+    line("save", measure(
+                     [&] {
+                         side.save(copy);
+                         saved = true;
+                     },
+                     [&] { return saved; }));
+    side.viewport->removeEventFilter(&watch);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    int lines = 1000000;
-    for (int i = 1; i < argc; ++i)
-        if (std::strcmp(argv[i], "--lines") == 0 && i + 1 < argc)
-            lines = std::max(1000, std::atoi(argv[++i]));
+    QString file;
+    long rows = 2000000;
+    QString only;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        if (std::strcmp(argv[i], "--file") == 0) file = argv[i + 1];
+        if (std::strcmp(argv[i], "--rows") == 0) rows = std::atol(argv[i + 1]);
+        if (std::strcmp(argv[i], "--side") == 0) only = argv[i + 1];
+    }
     QApplication app(argc, argv);
-    const QString text = generatedCif(lines);
+    QTemporaryDir dir;
+    if (file.isEmpty()) {
+        file = dir.filePath("reflections.cif");
+        QFile out(file);
+        if (!out.open(QIODevice::WriteOnly) || out.write(reflectionFile(rows)) < 0) return 1;
+    }
+    const qint64 fileBytes = QFileInfo(file).size();
+    const QString copy = dir.filePath("saved.cif");
     THandle<QcbsFontStyleSettings> styles(new QcbsFontStyleSettings());
+    std::printf("%s: %.1f MB (offscreen, 1000x800)\n", qPrintable(QFileInfo(file).fileName()),
+                fileBytes / 1e6);
 
-    QcbsLineNumberedTextEdit widget(THandle<CifDictionary>(), "editor", styles, true);
-    widget.resize(1000, 800);
-    widget.show();
-    QcbsRichTextEdit* edit = widget.editor();
-    Side editor{edit, edit->highlighter(), [edit](const QString& t) { edit->loadText(t); },
-                [edit] { return edit->isLoading(); }};
-
-    QPlainTextEdit bare;
-    bare.setLineWrapMode(QPlainTextEdit::NoWrap);
-    bare.setFont(styles->editorFont());
-    bare.resize(1000, 800);
-    bare.show();
-    auto* bareHighlighter = new QcbsSyntaxHighlighter_CIF(THandle<CifDictionary>(), styles, &bare);
-    auto* loader = new QcbsSlicedTextLoader(&bare);
-    Side peer{&bare, bareHighlighter, [loader](const QString& t) { loader->load(t); },
-              [loader] { return loader->isLoading(); }};
-    QCoreApplication::processEvents();
-
-    std::printf("%d lines, %.1f MB of text (offscreen, 1000x800)\n", lines, text.size() * 2 / 1e6);
-    const auto both = [&](const char* what, const std::function<void(Side&)>& work) {
-        const Timing a = measure([&] { work(editor); }, [&] { return editor.idle(); });
-        const Timing b = measure([&] { work(peer); }, [&] { return peer.idle(); });
-        report(what, a, b);
-    };
-    both("load and highlight", [&](Side& side) { side.load(text); });
-    edit->reopenErrorHighlighting();
-
-    const int far = lines - lines / 10;
-    both("jump to a distant line", [&](Side& side) {
-        if (side.view == edit)
-            edit->gotoLine(far, QString(), true);
-        else
-            moveTo(side.view, far, true);
-    });
-    both("type 20 characters", [&](Side& side) {
-        moveTo(side.view, far, false);
-        for (int i = 0; i < 20; ++i) QTest::keyClick(side.view, Qt::Key_X);
-    });
-    both("page down 30 times", [&](Side& side) {
-        for (int i = 0; i < 30; ++i) QTest::keyClick(side.view, Qt::Key_PageDown);
-    });
-    both("comment one line", [&](Side& side) {
-        moveTo(side.view, far - 5, false);
-        if (side.view == edit) {
-            edit->commentSelection();
-        } else {
-            QTextCursor cursor = side.view->textCursor();
-            cursor.movePosition(QTextCursor::StartOfBlock);
-            cursor.insertText("#");
-        }
-    });
-    edit->reopenErrorHighlighting();
-    const Timing mark =
-        measure([&] { edit->setErrorHighlighting(far / 2, 1, true); }, [&] { return editor.idle(); });
-    std::printf("%-28s editor %6lld ms (stall %4lld ms)\n", "mark a distant error line",
-                static_cast<long long>(mark.total), static_cast<long long>(mark.longest));
+    if (only.isEmpty() || only == "editor") {
+        QcbsLineNumberedTextEdit widget(THandle<CifDictionary>(), "editor", styles, true);
+        widget.resize(1000, 800);
+        widget.show();
+        QcbsRichTextEdit* edit = widget.editor();
+        QcbsCifDocument document(edit);
+        bool checked = false;
+        QObject::connect(&document, &QcbsCifDocument::checked, [&] { checked = true; });
+        QCoreApplication::processEvents();
+        Side editor{"editor (QcbsLineNumberedTextEdit on QScintilla, highlighting, line numbers, folding)",
+                    edit,
+                    edit->viewport(),
+                    [&](const QString& name) { document.loadFile(name); },
+                    [&] { return !edit->isLoading(); },
+                    [&] { return edit->byteLength() > 0; },
+                    [&] {
+                        checked = false;
+                        document.check();
+                    },
+                    [&] { return checked; },
+                    [&](int line) { edit->gotoLine(line + 1, QString()); },
+                    [&] { return edit->lines(); },
+                    [&](const QString& name) {
+                        if (!document.save(name, false).saved) std::abort();
+                    }};
+        run(editor, file, copy, fileBytes);
+    }
+    if (only.isEmpty() || only == "peer") {
+        QPlainTextEdit bare;
+        bare.setLineWrapMode(QPlainTextEdit::NoWrap);
+        bare.setFont(styles->editorFont());
+        bare.resize(1000, 800);
+        bare.show();
+        QCoreApplication::processEvents();
+        Side peer{"peer (QPlainTextEdit, setPlainText, no highlighting)",
+                  &bare,
+                  bare.viewport(),
+                  [&](const QString& name) {
+                      QFile in(name);
+                      in.open(QIODevice::ReadOnly);
+                      bare.setPlainText(QString::fromUtf8(in.readAll()));
+                  },
+                  [] { return true; },
+                  [&] { return !bare.document()->isEmpty(); },
+                  [&] { (void)CifDocumentCheck().run(bare.toPlainText().toStdString()); },
+                  [] { return true; },
+                  [&](int line) {
+                      QTextCursor cursor(bare.document()->findBlockByNumber(line));
+                      bare.setTextCursor(cursor);
+                      bare.ensureCursorVisible();
+                  },
+                  [&] { return bare.document()->blockCount(); },
+                  [&](const QString& name) {
+                      QSaveFile out(name);
+                      out.open(QIODevice::WriteOnly);
+                      out.write(bare.toPlainText().toUtf8());
+                      out.commit();
+                  }};
+        run(peer, file, copy, fileBytes);
+    }
     return 0;
 }

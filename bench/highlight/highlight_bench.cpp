@@ -4,12 +4,10 @@
 // 1. Classification alone (QcbsCifLineClassifier over every line, runs
 //    included; the lines are split beforehand, as Qt hands them over one by
 //    one) in MB/s, next to the CIF library's reader on the same text.
-// 2. A QPlainTextEdit holding the file, three ways: setPlainText without a
-//    highlighter (the floor), setPlainText with the highlighter attached the
-//    way QSyntaxHighlighter works by itself, and the editor's way (scheduler
-//    and sliced loader). For each: the time until the first paint, the
-//    longest stall of the event loop until the whole file is in and
-//    highlighted (a 1 ms heartbeat timer measures it), and that total time.
+// 2. The editor's lexer styling the whole file in one pass, against the
+//    classification alone: what the lexer adds (bytes to characters and
+//    back, styles, line states and fold levels handed to Scintilla). Loading
+//    and styling in a window, against QPlainTextEdit, is bench/editor.
 //
 //   highlight_bench [--lines N] [--runs N] [--classification-only]
 //
@@ -18,8 +16,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QPlainTextEdit>
-#include <QTimer>
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -31,9 +27,7 @@
 
 #include "cif/Cif.hpp"
 #include "editor/QcbsCifLineClassifier.hpp"
-#include "editor/QcbsHighlightScheduler.hpp"
-#include "editor/QcbsSlicedTextLoader.hpp"
-#include "editor/QcbsSyntaxHighlighter_CIF.hpp"
+#include "editor/QcbsRichTextEdit.hpp"
 
 namespace {
 
@@ -140,7 +134,8 @@ double bestSeconds(int runs, Work&& work) {
     return best;
 }
 
-void compareWithReader(const char* name, const std::string& bytes, int runs) {
+// Returns the classification's time in seconds.
+double compareWithReader(const char* name, const std::string& bytes, int runs) {
     const QString text = QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
     BenchDictionary dictionary;
     long long runsSeen = 0;
@@ -174,89 +169,34 @@ void compareWithReader(const char* name, const std::string& bytes, int runs) {
     std::printf("%-16s %7.1f MB  classify %7.1f MB/s   CIF reader %7.1f MB/s   classify/reader %5.2f\n", name,
                 mb, mb / classify, mb / read, read / classify);
     if (runsSeen == 0 || blocks == 0) std::printf("  (nothing classified or read?)\n");
+    return classify;
 }
 
-// --- 2. an editor holding the file -----------------------------------------
+// --- 2. the lexer against the classification --------------------------------
 
-enum class Setup { PlainText, QtHighlighter, Sliced };
-
-const char* setupName(Setup setup) {
-    switch (setup) {
-        case Setup::PlainText:
-            return "setPlainText, no highlighter";
-        case Setup::QtHighlighter:
-            return "setPlainText, QSyntaxHighlighter as is";
-        case Setup::Sliced:
-            return "sliced loader + scheduler";
-    }
-    return "";
-}
-
-class PaintTimedEdit : public QPlainTextEdit {
-public:
-    QElapsedTimer* clock = nullptr;
-    qint64 firstPaint = -1;
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QPlainTextEdit::paintEvent(event);
-        if (firstPaint < 0 && clock != nullptr && clock->isValid() && !document()->isEmpty()) {
-            firstPaint = clock->elapsed();
-        }
-    }
-};
-
-void holdInEditor(const char* name, const QString& text, Setup setup) {
+// The editor's lexer styling the whole text in one pass (what idle time
+// does in slices): the classification, the bytes turned into characters and
+// back, the styles, line states and fold levels handed to Scintilla.
+void lexerAgainstClassifier(const char* name, const std::string& bytes, int runs, double classifySeconds) {
     THandle<QcbsFontStyleSettings> styles(new QcbsFontStyleSettings());
-    THandle<CifDictionary> dictionary(new BenchDictionary());
-    PaintTimedEdit editor;
-    editor.setLineWrapMode(QPlainTextEdit::NoWrap);
+    QcbsRichTextEdit editor(THandle<CifDictionary>(new BenchDictionary()), styles);
     editor.resize(1000, 800);
-    editor.show();
-    QCoreApplication::processEvents();
-
-    QcbsSyntaxHighlighter_CIF* highlighter = nullptr;
-    if (setup == Setup::QtHighlighter) {
-        highlighter = new QcbsSyntaxHighlighter_CIF(dictionary, styles, editor.document());
-    } else if (setup == Setup::Sliced) {
-        highlighter = new QcbsSyntaxHighlighter_CIF(dictionary, styles, &editor);
-    }
-    QcbsSlicedTextLoader loader(&editor);
-
-    QElapsedTimer clock;
-    editor.clock = &clock;
-    qint64 last = 0;
-    qint64 longest = 0;
-    qint64 done = -1;
     QEventLoop loop;
-    QTimer heartbeat;
-    heartbeat.setTimerType(Qt::PreciseTimer);
-    heartbeat.setInterval(1);
-    QObject::connect(&heartbeat, &QTimer::timeout, [&] {
-        const qint64 now = clock.elapsed();
-        longest = std::max(longest, now - last);
-        last = now;
-        const bool highlighted = highlighter == nullptr || highlighter->scheduler() == nullptr ||
-                                 highlighter->scheduler()->isIdle();
-        if (editor.firstPaint >= 0 && !loader.isLoading() && highlighted && done < 0) {
-            done = now;
-            loop.quit();
-        }
-    });
-    QTimer::singleShot(0, [&] {
-        clock.start();
-        last = 0;
-        heartbeat.start();
-        if (setup == Setup::Sliced) {
-            loader.load(text);
-        } else {
-            editor.setPlainText(text);
-        }
-    });
-    loop.exec();
-    std::printf("%-16s %-40s first paint %6lld ms   longest stall %6lld ms   all highlighted %6lld ms\n",
-                name, setupName(setup), static_cast<long long>(editor.firstPaint),
-                static_cast<long long>(longest), static_cast<long long>(done));
+    QObject::connect(&editor, &QcbsRichTextEdit::textLoaded, &loop, &QEventLoop::quit);
+    editor.loadBytes(QByteArray::fromStdString(bytes));
+    if (editor.isLoading()) loop.exec();
+    const double lexer =
+        bestSeconds(runs, [&] {
+            // Piece by piece, as idle time asks.
+            editor.SendScintilla(QsciScintillaBase::SCI_STARTSTYLING, 0L);
+            while (editor.SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED) < editor.byteLength())
+                editor.SendScintilla(QsciScintillaBase::SCI_COLOURISE,
+                                     editor.SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED), -1L);
+        });
+    const double mb = megabytes(bytes.size());
+    std::printf(
+        "%-16s %7.1f MB  lexer    %7.1f MB/s   classification %7.1f MB/s   lexer/classification %5.2f\n",
+        name, mb, mb / lexer, mb / classifySeconds, lexer / classifySeconds);
 }
 
 }  // namespace
@@ -276,17 +216,12 @@ int main(int argc, char** argv) {
     const std::string loop = reflectionLoop(lines);
     const std::string prose = textHeavy(lines);
     std::printf("Classification against the CIF library's reader (best of %d runs)\n", runs);
-    compareWithReader("reflection loop", loop, runs);
-    compareWithReader("text-heavy", prose, runs);
+    const double loopClassify = compareWithReader("reflection loop", loop, runs);
+    const double proseClassify = compareWithReader("text-heavy", prose, runs);
     if (classificationOnly) return 0;
 
-    std::printf("\nA QPlainTextEdit holding the file (offscreen, 1000x800)\n");
-    for (const auto& [name, bytes] : {std::pair{"reflection loop", &loop}, std::pair{"text-heavy", &prose}}) {
-        const QString text = QString::fromLatin1(bytes->data(), static_cast<qsizetype>(bytes->size()));
-        std::printf("%-16s %d lines\n", name, static_cast<int>(text.count(u'\n')));
-        for (const Setup setup : {Setup::PlainText, Setup::QtHighlighter, Setup::Sliced}) {
-            holdInEditor(name, text, setup);
-        }
-    }
+    std::printf("\nThe editor's lexer styling everything once, against classification alone\n");
+    lexerAgainstClassifier("reflection loop", loop, runs, loopClassify);
+    lexerAgainstClassifier("text-heavy", prose, runs, proseClassify);
     return 0;
 }

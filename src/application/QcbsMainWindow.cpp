@@ -167,6 +167,7 @@ void QcbsMainWindow::applyOptions(const QcbsOptions& previous) {
     const QcbsOptions& now = options();
     if (editorPane_ != nullptr && now.line_numbers != previous.line_numbers)
         editorPane_->setShowLineNumbers(now.line_numbers);
+    applyEditorOptions();
     if (now.check_mandatory_items != previous.check_mandatory_items ||
         now.mandatory_items_file != previous.mandatory_items_file)
         loadMandatoryDataItemSettings();
@@ -185,6 +186,21 @@ void QcbsMainWindow::initialiseEditorSettings() {
     if (editorPane_ == nullptr) return;
     editorPane_->setShowLineNumbers(sharedData_->lineNumbers());
     editorPane_->styleUpdate();
+    applyEditorOptions();
+}
+
+void QcbsMainWindow::applyEditorOptions() {
+    QcbsRichTextEdit* editor = currentEditor();
+    if (editor == nullptr) return;
+    const QcbsOptions& now = options();
+    if (editor->foldingEnabled() != now.folding) editor->setFoldingEnabled(now.folding);
+    editor->setDataNameCompletion(now.data_name_completion);
+    if (editor->matchingDelimiters() != now.matching_delimiters)
+        editor->setMatchingDelimiters(now.matching_delimiters);
+    if (editor->rectangularSelection() != now.rectangular_selection)
+        editor->setRectangularSelection(now.rectangular_selection);
+    if (editor->whiteSpaceVisible() != now.show_white_space)
+        editor->setWhiteSpaceVisible(now.show_white_space);
 }
 
 void QcbsMainWindow::loadMandatoryDataItemSettings() {
@@ -365,20 +381,15 @@ void QcbsMainWindow::makeVisConnections() {
 void QcbsMainWindow::makeEditorConnections() {
     QcbsRichTextEdit* editor = currentEditor();
     connect(editor, &QcbsRichTextEdit::cursorLineChanged, this, &QcbsMainWindow::editorLineChanged);
-    connect(editor, &QPlainTextEdit::cursorPositionChanged, this, [this, editor] {
-        int paragraph = 0;
-        int index = 0;
-        editor->getCursorPosition(&paragraph, &index);
-        editorCursorMoved(paragraph, index);
-    });
-    connect(editor, &QPlainTextEdit::textChanged, this, &QcbsMainWindow::editorTextChanged);
-    connect(editor->document(), &QTextDocument::modificationChanged, this, &QcbsMainWindow::statusLineNumber);
+    connect(editor, &QcbsRichTextEdit::cursorPositionChanged, this, &QcbsMainWindow::editorCursorMoved);
+    connect(editor, &QcbsRichTextEdit::textChanged, this, &QcbsMainWindow::editorTextChanged);
+    connect(editor, &QcbsRichTextEdit::modificationChanged, this, &QcbsMainWindow::statusLineNumber);
     connect(editor, &QcbsRichTextEdit::statusBarMessageRequest, this, &QcbsMainWindow::statusBarMessage);
     connect(editor, &QcbsRichTextEdit::requestDataitemHelp, this,
             qOverload<const QString&>(&QcbsMainWindow::dataitemHelp));
     connect(editor, &QcbsRichTextEdit::dropEventRequest, this, &QcbsMainWindow::processDropEvent);
-    connect(editor, &QPlainTextEdit::undoAvailable, this, &QcbsMainWindow::enableUndoRedo);
-    connect(editor, &QPlainTextEdit::redoAvailable, this, &QcbsMainWindow::enableUndoRedo);
+    connect(editor, &QcbsRichTextEdit::undoAvailable, this, &QcbsMainWindow::enableUndoRedo);
+    connect(editor, &QcbsRichTextEdit::redoAvailable, this, &QcbsMainWindow::enableUndoRedo);
     connect(errorList_, &QcbsErrorListView::requestHighlightLine, editor,
             qOverload<int, int, bool>(&QcbsRichTextEdit::setErrorHighlighting));
     connect(this, &QcbsMainWindow::requestGotoLine, editor,
@@ -490,10 +501,8 @@ void QcbsMainWindow::enableAllInstParseTools(bool on) {
 void QcbsMainWindow::enableUndoRedo() {
     const QcbsRichTextEdit* editor = currentEditor();
     const bool on = editorToolsOn_ && editor != nullptr;
-    actions_->action(QcbsMainWindowActions::EditUndo)
-        ->setEnabled(on && editor->document()->isUndoAvailable());
-    actions_->action(QcbsMainWindowActions::EditRedo)
-        ->setEnabled(on && editor->document()->isRedoAvailable());
+    actions_->action(QcbsMainWindowActions::EditUndo)->setEnabled(on && editor->isUndoAvailable());
+    actions_->action(QcbsMainWindowActions::EditRedo)->setEnabled(on && editor->isRedoAvailable());
 }
 
 void QcbsMainWindow::updateCrystalWizard() {
@@ -566,7 +575,7 @@ void QcbsMainWindow::fileCloseRequested() {
     }
     // The last window stays open, with a new document in place of the old.
     const QcbsRichTextEdit* editor = currentEditor();
-    if (editor != nullptr && !editor->isModified() && editor->document()->isEmpty()) return;
+    if (editor != nullptr && !editor->isModified() && editor->byteLength() == 0) return;
     fileNew(true);
 }
 
@@ -680,7 +689,7 @@ void QcbsMainWindow::editInsertTemplate() {
 }
 
 void QcbsMainWindow::editSelectall() {
-    if (QcbsRichTextEdit* editor = currentEditor()) editor->selectAll();
+    if (QcbsRichTextEdit* editor = currentEditor()) editor->selectAll(true);
 }
 
 void QcbsMainWindow::editorInsertTextHelper(const QString& text) { document_->insertText(text); }

@@ -350,6 +350,8 @@ private:
     void makeDocument();
     // Applies changed options to this window.
     void applyOptions(const QcbsOptions& previous);
+    // Gives the editor the options of its own (folding, completion, ...).
+    void applyEditorOptions();
     void updateCrystalWizard();
     void updateCaption();
     void showNotAvailable(const QString& function);

@@ -13,11 +13,13 @@
 #include <QMimeData>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QTimer>
 #include <QUrl>
+#include <memory>
 
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
@@ -38,6 +40,8 @@ namespace {
 
 const char* const kCifFilter = "CIF (*.cif)";
 const char* const kFileFilter = "CIF (*.cif);;All Files (*)";
+// How much of a file is read to judge whether it looks like a CIF.
+constexpr qint64 kProbeBytes = 16 * 1024 * 1024;
 
 void loadLog(const QString& text) { debugLine(1, "QcbsMainWindow::load - " + text); }
 
@@ -140,7 +144,7 @@ bool QcbsMainWindow::isBlank() const {
     QcbsRichTextEdit* editor = currentEditor();
     if (editor == nullptr || !document_->isOpen()) return true;
     return document_->isUntitled() && !document_->isModified() && !document_->isLoading() &&
-           editor->document()->isEmpty();
+           editor->byteLength() == 0;
 }
 
 // --- open and load ---------------------------------------------------------------------
@@ -182,11 +186,13 @@ bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check)
         QMessageBox::information(this, "Information", "That file is already open.");
         return false;
     }
+    // The file goes into the editor a slice at a time; only its start is
+    // read here, to judge whether it looks like a CIF.
     QFile file(filename);
-    QByteArray bytes;
+    QByteArray start;
     bool opened = !QFileInfo(filename).isDir() && file.open(QIODevice::ReadOnly);
     if (opened) {
-        bytes = file.readAll();
+        start = file.read(kProbeBytes);
         opened = file.error() == QFileDevice::NoError;
     }
     if (!opened) {
@@ -198,7 +204,7 @@ bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check)
     loadLog("file opened ok ");
     writeToOutputPane("Reading CIF " + quotedHtml(filename), true);
 
-    const QcbsCoreCifFileValidator::Verdict verdict = QcbsCoreCifFileValidator::examine(bytes);
+    const QcbsCoreCifFileValidator::Verdict verdict = QcbsCoreCifFileValidator::examine(start);
     if (verdict != QcbsCoreCifFileValidator::LooksLikeCif) {
         loadLog("not a CIF: the file " + QcbsCoreCifFileValidator::describe(verdict));
         writeToOutputPane("Warning: " + quotedHtml(filename) + " does not appear to be a valid CIF.", true);
@@ -223,14 +229,18 @@ bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check)
             editor, &QcbsRichTextEdit::textLoaded, this,
             [this, serial, filename, check] { finishLoad(serial, filename, check); },
             Qt::SingleShotConnection);
-        // The line count is known before the text is in: the output pane
-        // gets it first, so that it comes before the check's messages.
-        document_->load(filename, bytes, [this, check](int lines) {
-            document_->setCheckAllowed(check);
+        // The line count comes once the text is in, before the check's messages.
+        const bool loading = document_->loadFile(filename, [this](int lines) {
             loadLog("setting up UI");
             writeToOutputPane("Read " + QString::number(lines) + (lines == 1 ? " line." : " lines."), true);
         });
-        bytes.clear();
+        document_->setCheckAllowed(check);
+        if (!loading) {
+            disconnect(editor, &QcbsRichTextEdit::textLoaded, this, nullptr);
+            loadLog("failed");
+            QMessageBox::critical(this, "Error", "Could not open file " + quoted(filename));
+            return false;
+        }
     }
     if (check && recentFiles != nullptr) recentFiles->addFile(filename);
     enableFileTools(true);
@@ -346,7 +356,27 @@ QString QcbsMainWindow::askSaveFileName(const QString& proposed) {
 
 bool QcbsMainWindow::writeDocument(const QString& filename) {
     bool widened = false;
+    // A big text is written from the worker thread; the window shows how
+    // far it got and takes no input meanwhile.
+    std::unique_ptr<QProgressDialog> progress;
+    if (document_->isLarge()) {
+        progress = std::make_unique<QProgressDialog>("Saving " + QFileInfo(filename).fileName() + " ...",
+                                                     "Cancel", 0, 1000, this);
+        progress->setObjectName("saveprogress");
+        progress->setWindowModality(Qt::WindowModal);
+        progress->setMinimumDuration(0);
+        connect(document_, &QcbsCifDocument::saveProgress, progress.get(),
+                [bar = progress.get()](qint64 done, qint64 all) {
+                    bar->setValue(all > 0 ? static_cast<int>(done * 1000 / all) : 1000);
+                });
+        connect(progress.get(), &QProgressDialog::canceled, document_, &QcbsCifDocument::cancelSave);
+    }
     const QcbsDocumentSaver::Result result = document_->save(filename, sharedData_->saveBackup(), &widened);
+    progress.reset();
+    if (result.cancelled) {
+        statusBarMessage("Saving cancelled; the file is as it was.");
+        return false;
+    }
     if (result.backupFailed)
         QMessageBox::warning(this, "Error",
                              "Could not write backup copy of this file:\n" + result.backupName);
@@ -465,7 +495,7 @@ void QcbsMainWindow::filePrint() {
     dialog.setObjectName("printdialog");
     if (dialog.exec() != QDialog::Accepted) return;
     const WaitCursor wait;
-    const int pages = QcbsDocumentPrinter(title, editor->font()).print(&printer, *editor->document());
+    const int pages = QcbsDocumentPrinter(title, editor->font()).print(&printer, editor->text());
     if (pages == 0)
         statusBarMessage("Could not print " + title);
     else

@@ -93,8 +93,9 @@ void QcbsMainWindow::finishCheck(THandle<Cif> cif, bool showErrors) {
     fillBlocksCombo(cif);
     loadBoxView();
     visSorter_->setDocument(cif);
-    // The error list now matches the text: double-clicks highlight again.
-    currentEditor()->reopenErrorHighlighting();
+    // The error list now matches the text: double-clicks highlight again,
+    // unless the user typed while the check ran on the worker.
+    if (!document_->isLastCheckStale()) currentEditor()->reopenErrorHighlighting();
 }
 
 void QcbsMainWindow::noteLinesAtCheck() {
@@ -121,7 +122,7 @@ void QcbsMainWindow::reparse() {
                 static_cast<Qt::ConnectionType>(Qt::SingleShotConnection | Qt::UniqueConnection));
         return;
     }
-    if (editor->document()->isEmpty()) return;
+    if (editor->byteLength() == 0) return;
     writeToOutputPane("<p> </p>", true);
     writeToOutputPane("Checking CIF ...", true);
     parse();

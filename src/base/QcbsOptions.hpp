@@ -23,6 +23,15 @@ struct QcbsOptions {
     int line_length_limit = 80;  // the reader's long-line warning and the printer's width
     bool consistency_checks = true;
     QcbsContactAuthor contact_author;
+    // The editor: loops, save frames and text fields fold; "_" offers the
+    // dictionaries' data names; the partner of a quote, bracket or text-field
+    // ";" is shown; typing reaches every line of a rectangular selection;
+    // blanks, tabs and line ends are shown.
+    bool folding = true;
+    bool data_name_completion = true;
+    bool matching_delimiters = true;
+    bool rectangular_selection = true;
+    bool show_white_space = false;
 
     bool operator==(const QcbsOptions& other) const = default;
 };

@@ -33,6 +33,11 @@ void QcbsProgramOptions::load() {
     v.contact_author.phone = settings.readEntry("contact phone", QString());
     v.contact_author.fax = settings.readEntry("contact fax", QString());
     v.contact_author.email = settings.readEntry("contact email", QString());
+    v.folding = settings.readBoolEntry("folding", true);
+    v.data_name_completion = settings.readBoolEntry("data name completion", true);
+    v.matching_delimiters = settings.readBoolEntry("matching delimiters", true);
+    v.rectangular_selection = settings.readBoolEntry("rectangular selection", true);
+    v.show_white_space = settings.readBoolEntry("show white space", false);
     setValues(v);
 }
 
@@ -57,4 +62,9 @@ void QcbsProgramOptions::save() const {
     settings.writeEntry("contact phone", v.contact_author.phone);
     settings.writeEntry("contact fax", v.contact_author.fax);
     settings.writeEntry("contact email", v.contact_author.email);
+    settings.writeEntry("folding", v.folding);
+    settings.writeEntry("data name completion", v.data_name_completion);
+    settings.writeEntry("matching delimiters", v.matching_delimiters);
+    settings.writeEntry("rectangular selection", v.rectangular_selection);
+    settings.writeEntry("show white space", v.show_white_space);
 }

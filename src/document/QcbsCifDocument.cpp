@@ -2,30 +2,63 @@
 // The one document of a main window and the edits views and wizards ask for.
 #include "document/QcbsCifDocument.hpp"
 
-#include <QTextBlock>
-#include <QTextCursor>
-#include <QTextDocument>
+#include <QEventLoop>
+#include <QMetaObject>
 #include <algorithm>
 #include <fstream>
 #include <string_view>
 
 #include "cif/CifTextEdits.hpp"
 #include "cif/CifTextLocator.hpp"
-#include "document/QcbsDocumentLines.hpp"
+#include "document/QcbsByteSnapshot.hpp"
+#include "document/QcbsWorkerDictionary.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 
 namespace {
 
-std::string_view view(const QByteArray& bytes) {
-    return std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-}
+const std::string kByteOrderMark = "\xef\xbb\xbf";
 
-std::string utf8(const QString& text) { return text.toStdString(); }
+// Lines as a reader counts them: line ends, one more for a last line
+// without one, none for no bytes.
+int countLines(const QByteArray& bytes) {
+    if (bytes.isEmpty()) return 0;
+    qsizetype ends = bytes.count('\n');
+    for (qsizetype i = bytes.indexOf('\r'); i >= 0; i = bytes.indexOf('\r', i + 1))
+        if (i + 1 >= bytes.size() || bytes[i + 1] != '\n') ++ends;
+    const char last = bytes.back();
+    return static_cast<int>(last == '\n' || last == '\r' ? ends : ends + 1);
+}
 
 }  // namespace
 
+// One check on the worker thread. Made on the event loop's thread; while the
+// worker runs, only the worker touches it; then it comes back whole.
+struct QcbsCifDocument::CheckJob {
+    std::string bytes;
+    THandle<CifDictionary> dictionary;  // a QcbsWorkerDictionary
+    CifCheckSettings settings;
+    THandle<Cif> result;
+    quint64 serial = 0;
+    int lines = 0;
+    unsigned generation = 0;
+};
+
 QcbsCifDocument::QcbsCifDocument(QcbsRichTextEdit* editor, QObject* parent)
-    : QObject(parent), editor_(editor) {}
+    : QObject(parent), editor_(editor) {
+    workers_.setMaxThreadCount(2);  // one check and one save at most
+    connect(editor_, &QcbsRichTextEdit::textLoaded, this, &QcbsCifDocument::finishLoad);
+    connect(editor_, &QcbsRichTextEdit::encodingWidened, this, [this] {
+        encoding_ = QcbsDocumentEncoding(QcbsDocumentEncoding::Utf8);
+        widened_ = true;
+    });
+}
+
+QcbsCifDocument::~QcbsCifDocument() {
+    // A check still running holds a copy of the text, not the document;
+    // its result is dropped.
+    ++checkGeneration_;
+    workers_.waitForDone();
+}
 
 // --- the document ----------------------------------------------------------------------
 
@@ -36,39 +69,61 @@ void QcbsCifDocument::setFileName(const QString& name) {
     emit fileNameChanged(name);
 }
 
+QString QcbsCifDocument::lineEnd() const { return editor_->lineEnd(); }
+
+bool QcbsCifDocument::hasFinalLineEnd() const {
+    const int length = editor_->byteLength();
+    if (length == 0 || newDocument_) return true;
+    const char last = editor_->byteView(length - 1, 1)[0];
+    return last == '\n' || last == '\r';
+}
+
 bool QcbsCifDocument::isModified() const { return editor_->isModified(); }
 
 void QcbsCifDocument::setModified(bool modified) { editor_->setModified(modified); }
 
 bool QcbsCifDocument::isLoading() const { return editor_->isLoading(); }
 
-int QcbsCifDocument::lineCount() const { return editor_->lines(); }
+int QcbsCifDocument::lineCount() const {
+    const int lines = editor_->lines();
+    const int length = editor_->byteLength();
+    if (length == 0) return lines;
+    const char last = editor_->byteView(length - 1, 1)[0];
+    return last == '\n' || last == '\r' ? lines - 1 : lines;
+}
+
+qint64 QcbsCifDocument::byteCount() const {
+    return editor_->byteLength() + (encoding_.hasByteOrderMark() ? 3 : 0);
+}
 
 void QcbsCifDocument::open(const QString& name) {
     encoding_ = QcbsDocumentEncoding();
-    lineEnd_ = "\n";
-    finalLineEnd_ = true;
+    widened_ = false;
+    newDocument_ = true;
     lastCheck_ = THandle<Cif>();
     checked_ = false;
     linesAtCheck_ = -1;
     checkAllowed_ = true;
+    ++checkGeneration_;
+    checkWaiting_ = false;
+    delete snapshot_;
+    snapshot_ = nullptr;
     setFileName(name);
 }
 
 void QcbsCifDocument::close() {
     if (editor_->isLoading())
-        editor_->loadText(QString());
+        editor_->loadBytes(QByteArray());
     else
-        editor_->clear();  // also forgets the undo history
+        editor_->setPlainText(QString());  // also forgets the undo history
+    editor_->setUtf8(true);
+    editor_->SendScintilla(QsciScintillaBase::SCI_SETEOLMODE, QsciScintillaBase::SC_EOL_LF);
     editor_->clearErrorHighlighting();
     editor_->setModified(false);
+    open(QString());
     open_ = false;
     fileName_.clear();
-    encoding_ = QcbsDocumentEncoding();
-    lastCheck_ = THandle<Cif>();
-    checked_ = false;
-    linesAtCheck_ = -1;
-    checkAllowed_ = true;
+    lineCount_ = {};
     emit fileNameChanged(QString());
 }
 
@@ -76,49 +131,198 @@ void QcbsCifDocument::close() {
 
 void QcbsCifDocument::load(const QString& name, const QByteArray& bytes,
                            const std::function<void(int)>& lineCount) {
-    QString text;
-    const QcbsDocumentEncoding encoding = QcbsDocumentEncoding::detect(bytes, &text);
-    QcbsDocumentLines::Read read = QcbsDocumentLines::fromFileText(std::move(text));
     open(name);
-    encoding_ = encoding;
-    lineEnd_ = read.lineEnd;
-    finalLineEnd_ = read.finalLineEnd;
-    if (lineCount) lineCount(read.lines);
-    editor_->loadText(read.text);
+    newDocument_ = false;
+    // The count is known before the text goes in.
+    if (lineCount) lineCount(countLines(bytes));
+    lineCount_ = {};
+    editor_->loadBytes(bytes);
+}
+
+bool QcbsCifDocument::loadFile(const QString& name, const std::function<void(int)>& lineCount) {
+    open(name);
+    newDocument_ = false;
+    lineCount_ = lineCount;
+    if (editor_->loadFile(name)) return true;
+    lineCount_ = {};
+    return false;
+}
+
+void QcbsCifDocument::finishLoad() {
+    newDocument_ = false;
+    encoding_ = QcbsDocumentEncoding(
+        editor_->isUtf8Text() ? QcbsDocumentEncoding::Utf8 : QcbsDocumentEncoding::Latin1,
+        editor_->loadedWithByteOrderMark());
+    widened_ = false;
+    if (lineCount_) {
+        const auto tell = std::exchange(lineCount_, {});
+        // Scintilla counts a last empty line after a final line end; a reader does not.
+        const int lines = editor_->byteLength() == 0 ? 0 : editor_->lines() - (hasFinalLineEnd() ? 1 : 0);
+        tell(lines);
+    }
+}
+
+std::string QcbsCifDocument::prefix() const {
+    return encoding_.hasByteOrderMark() ? kByteOrderMark : std::string();
+}
+
+void QcbsCifDocument::finishText(std::string& bytes) const {
+    if (!newDocument_ || bytes.size() <= prefix().size()) return;
+    if (bytes.back() != '\n' && bytes.back() != '\r') bytes += lineEnd().toStdString();
 }
 
 QByteArray QcbsCifDocument::fileBytes() const {
-    const QString text = QcbsDocumentLines::toFileText(*editor_->document(), lineEnd_, finalLineEnd_);
-    // A character Latin-1 cannot hold is never dropped: such a text is UTF-8.
-    if (!encoding_.canEncode(text)) return QcbsDocumentEncoding(QcbsDocumentEncoding::Utf8).encode(text);
-    return encoding_.encode(text);
+    std::string bytes = prefix();
+    bytes.append(editor_->byteView());
+    finishText(bytes);
+    return QByteArray::fromStdString(bytes);
 }
 
 QcbsDocumentSaver::Result QcbsCifDocument::save(const QString& name, bool backup, bool* widened) {
-    const QString text = QcbsDocumentLines::toFileText(*editor_->document(), lineEnd_, finalLineEnd_);
-    QcbsDocumentEncoding encoding = encoding_;
-    const bool wider = !encoding.canEncode(text);
-    if (wider) encoding = QcbsDocumentEncoding(QcbsDocumentEncoding::Utf8);
-    if (widened != nullptr) *widened = wider;
-    QcbsDocumentSaver::Result result = QcbsDocumentSaver::save(name, encoding.encode(text), backup);
+    quint64 serial = editor_->editSerial();
+    QcbsDocumentSaver::Result result;
+    if (isLarge()) {
+        result = saveInBackground(name, backup, &serial);
+    } else {
+        const std::string_view text = editor_->byteView();
+        if (prefix().empty() && !newDocument_) {
+            result = QcbsDocumentSaver::save(
+                name, QByteArrayView(text.data(), static_cast<qsizetype>(text.size())), backup);
+        } else {
+            result = QcbsDocumentSaver::save(name, fileBytes(), backup);
+        }
+    }
+    if (widened != nullptr) *widened = result.saved && widened_;
     if (!result.saved) return result;
-    encoding_ = encoding;
+    widened_ = false;
     setFileName(name);
-    editor_->setModified(false);
+    // What the user typed while a big text was written is not in the file.
+    if (serial == editor_->editSerial()) editor_->setModified(false);
+    return result;
+}
+
+QcbsDocumentSaver::Result QcbsCifDocument::saveInBackground(const QString& name, bool backup,
+                                                            quint64* serial) {
+    QcbsDocumentSaver::Result result;
+    QEventLoop loop;
+    cancelSave_ = false;
+    const qint64 total = byteCount();
+    emit saveProgress(0, total);
+    QcbsByteSnapshot snapshot(editor_, prefix());
+    connect(&snapshot, &QcbsByteSnapshot::done, this, [&] {
+        *serial = snapshot.editSerial();
+        auto bytes = std::make_shared<std::string>(std::move(snapshot.bytes()));
+        finishText(*bytes);
+        workers_.start([this, bytes, name, backup, &result, &loop] {
+            const auto progress = [this](qint64 written, qint64 all) {
+                QMetaObject::invokeMethod(
+                    this, [this, written, all] { emit saveProgress(written, all); }, Qt::QueuedConnection);
+                return !cancelSave_.load();
+            };
+            const QcbsDocumentSaver::Result saved = QcbsDocumentSaver::save(
+                name, QByteArrayView(bytes->data(), static_cast<qsizetype>(bytes->size())), backup, progress);
+            // The waiting loop is this thread's to wake; the result goes to it.
+            QMetaObject::invokeMethod(
+                this,
+                [&result, &loop, saved] {
+                    result = saved;
+                    loop.quit();
+                },
+                Qt::QueuedConnection);
+        });
+    });
+    snapshot.start();
+    loop.exec();
+    emit saveProgress(total, total);
     return result;
 }
 
 // --- checking --------------------------------------------------------------------------
 
 THandle<Cif> QcbsCifDocument::check() {
-    const QByteArray bytes = fileBytes();
+    if (isLarge()) {
+        startBackgroundCheck();
+        return THandle<Cif>();
+    }
+    // A newer check: whatever runs on the worker is out of date.
+    ++checkGeneration_;
+    checkWaiting_ = false;
+    delete snapshot_;
+    snapshot_ = nullptr;
+    std::string bytes = prefix();
+    bytes.append(editor_->byteView());
+    finishText(bytes);
     const CifDocumentCheck source = checkSource_ ? checkSource_() : CifDocumentCheck();
-    lastCheck_ = source.run(bytes.toStdString());
+    lastCheck_ = source.run(std::move(bytes));
+    lastCheckSerial_ = editor_->editSerial();
     checked_ = true;
     noteLinesAtCheck();
     emit checked(lastCheck_);
     return lastCheck_;
 }
+
+void QcbsCifDocument::startBackgroundCheck() {
+    ++checkGeneration_;
+    if (checkRunning_) {
+        // The one running is dropped when it comes back; this one follows.
+        checkWaiting_ = true;
+        return;
+    }
+    takeSnapshot();
+}
+
+void QcbsCifDocument::takeSnapshot() {
+    delete snapshot_;
+    snapshot_ = new QcbsByteSnapshot(editor_, prefix(), this);
+    connect(snapshot_, &QcbsByteSnapshot::done, this, &QcbsCifDocument::submitCheck, Qt::QueuedConnection);
+    snapshot_->start();
+}
+
+void QcbsCifDocument::submitCheck() {
+    if (snapshot_ == nullptr || !snapshot_->isDone()) return;
+    auto job = std::make_shared<CheckJob>();
+    job->bytes = std::move(snapshot_->bytes());
+    finishText(job->bytes);
+    job->serial = snapshot_->editSerial();
+    job->lines = editor_->lines();
+    job->generation = checkGeneration_;
+    snapshot_->deleteLater();
+    snapshot_ = nullptr;
+    const CifDocumentCheck source = checkSource_ ? checkSource_() : CifDocumentCheck();
+    job->dictionary = QcbsWorkerDictionary::forWorker(source.dictionary());
+    job->settings = source.settings();
+    checkRunning_ = true;
+    workers_.start([this, job]() mutable {
+        // Only this thread touches the job until it goes back.
+        std::shared_ptr<CheckJob> mine = std::move(job);
+        {
+            const CifDocumentCheck check(mine->dictionary, mine->settings);
+            mine->result = check.run(std::move(mine->bytes));
+        }
+        // Handed over whole: nothing of it stays with this thread.
+        QMetaObject::invokeMethod(
+            this, [this, back = std::move(mine)] { finishBackgroundCheck(back); }, Qt::QueuedConnection);
+    });
+}
+
+void QcbsCifDocument::finishBackgroundCheck(const std::shared_ptr<CheckJob>& job) {
+    checkRunning_ = false;
+    if (job->generation != checkGeneration_) {
+        // A newer check was asked for meanwhile.
+        if (checkWaiting_) {
+            checkWaiting_ = false;
+            takeSnapshot();
+        }
+        return;
+    }
+    lastCheck_ = job->result;
+    lastCheckSerial_ = job->serial;
+    checked_ = true;
+    linesAtCheck_ = job->lines;
+    emit checked(lastCheck_);
+}
+
+bool QcbsCifDocument::isLastCheckStale() const { return lastCheckSerial_ != editor_->editSerial(); }
 
 THandle<Cif> QcbsCifDocument::checkFile(const std::string& filename) {
     // A file that cannot be opened reads as an empty stream.
@@ -133,75 +337,52 @@ void QcbsCifDocument::noteLinesAtCheck() { linesAtCheck_ = editor_->lines(); }
 
 // --- edits -----------------------------------------------------------------------------
 
-QByteArray QcbsCifDocument::editorUtf8() const {
-    // Raw text separates the lines by U+2029 and keeps every other
-    // character as typed (a no-break space stays one).
-    QString text = editor_->document()->toRawText();
-    text.replace(QChar::ParagraphSeparator, u'\n');
-    return text.toUtf8();
-}
-
-int QcbsCifDocument::position(const QByteArray& utf8, std::size_t offset) const {
-    const std::string_view text = view(utf8).substr(0, offset);
-    const auto line = static_cast<int>(std::count(text.begin(), text.end(), '\n'));
-    const std::size_t lineStart = line == 0 ? 0 : text.rfind('\n') + 1;
-    const QTextBlock block = editor_->document()->findBlockByNumber(line);
-    return block.position() +
-           static_cast<int>(
-               QString::fromUtf8(text.data() + lineStart, static_cast<qsizetype>(offset - lineStart)).size());
-}
-
-void QcbsCifDocument::placeCursor(int position) {
-    QTextCursor cursor(editor_->document());
-    cursor.setPosition(position);
-    editor_->setTextCursor(cursor);
-    editor_->centerCursor();
+std::string QcbsCifDocument::encoded(const QString& text) const {
+    return editor_->isUtf8Text() ? text.toStdString() : text.toLatin1().toStdString();
 }
 
 bool QcbsCifDocument::edit(const EditMaker& make) {
     if (!open_ || isLoading()) return false;
-    const QByteArray text = editorUtf8();
-    const std::optional<CifTextEdit> change = make(CifTextLocator(view(text)));
+    // Offsets into the editor's bytes are its positions.
+    const std::optional<CifTextEdit> change = make(CifTextLocator(editor_->byteView()));
     if (!change) return false;
-    const int begin = position(text, change->begin);
-    const int end = position(text, change->end);
-    QTextCursor cursor(editor_->document());
-    cursor.beginEditBlock();
-    cursor.setPosition(begin);
-    cursor.setPosition(end, QTextCursor::KeepAnchor);
-    cursor.insertText(QString::fromUtf8(change->text.data(), static_cast<qsizetype>(change->text.size())));
-    cursor.endEditBlock();
-    placeCursor(begin);
+    editor_->replaceBytes(static_cast<int>(change->begin), static_cast<int>(change->end), change->text);
+    editor_->placeCursor(static_cast<int>(change->begin));
     check();
     return true;
 }
 
 bool QcbsCifDocument::setItemValue(const QString& block, const QString& dataName, const QString& itemText) {
-    return edit([&](const CifTextLocator& text) {
-        return cif_item_edit(text, utf8(block), utf8(dataName), utf8(itemText));
+    // The new text first: a text Latin-1 cannot hold makes the document UTF-8.
+    const std::string text = editor_->encodeText(itemText).toStdString();
+    return edit([&](const CifTextLocator& locator) {
+        return cif_item_edit(locator, encoded(block), encoded(dataName), text);
     });
 }
 
 bool QcbsCifDocument::replaceBlock(const QString& block, const QString& blockText) {
-    return edit(
-        [&](const CifTextLocator& text) { return cif_block_edit(text, utf8(block), utf8(blockText)); });
+    const std::string text = editor_->encodeText(blockText).toStdString();
+    return edit([&](const CifTextLocator& locator) { return cif_block_edit(locator, encoded(block), text); });
 }
 
 bool QcbsCifDocument::addBlock(const QString& blockText, const QString& beforeBlock) {
-    return edit([&](const CifTextLocator& text) {
-        return std::optional<CifTextEdit>(cif_new_block_edit(text, utf8(blockText), utf8(beforeBlock)));
+    const std::string text = editor_->encodeText(blockText).toStdString();
+    return edit([&](const CifTextLocator& locator) {
+        return std::optional<CifTextEdit>(cif_new_block_edit(locator, text, encoded(beforeBlock)));
     });
 }
 
 bool QcbsCifDocument::replaceLoop(const QString& block, const QString& loopMaster, const QString& loopText) {
-    return edit([&](const CifTextLocator& text) {
-        return cif_loop_edit(text, utf8(block), utf8(loopMaster), utf8(loopText));
+    const std::string text = editor_->encodeText(loopText).toStdString();
+    return edit([&](const CifTextLocator& locator) {
+        return cif_loop_edit(locator, encoded(block), encoded(loopMaster), text);
     });
 }
 
 bool QcbsCifDocument::addLoop(const QString& block, const QString& loopText) {
+    const std::string text = editor_->encodeText(loopText).toStdString();
     return edit(
-        [&](const CifTextLocator& text) { return cif_new_loop_edit(text, utf8(block), utf8(loopText)); });
+        [&](const CifTextLocator& locator) { return cif_new_loop_edit(locator, encoded(block), text); });
 }
 
 void QcbsCifDocument::insertText(const QString& text) {
@@ -212,32 +393,36 @@ void QcbsCifDocument::insertText(const QString& text) {
 
 bool QcbsCifDocument::goToItem(const QString& dataName, int fromLine) {
     if (!open_ || isLoading()) return false;
-    const QByteArray text = editorUtf8();
-    // The byte where the line starts.
-    std::size_t from = 0;
-    for (int line = 1; line < fromLine && from < static_cast<std::size_t>(text.size()); ++line) {
-        const qsizetype next = text.indexOf('\n', static_cast<qsizetype>(from));
-        if (next < 0) break;
-        from = static_cast<std::size_t>(next) + 1;
-    }
-    const CifTextLocator locator(view(text));
-    const std::optional<CifTextSpan> found = locator.name(locator.block_at(from), utf8(dataName), from);
+    const int lines = editor_->lines();
+    const std::size_t from =
+        fromLine <= 1 ? 0
+                      : static_cast<std::size_t>(editor_->SendScintilla(
+                            QsciScintillaBase::SCI_POSITIONFROMLINE, std::min(fromLine - 1, lines - 1)));
+    const CifTextLocator locator(editor_->byteView());
+    const std::optional<CifTextSpan> found = locator.name(locator.block_at(from), encoded(dataName), from);
     if (!found) return false;
-    placeCursor(position(text, found->begin));
+    editor_->placeCursor(static_cast<int>(found->begin));
     return true;
 }
 
 bool QcbsCifDocument::goToBlock(const QString& name) {
     if (!open_ || isLoading()) return false;
-    const QByteArray text = editorUtf8();
-    const std::optional<CifTextSpan> found = CifTextLocator(view(text)).block(utf8(name));
+    const std::optional<CifTextSpan> found = CifTextLocator(editor_->byteView()).block(encoded(name));
     if (!found) return false;
-    placeCursor(position(text, found->begin));
+    editor_->placeCursor(static_cast<int>(found->begin));
     return true;
 }
 
 int QcbsCifDocument::firstLineOf(const QString& text) const {
     if (text.isEmpty()) return -1;
-    const QTextCursor found = editor_->document()->find(text, 0);
-    return found.isNull() ? -1 : found.blockNumber() + 1;
+    const std::string needle = encoded(text);
+    const std::string_view haystack = editor_->byteView();
+    // Data names are ASCII: compared without regard to ASCII case.
+    const auto found =
+        std::search(haystack.begin(), haystack.end(), needle.begin(), needle.end(), [](char a, char b) {
+            return (a >= 'A' && a <= 'Z' ? a + 32 : a) == (b >= 'A' && b <= 'Z' ? b + 32 : b);
+        });
+    if (found == haystack.end()) return -1;
+    const auto position = static_cast<unsigned long>(found - haystack.begin());
+    return static_cast<int>(editor_->SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, position)) + 1;
 }

@@ -5,8 +5,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPrinter>
-#include <QTextBlock>
-#include <QTextDocument>
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace {
@@ -48,19 +47,15 @@ void appendRows(const QString& line, const QFontMetricsF& metrics, qreal width, 
 
 }  // namespace
 
-QStringList QcbsDocumentPrinter::rows(const QTextDocument& document, QPaintDevice* device,
-                                      qreal width) const {
+QStringList QcbsDocumentPrinter::rows(const QString& text, QPaintDevice* device, qreal width) const {
     const QFontMetricsF metrics(font_, device);
     QStringList rows;
-    for (QTextBlock block = document.firstBlock(); block.isValid(); block = block.next()) {
-        QString text = block.text();
-        text.replace(QChar::LineSeparator, u'\n');
-        for (const QString& line : text.split(u'\n')) appendRows(expandTabs(line), metrics, width, rows);
-    }
+    static const QRegularExpression lineEnd("\r\n|\r|\n");
+    for (const QString& line : text.split(lineEnd)) appendRows(expandTabs(line), metrics, width, rows);
     return rows;
 }
 
-int QcbsDocumentPrinter::print(QPrinter* printer, const QTextDocument& document) const {
+int QcbsDocumentPrinter::print(QPrinter* printer, const QString& document) const {
     QPainter painter;
     if (!painter.begin(printer)) return 0;
 

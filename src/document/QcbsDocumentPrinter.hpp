@@ -9,7 +9,6 @@
 
 class QPaintDevice;
 class QPrinter;
-class QTextDocument;
 
 // Prints a document's text as it stands in the editor: the editor's font,
 // lines that do not fit the page width continued on the next printed row,
@@ -21,12 +20,13 @@ public:
 
     // Prints the pages the printer asks for (all, or its from/to range) and
     // returns how many were printed; 0 when the printer could not start.
-    int print(QPrinter* printer, const QTextDocument& document) const;
+    int print(QPrinter* printer, const QString& document) const;
 
     // The printed rows of the text for a page `width` pixels wide in the
     // font's metrics on `device`: tabs expanded to every eighth column, and a
     // line too long for the width broken into several rows.
-    QStringList rows(const QTextDocument& document, QPaintDevice* device, qreal width) const;
+    // Every line end (LF, CRLF, CR) starts a line.
+    QStringList rows(const QString& text, QPaintDevice* device, qreal width) const;
 
     static QString pageText(int page, int pages) {
         return "Page " + QString::number(page) + " of " + QString::number(pages);

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -27,12 +28,32 @@ void syncDirectory(const QString& fileName) {
     ::close(fd);
 }
 
-bool writeAll(QSaveFile& file, const QByteArray& bytes, QString& error) {
+// Big texts go out in pieces, so that the progress can be told and the
+// write stopped.
+constexpr qsizetype kPiece = 8 * 1024 * 1024;
+
+bool writeAll(QSaveFile& file, QByteArrayView bytes, const QcbsDocumentSaver::Progress& progress,
+              QString& error, bool& cancelled) {
     if (!file.open(QIODevice::WriteOnly)) {
         error = file.errorString();
         return false;
     }
-    if (file.write(bytes) != bytes.size() || !file.flush()) {
+    for (qsizetype written = 0; written < bytes.size();) {
+        const qsizetype piece = std::min(kPiece, bytes.size() - written);
+        if (file.write(bytes.data() + written, piece) != piece) {
+            error = file.errorString();
+            file.cancelWriting();
+            return false;
+        }
+        written += piece;
+        if (progress && !progress(written, bytes.size())) {
+            error = "cancelled";
+            cancelled = true;
+            file.cancelWriting();
+            return false;
+        }
+    }
+    if (!file.flush()) {
         error = file.errorString();
         file.cancelWriting();
         return false;
@@ -57,8 +78,8 @@ QString QcbsDocumentSaver::backupName(const QString& fileName) {
     return fileName.left(dot) + "_backup" + fileName.mid(dot);
 }
 
-QcbsDocumentSaver::Result QcbsDocumentSaver::save(const QString& fileName, const QByteArray& bytes,
-                                                  bool backup) {
+QcbsDocumentSaver::Result QcbsDocumentSaver::save(const QString& fileName, QByteArrayView bytes, bool backup,
+                                                  const Progress& progress) {
     Result result;
     bool movedToBackup = false;
     QFile::Permissions permissions;
@@ -70,7 +91,7 @@ QcbsDocumentSaver::Result QcbsDocumentSaver::save(const QString& fileName, const
     }
 
     QSaveFile file(fileName);
-    result.saved = writeAll(file, bytes, result.error);
+    result.saved = writeAll(file, bytes, progress, result.error, result.cancelled);
     if (!result.saved) {
         // The old content goes back to its name; should that fail too, it
         // is still whole at the backup name.

@@ -2,8 +2,9 @@
 // Writes a document's bytes over its file through a synced temporary file, with a backup.
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
+#include <functional>
 
 // Writes a document's bytes over its file so that no failure of the disk can
 // cost the old content: the bytes go to a temporary file in the same
@@ -20,9 +21,15 @@ public:
         // backupName; the save itself went on.
         bool backupFailed = false;
         QString backupName;
+        // The write was stopped by the progress function.
+        bool cancelled = false;
         // Why the write failed, for the log.
         QString error;
     };
+
+    // Told how many bytes are written of how many; returning false stops
+    // the write, and the old content stays. May be called on any thread.
+    using Progress = std::function<bool(qint64 written, qint64 total)>;
 
     // The whole path with "_backup" inserted before the first "." at index 1
     // or later, so that a dot in a directory name takes it
@@ -30,5 +37,7 @@ public:
     // "_backup" at its end.
     static QString backupName(const QString& fileName);
 
-    static Result save(const QString& fileName, const QByteArray& bytes, bool backup);
+    // Safe on a worker thread: it touches nothing but the file system.
+    static Result save(const QString& fileName, QByteArrayView bytes, bool backup,
+                       const Progress& progress = {});
 };

@@ -140,14 +140,6 @@ std::pair<QFont, QColor> QcbsFontStyleSettings::highlightStyle(SyntaxStyle style
     return {font, settings.color};
 }
 
-QTextCharFormat QcbsFontStyleSettings::textFormat(SyntaxStyle style) const {
-    const auto [font, color] = highlightStyle(style);
-    QTextCharFormat format;
-    format.setFont(font);
-    format.setForeground(color);
-    return format;
-}
-
 void QcbsFontStyleSettings::loadSettings() {
     ORMAApplicationSettings settings;
     for (int style = 0; validSyntaxStyle(style); ++style) {

@@ -5,7 +5,6 @@
 #include <QColor>
 #include <QFont>
 #include <QString>
-#include <QTextCharFormat>
 #include <map>
 #include <ostream>
 #include <utility>
@@ -86,8 +85,6 @@ public:
     // The font and colour of a style: the base font with the style's weight,
     // slant and underline; SpecialCharSymbol uses the family "Symbol".
     std::pair<QFont, QColor> highlightStyle(SyntaxStyle style) const;
-    // highlightStyle() as one character format, for the highlighter's cache.
-    QTextCharFormat textFormat(SyntaxStyle style) const;
     // The font of the whole editor: that of the Standard style.
     QFont editorFont() const { return highlightStyle(Standard).first; }
 

@@ -3,56 +3,53 @@
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 
 #include <QHBoxLayout>
+#include <algorithm>
 
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsLineNumberView.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
+
+namespace {
+
+constexpr int kSmallestPointSize = 4;
+
+}  // namespace
 
 QcbsLineNumberedTextEdit::QcbsLineNumberedTextEdit(THandle<CifDictionary> dictionary, const char* name,
                                                    THandle<QcbsFontStyleSettings> styles,
                                                    bool showLineNumbers, QWidget* parent)
     : QWidget(parent), styles_(styles) {
     editor_ = new QcbsRichTextEdit(dictionary, styles, this, name);
-    margin_ = new QcbsLineNumberView(this, editor_);
+    margin_ = new QcbsLineNumberView(editor_);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(margin_);
     layout->addWidget(editor_);
     setFocusProxy(editor_);
 
-    connect(editor_, &QcbsRichTextEdit::contentsMoving, margin_, &QcbsLineNumberView::setContentsPos);
     connect(editor_, &QcbsRichTextEdit::numberOfLinesChanged, margin_, &QcbsLineNumberView::setNumberOfLines);
-    // Lines that move without a scroll (a line inserted above, a new
-    // layout) repaint their band of the margin.
-    connect(editor_, &QPlainTextEdit::updateRequest, margin_, [this](const QRect& rect, int dy) {
-        if (dy == 0) margin_->update(0, rect.y(), margin_->width(), rect.height());
-    });
+    connect(editor_, &QcbsRichTextEdit::zoomRequested, this, &QcbsLineNumberedTextEdit::zoom);
 
     if (styles_) margin_->setFont(styles_->editorFont());
     margin_->setNumberOfLines(editor_->paragraphs());
+    showLineNumbers_ = !showLineNumbers;
     setShowLineNumbers(showLineNumbers);
 }
 
 void QcbsLineNumberedTextEdit::setShowLineNumbers(bool show) {
     if (show == showLineNumbers_) return;
     showLineNumbers_ = show;
-    if (show) {
-        margin_->setContentsPos(editor_->contentsX(), editor_->contentsY());
-        margin_->show();
-    } else {
-        margin_->hide();
-    }
+    margin_->setVisible(show);
 }
 
-void QcbsLineNumberedTextEdit::zoomIn() {
-    editor_->zoomIn(1);
-    updateStoredFont();
-    styleUpdate();
-}
+void QcbsLineNumberedTextEdit::zoomIn() { zoom(1); }
 
-void QcbsLineNumberedTextEdit::zoomOut() {
-    editor_->zoomOut(1);
+void QcbsLineNumberedTextEdit::zoomOut() { zoom(-1); }
+
+void QcbsLineNumberedTextEdit::zoom(int steps) {
+    QFont font = editor_->font();
+    font.setPointSize(std::max(kSmallestPointSize, font.pointSize() + steps));
+    editor_->QWidget::setFont(font);
     updateStoredFont();
     styleUpdate();
 }

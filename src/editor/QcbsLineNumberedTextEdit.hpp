@@ -12,8 +12,9 @@ class QcbsLineNumberView;
 class QcbsRichTextEdit;
 
 // The document area of a main window: a CIF editor with its line-number
-// margin on the left, kept in step with the editor's scrolling and line
-// count. Zooming the editor changes the shared base font of all editors.
+// margin on the left, kept as wide as the line count needs. Zooming the
+// editor (the zoom actions, Ctrl and the wheel) changes the shared base font
+// of all editors.
 class QcbsLineNumberedTextEdit : public QWidget {
     Q_OBJECT
 public:
@@ -39,8 +40,10 @@ public slots:
     void styleUpdate();
 
 private:
+    void zoom(int steps);
+
     bool showLineNumbers_ = true;
-    QcbsLineNumberView* margin_;
     QcbsRichTextEdit* editor_;
+    QcbsLineNumberView* margin_;
     THandle<QcbsFontStyleSettings> styles_;
 };

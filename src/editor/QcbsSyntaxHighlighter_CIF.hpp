@@ -1,112 +1,120 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Colours the CIF text of an editor line by line through the line classifier.
+// Colours an editor's CIF text line by line through the line classifier: a Scintilla lexer.
 #pragma once
 
+#include <Qsci/qscilexercustom.h>
+
 #include <QColor>
+#include <QElapsedTimer>
 #include <QFont>
 #include <QString>
-#include <QSyntaxHighlighter>
-#include <QTextCharFormat>
-#include <map>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "editor/QcbsCifLineClassifier.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
 #include "support/THandle.hpp"
 
 class CifDictionary;
-class QPlainTextEdit;
-class QTextDocument;
-class QcbsHighlightScheduler;
 
-// Colours the CIF text of an editor. Each line is classified by
-// QcbsCifLineClassifier (Qt hands a block's text without its line end, which
-// counts as a separator, so a block header or loop_ alone on its line is
-// recognised and a lone ";" opens a text field); this class turns the styles
-// into one setFormat per run of equal style, from formats built once per
-// style, and hands the packed line state to the next line through
-// QTextBlock::userState.
+// Colours the CIF text of an editor: a Scintilla lexer whose twelve styles are
+// the syntax styles of QcbsFontStyleSettings. Scintilla asks for the lines it
+// is about to show (and, in idle time, for the rest); each line is classified
+// by QcbsCifLineClassifier (its line end counts as a separator, so a block
+// header or loop_ alone on its line is recognised and a lone ";" opens a text
+// field), its bytes get the styles of their characters, and the state it ends
+// in (text field, quoted string, markup, and the loop or save frame it lies
+// in) is kept as the line's state for the line below. Loops, save frames and
+// text fields become fold points.
 //
-// Huge documents. QSyntaxHighlighter highlights synchronously: every block an
-// edit touches, and then every following block for as long as the state a
-// block ends in changes. On a million-line file that freezes the window for
-// seconds. An editor therefore gives the highlighter a QcbsHighlightScheduler
-// (the QPlainTextEdit constructor does so): the scheduler lets each pass run
-// for a few milliseconds only; the blocks it refuses keep their look and
-// state, and the scheduler highlights them in later slices of the event loop,
-// the visible lines first. Without a scheduler the highlighter behaves like a
-// plain QSyntaxHighlighter.
-//
-// How an editor must use it:
-// - Create it with the QPlainTextEdit constructor while the document is
-//   still empty (in initialise): attaching to a non-empty document makes Qt
-//   highlight the whole document in one pass at the next turn of the loop.
-// - Put large texts in with QcbsSlicedTextLoader, not setPlainText(), which
-//   alone blocks for seconds on a million lines, and read the text (parse,
-//   save) only after the loader's finished().
-// - After a change of styles: updateStyles(), then rehighlightInSlices();
-//   after a change of dictionary: setDictionary(), then
-//   rehighlightInSlices(). Never setPlainText() the same text again to
-//   re-highlight, never rehighlight() a large document, and never replace
-//   the highlighter of one.
-// - Slices change no text: they emit no textChanged() and leave the
-//   modified flag and the undo history alone.
-class QcbsSyntaxHighlighter_CIF : public QSyntaxHighlighter {
+// Work follows what changed. After an edit Scintilla asks again from the
+// edited line; once a line below the edit ends in the state it ended in
+// before, the lines after it are known to look as they did, and styling
+// jumps past them to where it had got before the edit. When the view shows
+// lines far beyond the styled part (a jump to the end of a big file),
+// Scintilla styles a bounded slice and leaves the rest for idle time; the
+// lines in view are then coloured at once from the state the line above them
+// holds, and put right when the styling from the top reaches them.
+class QcbsSyntaxHighlighter_CIF : public QsciLexerCustom {
     Q_OBJECT
 
 public:
     using SyntaxStyle = QcbsFontStyleSettings::SyntaxStyle;
 
-    // Attaches to the editor's document and highlights it in slices.
+    // The packed state a line starts from when there is no line above.
+    static constexpr int FreshState = -1;
+
     QcbsSyntaxHighlighter_CIF(THandle<CifDictionary> dictionary, THandle<QcbsFontStyleSettings> styles,
-                              QPlainTextEdit* editor);
-    // Attaches to a document and highlights every change at once (until a
-    // scheduler is attached).
-    QcbsSyntaxHighlighter_CIF(THandle<CifDictionary> dictionary, THandle<QcbsFontStyleSettings> styles,
-                              QTextDocument* document);
+                              QObject* parent = nullptr);
     ~QcbsSyntaxHighlighter_CIF() override;
 
-    // Rebuilds the format of every style from the style settings. The owner
-    // re-highlights afterwards.
+    // QsciLexer: the styles' names, fonts and colours.
+    const char* language() const override { return "CIF"; }
+    QString description(int style) const override;
+    QColor defaultColor(int style) const override;
+    QFont defaultFont(int style) const override;
+    QColor defaultPaper(int style) const override;
+    // Styles whole lines from the line holding `start` to the line holding `end` - 1.
+    void styleText(int start, int end) override;
+
+    // Takes the fonts and colours of the style settings; the editor shows them at once.
     void updateStyles();
-
-    // Styles one line that follows a line which ended in endStateOfLastPara
-    // (-1 or -2: none) and returns the state it ends in.
-    int highlightParagraph(const QString& text, int endStateOfLastPara);
-
-    // Gives buffer entries from start the style.
-    void setStyle(int start, int count, SyntaxStyle style) { classifier_.setStyle(start, count, style); }
-    // Formats the line run by run.
-    void applyLineStyles();
-    void applyStyle(unsigned start, unsigned count, SyntaxStyle style);
-
     // The font and colour of a style, straight from the style settings.
     std::pair<QFont, QColor> format(SyntaxStyle style) const;
     static bool isKeyword(const QString& word) { return QcbsCifLineClassifier::isKeyword(word); }
 
     // Data names are looked up in this dictionary from now on (null: every
-    // data name is custom). Re-highlighting is up to the owner.
+    // data name is custom); the text is coloured again, the lines in view first.
     void setDictionary(THandle<CifDictionary> dictionary);
     const THandle<CifDictionary>& dictionary() const { return dictionary_; }
 
-    // Highlights every block again: in slices when a scheduler is attached,
-    // otherwise at once.
+    // Colours every line again, the lines in view first, the rest in idle time.
     void rehighlightInSlices();
 
-    // The scheduler that decides which blocks are highlighted now (null:
-    // all). Set by the scheduler itself; not owned.
-    void setScheduler(QcbsHighlightScheduler* scheduler) { scheduler_ = scheduler; }
-    QcbsHighlightScheduler* scheduler() const { return scheduler_; }
+    // Classifies one line of text that follows a line which ended in
+    // `endStateOfLastPara` (FreshState: none) and returns the state it ends
+    // in; classifier().styles() then holds its styles.
+    int highlightParagraph(const QString& text, int endStateOfLastPara);
+    const QcbsCifLineClassifier& classifier() const { return classifier_; }
 
-protected:
-    void highlightBlock(const QString& text) override;
+    // For the editor, before each change of the text: `position` and the
+    // number of bytes inserted (positive) or deleted (negative).
+    void textAboutToChange(int position, int delta);
+
+    // The classifier's state within a line state.
+    static int classifierState(int lineState) { return lineState & 0x3ff; }
+    // Lines classified for real (not for a preview of the lines in view), for tests.
+    long long linesStyled() const { return linesStyled_; }
 
 private:
-    void keepCurrentFormats();
+    // A stretch of lines below an edit whose styles were right before it,
+    // given the state the line above them ended in: [from, to) in bytes,
+    // `from` at the first such line's start.
+    struct Clean {
+        int from;
+        int to;
+        int incoming;  // the state the line before `from` ended in
+    };
+
+    // Classifies the lines of [from, to) (whole lines) starting from the
+    // packed state `state`; fills styleBuffer_ and, unless `preview`, sets
+    // the lines' states and fold levels. Returns where it stopped: `to`, or
+    // the start of a line from which a clean stretch needs no styling (then
+    // *skipTo is where that stretch ends).
+    int classifyLines(int firstLine, int from, int to, int state, bool preview, int* skipTo);
+    void previewVisibleLines();
+    void forgetCleanLines() { clean_.clear(); }
 
     THandle<CifDictionary> dictionary_;
     THandle<QcbsFontStyleSettings> styles_;
-    std::map<SyntaxStyle, QTextCharFormat> styleCache_;
-    QcbsCifLineClassifier classifier_;  // holds the per-character style buffer
-    QcbsHighlightScheduler* scheduler_ = nullptr;
+    QcbsCifLineClassifier classifier_;
+    std::u16string line_;            // the line being classified, as UTF-16
+    std::vector<int> unitBytes_;     // the byte offset of each UTF-16 unit of line_
+    std::vector<char> styleBuffer_;  // the styles of the bytes being styled
+    std::vector<Clean> clean_;
+    bool inStyleText_ = false;
+    bool bounded_ = false;  // the styling under way may stop after a while
+    QElapsedTimer clock_;
+    long long linesStyled_ = 0;
 };

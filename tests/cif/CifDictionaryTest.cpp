@@ -2,6 +2,7 @@
 // Reading DDL1 dictionaries, their queries, and pools of several.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "tests/cif/CifTestSupport.hpp"
@@ -87,6 +88,34 @@ TEST(CifConcreteDictionary, ListsCategoriesInItsOwnOrderAndTheirDataNames) {
     EXPECT_EQ(dictionary->mandatory_items("_refln_[]"),
               (Names{"_refln_index_h", "_refln_index_k", "_refln_index_l"}));
     EXPECT_TRUE(dictionary->mandatory_items("cell").empty());
+}
+
+TEST(CifDictionaryNames, EveryDefinedDataNameOnceInOrderWithoutOverviews) {
+    THandle<CifConcreteDictionary> test = test_dictionary();
+    const Names names = test->data_names();
+    // A looped _name gives each of its names, in order.
+    ASSERT_GE(names.size(), 4u);
+    EXPECT_EQ(Names(names.begin(), names.begin() + 4),
+              (Names{"_cell_length_a", "_cell_length_b", "_cell_length_c", "_cell_angle_alpha"}));
+    const auto overviews = std::count_if(test->definitions().begin(), test->definitions().end(),
+                                         [](const CifItemDefinition& d) { return d.is_category_overview(); });
+    EXPECT_EQ(names.size(), test->definition_count() - static_cast<std::size_t>(overviews));
+    for (const std::string& name : names) {
+        EXPECT_TRUE(test->is_defined(name)) << name;
+        EXPECT_EQ(name.find("[]"), std::string::npos) << name;
+    }
+
+    // A pool lists its members' names in member order, a shared name once
+    // (compared without case), and an empty pool nothing.
+    CifDictionaryPool pool;
+    EXPECT_TRUE(pool.data_names().empty());
+    pool.insert(test_dictionary("tessary_extra.dic"));
+    pool.insert(test);
+    const Names pooled = pool.data_names();
+    EXPECT_EQ(pooled.front(), "_cell_formula_units_Z");
+    EXPECT_EQ(std::count(pooled.begin(), pooled.end(), "_cell_formula_units_Z"), 1);
+    EXPECT_EQ(std::count(pooled.begin(), pooled.end(), "_tessary_colour"), 1);
+    EXPECT_EQ(pooled.size(), names.size() + 1);
 }
 
 TEST(CifConcreteDictionary, ReportsProblemsOfADictionaryWithTheirLines) {

@@ -358,7 +358,7 @@ TEST_F(MainWindowParsing, TheTextIsCheckedInTheEncodingOfItsFile) {
 
 TEST_F(MainWindowParsing, ACheckAskedForWhileATextComesInRunsOnceWhenItIsIn) {
     QString text = "data_big\nloop_\n_a\n_b\n";
-    for (int i = 0; i < 200000; ++i) text += "1 2\n";
+    for (int i = 0; i < 300000; ++i) text += "1 2\n";  // 1.2 MB: read and checked on workers
     text += "_x\n";
     QSignalSpy loaded(editor(), &QcbsRichTextEdit::textLoaded);
     editor()->loadText(text);
@@ -370,9 +370,10 @@ TEST_F(MainWindowParsing, ACheckAskedForWhileATextComesInRunsOnceWhenItIsIn) {
     EXPECT_TRUE(window_->currentCif().is_null());
 
     ASSERT_TRUE(loaded.wait(30000));
+    ASSERT_TRUE(waitUntil([this] { return !entriesUnder(list(), "Errors").isEmpty(); }, 30000));
     EXPECT_EQ(pane().mid(before).count("Checking CIF ..."), 1);
-    EXPECT_EQ(entriesUnder(list(), "Errors"), QStringList{"200005: Data name _x has no value"});
-    EXPECT_EQ(window_->document()->linesAtCheck(), 200006);
+    EXPECT_EQ(entriesUnder(list(), "Errors"), QStringList{"300005: Data name _x has no value"});
+    EXPECT_EQ(window_->document()->linesAtCheck(), 300006);
 }
 
 TEST_F(MainWindowParsing, AFileCheckedFromDiskIsListedOnlyWhenAsked) {

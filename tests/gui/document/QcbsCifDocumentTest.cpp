@@ -4,11 +4,16 @@
 // land on the right line in the middle of the view.
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QSignalSpy>
-#include <QTextBlock>
+#include <QTemporaryDir>
+#include <fstream>
 #include <functional>
 
 #include "GuiTestSupport.hpp"
+#include "cif/CifConcreteDictionary.hpp"
+#include "cif/CifDictionaryPool.hpp"
+#include "cif/CifErrorContainer.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 
@@ -104,12 +109,17 @@ TEST_F(CifDocument, JumpsLandOnTheNamedItemOfTheRightBlockInTheMiddleOfTheView) 
     editor.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&editor));
 
-    const auto cursorLine = [this] { return editor.textCursor().blockNumber() + 1; };
+    const auto cursor = [this] {
+        int para = -1, index = -1;
+        editor.getCursorPosition(&para, &index);
+        return std::pair(para + 1, index);
+    };
+    const auto cursorLine = [&cursor] { return cursor().first; };
     ASSERT_TRUE(document.goToItem("_cell_length_a", 212));  // from the third block's heading
-    EXPECT_EQ(cursorLine(), 213);
-    EXPECT_EQ(editor.textCursor().positionInBlock(), 0);
+    EXPECT_EQ(cursor(), std::pair(213, 0));
     // In the middle of the view, not at its edge.
-    EXPECT_TRUE(waitUntil([this] { return editor.firstVisibleParagraph().blockNumber() + 1 < 213 - 2; }));
+    EXPECT_TRUE(waitUntil([this] { return editor.firstVisibleParagraph() + 1 < 213 - 2; }));
+    EXPECT_GT(editor.firstVisibleParagraph() + 1, 150);
     ASSERT_TRUE(document.goToItem("_CELL_LENGTH_A", 10));
     EXPECT_EQ(cursorLine(), 11);
     ASSERT_TRUE(document.goToItem("_atom_site", 1));  // a category: its first item
@@ -119,6 +129,93 @@ TEST_F(CifDocument, JumpsLandOnTheNamedItemOfTheRightBlockInTheMiddleOfTheView) 
     EXPECT_FALSE(document.goToBlock("fourth"));
     EXPECT_FALSE(document.goToItem("_absent", 1));
     EXPECT_EQ(document.firstLineOf("_CELL_length_a"), 2);
+}
+
+// --- large documents: checks and saves on the worker thread ---
+
+// A document above the worker threshold, with the team's test dictionary.
+class LargeDocument : public ::testing::Test {
+protected:
+    LargeDocument() {
+        bytes = "data_big\r\nloop_\r\n_refln_index_h\r\n_refln_index_k\r\n_refln_index_l\r\n";
+        for (int i = 0; bytes.size() <= QcbsCifDocument::WorkerThreshold + 1000; ++i)
+            bytes += QByteArray::number(i % 50) + " " + QByteArray::number(i / 50) + " 1\r\n";
+        THandle<CifDictionaryPool> pool(new CifDictionaryPool());
+        pool->insert(cif_test_dictionary());
+        document.setCheckSource([pool] { return CifDocumentCheck(pool, CifCheckSettings()); });
+        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
+        document.load("/data/big.cif", bytes);
+        EXPECT_TRUE(loaded.count() == 1 || loaded.wait(20000));
+        EXPECT_TRUE(document.isLarge());
+    }
+    static THandle<CifConcreteDictionary> cif_test_dictionary() {
+        std::ifstream stream(TESSARY_SOURCE_DIR "/tests/data/tessary_test.dic", std::ios::binary);
+        THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
+        dictionary->read(stream, THandle<CifErrorContainer>(new CifErrorContainer()));
+        return dictionary;
+    }
+
+    QByteArray bytes;
+    QcbsRichTextEdit editor{THandle<CifDictionary>(),
+                            THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings())};
+    QcbsCifDocument document{&editor};
+};
+
+TEST_F(LargeDocument, IsCheckedOnTheWorkerAndATypedChangeMarksTheResultStale) {
+    QSignalSpy checked(&document, &QcbsCifDocument::checked);
+    EXPECT_TRUE(document.check().is_null());  // the result follows
+    EXPECT_TRUE(document.isCheckRunning());
+    ASSERT_TRUE(checked.wait(30000));
+    EXPECT_FALSE(document.isCheckRunning());
+    EXPECT_FALSE(document.isLastCheckStale());
+    const THandle<Cif> cif = document.lastCheck();
+    ASSERT_FALSE(cif.is_null());
+    EXPECT_EQ(cif->block_count(), 1u);
+    EXPECT_EQ(cif->line_count(), editor.lines() - 1);
+    EXPECT_TRUE(cif->errors()->empty()) << cif->errors()->begin()->complete_message();
+
+    // Typed while the check runs: the result comes, out of date.
+    document.check();
+    editor.setCursorPosition(0, 8);
+    editor.insertPlainText("x");
+    ASSERT_TRUE(checked.wait(30000));
+    EXPECT_TRUE(document.isLastCheckStale());
+    EXPECT_EQ(document.lastCheck()->block(0)->name(), "big");
+
+    // Two requests: only the newer one is told.
+    const int before = checked.count();
+    document.check();
+    document.check();
+    ASSERT_TRUE(waitUntil([&] { return checked.count() > before && !document.isCheckRunning(); }, 30000));
+    EXPECT_EQ(checked.count(), before + 1);
+    EXPECT_FALSE(document.isLastCheckStale());
+    EXPECT_EQ(document.lastCheck()->block(0)->name(), "bigx");
+}
+
+TEST_F(LargeDocument, IsSavedFromTheWorkerTellingItsProgressAndACancelLeavesTheOldFile) {
+    QTemporaryDir dir;
+    const QString name = dir.filePath("big.cif");
+    QSignalSpy progress(&document, &QcbsCifDocument::saveProgress);
+    ASSERT_TRUE(document.save(name, false).saved);
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), bytes);
+    file.close();
+    ASSERT_GE(progress.count(), 2);
+    EXPECT_EQ(progress.last().at(0).toLongLong(), bytes.size());
+    EXPECT_FALSE(document.isModified());
+
+    editor.insertPlainText("#");
+    const auto cancel =
+        QObject::connect(&document, &QcbsCifDocument::saveProgress, &document, &QcbsCifDocument::cancelSave);
+    const QcbsDocumentSaver::Result result = document.save(name, true);
+    QObject::disconnect(cancel);
+    EXPECT_FALSE(result.saved);
+    EXPECT_TRUE(result.cancelled);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), bytes);  // the old content, at its own name
+    EXPECT_TRUE(document.isModified());
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"big.cif"});
 }
 
 }  // namespace

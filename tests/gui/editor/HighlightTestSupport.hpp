@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Helpers of the highlighting tests: a small dictionary and one letter per style.
+// Helpers of the highlighting tests: a small dictionary, style letters, an editor's styles.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QPlainTextDocumentLayout>
 #include <QString>
-#include <QTextBlock>
-#include <QTextDocument>
-#include <QTextLayout>
 #include <algorithm>
 #include <cctype>
 #include <functional>
@@ -22,6 +18,7 @@
 
 #include "cif/CifDictionary.hpp"
 #include "editor/QcbsFontStyleSettings.hpp"
+#include "editor/QcbsRichTextEdit.hpp"
 #include "editor/QcbsSyntaxHighlighter_CIF.hpp"
 
 // A dictionary that defines the names it is given, compared without regard
@@ -29,12 +26,16 @@
 class SmallTestDictionary : public CifDictionary {
 public:
     SmallTestDictionary(std::initializer_list<std::string> names) {
-        for (const std::string& name : names) names_.insert(lower(name));
+        for (const std::string& name : names) {
+            names_.insert(lower(name));
+            ordered_.push_back(name);
+        }
     }
     bool is_defined(const std::string& name) const override {
         asked_.push_back(name);
         return names_.count(lower(name)) != 0;
     }
+    std::vector<std::string> data_names() const override { return ordered_; }
     const std::vector<std::string>& asked() const { return asked_; }
 
 private:
@@ -44,6 +45,7 @@ private:
         return text;
     }
     std::set<std::string> names_;
+    std::vector<std::string> ordered_;
     mutable std::vector<std::string> asked_;
 };
 
@@ -51,7 +53,7 @@ private:
 // S standard, C comment, X text field, T block header, K keyword, D defined
 // data name, U custom data name, N special character, Y symbol letter,
 // P super/subscript, M markup marker, I invalid character.
-inline char styleLetter(QcbsFontStyleSettings::SyntaxStyle style) {
+inline char styleLetter(int style) {
     static const char letters[] = "SCXTKDUNYPMI";
     return QcbsFontStyleSettings::validSyntaxStyle(style) ? letters[style] : '?';
 }
@@ -63,50 +65,68 @@ std::string styleLetters(const Styles& styles) {
     return letters;
 }
 
-// The style letters of a block as its layout's formats show them; '.' where
-// no format applies, '?' for a format that is no style's.
-inline std::string blockLetters(const QTextBlock& block, const QcbsFontStyleSettings& settings) {
-    std::string letters(static_cast<std::size_t>(block.length() - 1), '.');
-    if (block.layout() == nullptr) return letters;
-    for (const QTextLayout::FormatRange& range : block.layout()->formats()) {
-        char letter = '?';
-        for (int style = 0; QcbsFontStyleSettings::validSyntaxStyle(style); ++style) {
-            const auto syntaxStyle = static_cast<QcbsFontStyleSettings::SyntaxStyle>(style);
-            if (settings.textFormat(syntaxStyle) == range.format) letter = styleLetter(syntaxStyle);
-        }
-        const int end = std::min(range.start + range.length, static_cast<int>(letters.size()));
-        for (int i = range.start; i < end; ++i) letters[static_cast<std::size_t>(i)] = letter;
+// The style letters of a line's characters (without its line end), as the
+// editor holds them: a character's style is that of its first byte.
+inline std::string lineLetters(const QcbsRichTextEdit& edit, int line) {
+    using Sci = QsciScintillaBase;
+    const int from = static_cast<int>(edit.SendScintilla(Sci::SCI_POSITIONFROMLINE, line));
+    const int to = static_cast<int>(edit.SendScintilla(Sci::SCI_GETLINEENDPOSITION, line));
+    const std::string_view bytes = edit.byteView(from, to - from);
+    std::string letters;
+    for (int i = 0; i < to - from; ++i) {
+        if (edit.isUtf8Text() &&
+            (static_cast<unsigned char>(bytes[static_cast<std::size_t>(i)]) & 0xc0) == 0x80)
+            continue;
+        letters.push_back(styleLetter(static_cast<int>(edit.SendScintilla(Sci::SCI_GETSTYLEAT, from + i))));
     }
     return letters;
 }
 
-// Every block's letters and state, one line per block. The blank that ends
-// a data name keeps the style of whichever line was highlighted before, so
-// when lines were highlighted in another order (edits, slices next to
-// loading) blanks can be left out of the comparison, shown as '_'.
+// The highlighter's state of a line (without the folding context).
+inline int lineState(const QcbsRichTextEdit& edit, int line) {
+    return QcbsSyntaxHighlighter_CIF::classifierState(
+        static_cast<int>(edit.SendScintilla(QsciScintillaBase::SCI_GETLINESTATE, line)));
+}
+
+// Every line's letters and state, one line per line. The blank that ends a
+// data name keeps the style of whichever line was classified before, so
+// when lines were styled in another order blanks can be left out of the
+// comparison, shown as '_'.
 enum class Blanks { Compared, Ignored };
-inline std::string documentLetters(const QTextDocument& document, const QcbsFontStyleSettings& settings,
-                                   Blanks blanks = Blanks::Compared) {
+inline std::string documentLetters(const QcbsRichTextEdit& edit, Blanks blanks = Blanks::Compared) {
     std::string text;
-    for (QTextBlock block = document.firstBlock(); block.isValid(); block = block.next()) {
-        std::string letters = blockLetters(block, settings);
-        const QString line = block.text();
-        for (int i = 0; blanks == Blanks::Ignored && i < std::min<int>(line.size(), letters.size()); ++i) {
-            if (line[i] == u' ' || line[i] == u'\t') letters[static_cast<std::size_t>(i)] = '_';
+    // The last line after a final line end holds nothing.
+    const int lines = edit.lines() - (edit.text(edit.lines() - 1).isEmpty() ? 1 : 0);
+    for (int line = 0; line < lines; ++line) {
+        std::string letters = lineLetters(edit, line);
+        const QString chars = edit.text(line);
+        for (int i = 0; blanks == Blanks::Ignored && i < std::min<int>(chars.size(), letters.size()); ++i) {
+            if (chars[i] == u' ' || chars[i] == u'\t') letters[static_cast<std::size_t>(i)] = '_';
         }
-        text += letters + " " + std::to_string(block.userState()) + "\n";
+        text += letters + " " + std::to_string(lineState(edit, line)) + "\n";
     }
     return text;
 }
 
-// The same text highlighted at once, by a highlighter without a scheduler.
-inline std::string highlightedAtOnce(const QString& text, const THandle<QcbsFontStyleSettings>& settings,
-                                     const THandle<CifDictionary>& dictionary, Blanks blanks) {
-    QTextDocument reference;
-    reference.setDocumentLayout(new QPlainTextDocumentLayout(&reference));
-    QcbsSyntaxHighlighter_CIF plain(dictionary, settings, &reference);
+// Styles the rest of the text now, from where the styling stands, as idle
+// time would (piece by piece).
+inline void styleEverything(QcbsRichTextEdit& edit) {
+    using Sci = QsciScintillaBase;
+    while (edit.SendScintilla(Sci::SCI_GETENDSTYLED) < edit.byteLength())
+        edit.SendScintilla(Sci::SCI_COLOURISE, edit.SendScintilla(Sci::SCI_GETENDSTYLED), -1L);
+}
+
+inline bool everythingStyled(const QcbsRichTextEdit& edit) {
+    return edit.SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED) >= edit.byteLength();
+}
+
+// The same text styled at once, in a fresh editor.
+inline std::string styledAtOnce(const QString& text, const THandle<QcbsFontStyleSettings>& settings,
+                                const THandle<CifDictionary>& dictionary, Blanks blanks) {
+    QcbsRichTextEdit reference(dictionary, settings);
     reference.setPlainText(text);
-    return documentLetters(reference, *settings, blanks);
+    styleEverything(reference);
+    return documentLetters(reference, blanks);
 }
 
 // A CIF text of `repeats` times twelve lines, with quoted strings and text
@@ -141,7 +161,6 @@ inline ::testing::AssertionResult sameHighlighting(const std::string& actual, co
 inline bool runUntil(const std::function<bool()>& done, int timeoutMs = 60000) {
     QElapsedTimer clock;
     clock.start();
-    while (!done() && clock.elapsed() < timeoutMs) QCoreApplication::processEvents();
-    QCoreApplication::processEvents();  // lets a last pass close
+    while (!done() && clock.elapsed() < timeoutMs) QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     return done();
 }

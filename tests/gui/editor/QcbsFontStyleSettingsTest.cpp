@@ -88,10 +88,10 @@ TEST(FontStyleSettings, TheBaseFontGivesFamilyAndSizeAndTheStylesTheRest) {
     EXPECT_EQ(fonts.highlightStyle(Fs::SpecialCharSymbol).first.family(), "Symbol");
     EXPECT_EQ(fonts.highlightStyle(Fs::SpecialCharNormal).first.family(), "DejaVu Sans Mono");
     EXPECT_EQ(fonts.highlightStyle(Fs::Comment).first.weight(), QFont::Normal);
-    const QTextCharFormat format = fonts.textFormat(Fs::Keyword);
-    EXPECT_EQ(format.foreground().color(), QColor(Qt::magenta));
-    EXPECT_EQ(format.font().weight(), QFont::Bold);
-    EXPECT_EQ(format.font().pointSize(), 9);
+    const auto [keywordFont, keywordColour] = fonts.highlightStyle(Fs::Keyword);
+    EXPECT_EQ(keywordColour, QColor(Qt::magenta));
+    EXPECT_EQ(keywordFont.weight(), QFont::Bold);
+    EXPECT_EQ(keywordFont.pointSize(), 9);
 }
 
 TEST(FontStyleSettings, TheSymbolStyleFollowsTheNormalSpecialCharacterStyle) {

@@ -1,74 +1,48 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The highlighter on a document: formats per run, states per line, edits, big documents.
-// Edits are followed only as far as they change states; big documents are highlighted in
-// slices (visible lines first) to the same result as all at once, without counting as edits.
+// The highlighter as the editor's lexer: styles per character, states per line, edits, big texts.
+// An edit is followed only as far as it changes states; a big text is styled lazily, the lines in
+// view first, to the same result as all at once, without counting as an edit.
 #include <gtest/gtest.h>
 
-#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QTextCursor>
 
 #include "GuiTestSupport.hpp"
 #include "HighlightTestSupport.hpp"
-#include "editor/QcbsHighlightScheduler.hpp"
-#include "editor/QcbsSyntaxHighlighter_CIF.hpp"
+#include "editor/QcbsCifFolding.hpp"
 
 namespace {
 
+using Sci = QsciScintillaBase;
 constexpr int InQuote = QcbsCifLineClassifier::InQuotedStringState;
 constexpr int InField = QcbsCifLineClassifier::InTextFieldState;
-constexpr int kRepeats = 2000;  // 24,000 lines: far more than one slice of a millisecond
 
-// Counts the lines it formats.
-class CountingHighlighter : public QcbsSyntaxHighlighter_CIF {
-public:
-    using QcbsSyntaxHighlighter_CIF::QcbsSyntaxHighlighter_CIF;
-    int formatted = 0;
-
-protected:
-    void highlightBlock(const QString& text) override {
-        ++formatted;
-        QcbsSyntaxHighlighter_CIF::highlightBlock(text);
-    }
-};
-
-// A document as an editor holds it (with a layout, without which Qt does
-// not report edits to the highlighter), highlighted with a scheduler that
-// has no view: lines are done strictly from the top.
 class Highlighting : public ::testing::Test {
 protected:
-    // A big text, highlighted a millisecond at a time.
-    void setBigText() {
-        scheduler->setSliceBudget(1);
-        document.setPlainText(sampleCif(kRepeats));
-    }
-    bool runUntilIdle() {
-        return runUntil([this] { return scheduler->isIdle(); });
-    }
-    std::string line(int number) const { return blockLetters(document.findBlockByNumber(number), *settings); }
-    int state(int number) const { return document.findBlockByNumber(number).userState(); }
     void insert(int line, const QString& text) {
-        QTextCursor(document.findBlockByNumber(line)).insertText(text);
+        edit.setCursorPosition(line, 0);
+        edit.insertPlainText(text);
     }
-    ::testing::AssertionResult sameAsAtOnce(Blanks blanks = Blanks::Compared) const {
-        return sameHighlighting(documentLetters(document, *settings, blanks),
-                                highlightedAtOnce(document.toPlainText(), settings, dictionary, blanks));
+    ::testing::AssertionResult sameAsAtOnce(Blanks blanks = Blanks::Compared) {
+        styleEverything(edit);
+        return sameHighlighting(documentLetters(edit, blanks),
+                                styledAtOnce(edit.toPlainText(), settings, dictionary, blanks));
     }
-    static QTextDocument* withLayout(QTextDocument& document) {
-        document.setDocumentLayout(new QPlainTextDocumentLayout(&document));
-        return &document;
+    int foldLevel(int line) const {
+        return static_cast<int>(edit.SendScintilla(Sci::SCI_GETFOLDLEVEL, line));
     }
 
     THandle<CifDictionary> dictionary{new SmallTestDictionary{"_cell_length_a", "_atom_site_label"}};
     THandle<QcbsFontStyleSettings> settings{new QcbsFontStyleSettings()};
-    QTextDocument document;
-    CountingHighlighter* highlighter = new CountingHighlighter(dictionary, settings, withLayout(document));
-    QcbsHighlightScheduler* scheduler = new QcbsHighlightScheduler(highlighter, nullptr);
+    QcbsRichTextEdit edit{dictionary, settings};
 };
 
-TEST_F(Highlighting, EachLineIsFormattedAndHandsItsStateToTheNext) {
-    document.setPlainText("_cell_length_a 1\ndata_x\n_title 'open\nstill' _y\nloop_\n;\ntext ^up\nmore\n;\n");
+TEST_F(Highlighting, EachCharacterGetsItsStyleAndEachLineHandsItsStateToTheNext) {
+    // Line ends of every kind, and characters of several bytes.
+    edit.setPlainText(
+        QString::fromUtf8("_cell_length_a 1\r\ndata_x\r_title 'open\nstill' _y\nloop_\n;\ntext ^up\nmore\n;\n"
+                          "_name '\xc3\x85sa \xce\xb1' # \xc3\xa9t\xc3\xa9\n\\a\xe2\x80\xa8x"));
+    styleEverything(edit);
     const std::pair<std::string, int> expected[] = {
         {"DDDDDDDDDDDDDDSS", 0},
         {"TTTTTT", 0},
@@ -79,134 +53,222 @@ TEST_F(Highlighting, EachLineIsFormattedAndHandsItsStateToTheNext) {
         {"XXXXXMPP", InField | QcbsCifLineClassifier::SuperscriptFlag},
         {"PPPP", InField | QcbsCifLineClassifier::SuperscriptFlag},
         {"S", 0},
-        {"", 0}};
-    ASSERT_EQ(document.blockCount(), static_cast<int>(std::size(expected)));
-    for (int i = 0; i < document.blockCount(); ++i) {
-        EXPECT_EQ(line(i), expected[i].first) << i;
-        EXPECT_EQ(state(i), expected[i].second) << i;
-    }
-}
-
-TEST_F(Highlighting, AnEditRehighlightsTheLinesBelowOnlyWhileItsEndStateChanges) {
-    // A slice may end early on a busy machine: each step waits for the
-    // highlighting to settle before it counts.
-    const auto edit = [this](int line, const QString& text) {
-        highlighter->formatted = 0;
-        insert(line, text);
-        return runUntilIdle() ? highlighter->formatted : -1;
     };
-    document.setPlainText("a 1\nb 2\nc 3\nd 4");
-    ASSERT_TRUE(runUntilIdle());
-    EXPECT_EQ(edit(1, "_e "), 1);
-    EXPECT_EQ(line(1), "UUSSSS");
-    EXPECT_EQ(edit(1, "'"), 3);
-    EXPECT_EQ(state(3), InQuote);
-    // A text field opened and closed again further down.
-    edit(0, ";\n");
-    EXPECT_EQ(line(2), std::string(7, 'X'));
-    EXPECT_EQ(state(4), InField);
-    edit(3, ";\n");
-    EXPECT_EQ(line(3), "S");
-    EXPECT_EQ(line(4), "SSS");
-    EXPECT_EQ(state(4), 0);
-}
-
-TEST_F(Highlighting, ABigTextIsHighlightedInSlicesToTheSameResultWithoutCountingAsAnEdit) {
-    QSignalSpy finished(scheduler, &QcbsHighlightScheduler::finished);
-    setBigText();
-    // The pass of setPlainText stopped early and left the rest for later.
-    EXPECT_FALSE(scheduler->isIdle());
-    EXPECT_EQ(scheduler->dirtyRanges(), 1);
-    EXPECT_EQ(document.lastBlock().previous().userState(), -1);
-
-    document.setModified(false);
-    QSignalSpy contentsChanged(&document, &QTextDocument::contentsChanged);
-    QSignalSpy contentsChange(&document, &QTextDocument::contentsChange);
-    ASSERT_TRUE(runUntilIdle());
-    EXPECT_EQ(finished.count(), 1);
-    EXPECT_TRUE(sameAsAtOnce());
-    EXPECT_EQ(contentsChanged.count(), 0);
-    EXPECT_EQ(contentsChange.count(), 0);
-    EXPECT_FALSE(document.isModified());
-    EXPECT_FALSE(document.isUndoAvailable());
-}
-
-TEST_F(Highlighting, AnEditToABigTextIsFollowedInSlicesOnlyWhileItChangesStates) {
-    setBigText();
-    ASSERT_TRUE(runUntilIdle());
-    // The line's end state stays: nothing is left for later.
-    insert(5, "loop_ ");
-    EXPECT_TRUE(scheduler->isIdle());
-    EXPECT_EQ(line(5).substr(0, 6), "KKKKKS");
-
-    // A text field opened at the top changes every state below it.
-    const std::string farBefore = line(20000);
-    insert(1, ";\n");
-    EXPECT_FALSE(scheduler->isIdle());
-    EXPECT_EQ(line(20001), farBefore);
-    ASSERT_TRUE(runUntilIdle());
-    EXPECT_TRUE(sameAsAtOnce());
-}
-
-TEST_F(Highlighting, RehighlightingEverythingRestylesLinesWhoseStateStaysTheSame) {
-    setBigText();
-    ASSERT_TRUE(runUntilIdle());
-    QcbsFontStyleSettings::SyntaxStyleSettings standard =
-        settings->styleSettings(QcbsFontStyleSettings::Standard);
-    standard.color = QColor(10, 20, 30);
-    settings->setStyleSettings(QcbsFontStyleSettings::Standard, standard);
-    highlighter->updateStyles();
-    highlighter->rehighlightInSlices();
-    EXPECT_FALSE(scheduler->isIdle());
-    ASSERT_TRUE(runUntilIdle());
-    EXPECT_TRUE(sameAsAtOnce());
-    const QTextBlock lastLoopRow = document.findBlockByNumber(kRepeats * 12 - 6);  // "1999 'x y'"
-    EXPECT_EQ(lastLoopRow.layout()->formats().front().format.foreground().color(), QColor(10, 20, 30));
-}
-
-TEST_F(Highlighting, EditsBetweenSlicesAreFollowedAndTheResultStaysExact) {
-    setBigText();
-    for (int round = 0; round < 3; ++round) {
-        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-        QTextCursor cursor(document.findBlockByNumber(3000 * round + 7));
-        cursor.insertText(round == 1 ? "'" : ";\n");
-        cursor.setPosition(document.findBlockByNumber(100 + round).position());
-        cursor.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor, 40);
-        cursor.removeSelectedText();
+    ASSERT_EQ(edit.lines(), 11);
+    for (int i = 0; i < 9; ++i) {
+        EXPECT_EQ(lineLetters(edit, i), expected[i].first) << i;
+        EXPECT_EQ(lineState(edit, i), expected[i].second) << i;
     }
-    ASSERT_TRUE(runUntilIdle());
+    // Characters of several bytes get their character's style, each as the
+    // classifier gives it (U+2028 inside a line is no line end).
+    QcbsCifLineClassifier classifier(dictionary.get());
+    int state = lineState(edit, 8);
+    for (int i = 9; i < 11; ++i) {
+        state = classifier.classify(edit.text(i), state);
+        std::string letters = styleLetters(classifier.styles());
+        letters.resize(static_cast<std::size_t>(classifier.lineLength()));
+        EXPECT_EQ(lineLetters(edit, i), letters) << i;
+        EXPECT_EQ(lineState(edit, i), state) << i;
+    }
+    EXPECT_EQ(lineLetters(edit, 10).substr(0, 2), "NY");
+    // A line end takes the style of what it ends: here the text field's.
+    EXPECT_EQ(edit.SendScintilla(Sci::SCI_GETSTYLEAT, edit.positionOf(5, 1)), QcbsFontStyleSettings::String);
+}
+
+TEST_F(Highlighting, LoopsSaveFramesAndTextFieldsBecomeFolds) {
+    edit.setPlainText(
+        "data_a\n"      // 0
+        "loop_\n"       // 1 loop
+        "_x\n"          // 2
+        "_y\n"          // 3
+        "1 2\n"         // 4
+        ";\n"           // 5 text field, a value of the loop
+        "text\n"        // 6
+        ";\n"           // 7
+        "_z 3\n"        // 8 ends the loop
+        "save_frame\n"  // 9 frame
+        "LOOP_ _q\n"    // 10 loop in the frame (keywords in any case)
+        "5\n"           // 11
+        "save_\n"       // 12 closes the frame
+        "_w 4\n");      // 13
+    styleEverything(edit);
+    const auto depth = [this](int line) {
+        return (foldLevel(line) & Sci::SC_FOLDLEVELNUMBERMASK) - Sci::SC_FOLDLEVELBASE;
+    };
+    const auto header = [this](int line) { return (foldLevel(line) & Sci::SC_FOLDLEVELHEADERFLAG) != 0; };
+    const int depths[] = {0, 0, 1, 1, 1, 1, 2, 2, 0, 0, 1, 2, 1, 0};
+    const bool headers[] = {false, true,  false, false, false, true,  false,
+                            false, false, true,  true,  false, false, false};
+    for (int line = 0; line < 14; ++line) {
+        EXPECT_EQ(depth(line), depths[line]) << line;
+        EXPECT_EQ(header(line), headers[line]) << line;
+    }
+
+    // Folding the loop hides its lines and the text field in it.
+    edit.SendScintilla(Sci::SCI_FOLDLINE, 1, Sci::SC_FOLDACTION_CONTRACT);
+    for (int line = 2; line <= 7; ++line)
+        EXPECT_FALSE(edit.SendScintilla(Sci::SCI_GETLINEVISIBLE, line)) << line;
+    EXPECT_TRUE(edit.SendScintilla(Sci::SCI_GETLINEVISIBLE, 8));
+    // An edit that removes the fold point shows its lines again.
+    edit.setCursorPosition(1, 0);
+    edit.SendScintilla(Sci::SCI_SETSEL, edit.positionOf(1, 0), edit.positionOf(1, 5));
+    edit.insertPlainText("#");
+    styleEverything(edit);
+    for (int line = 2; line <= 7; ++line)
+        EXPECT_TRUE(edit.SendScintilla(Sci::SCI_GETLINEVISIBLE, line)) << line;
+}
+
+TEST_F(Highlighting, AnEditIsFollowedOnlyWhileItChangesTheStatesBelow) {
+    edit.setPlainText(sampleCif(20000));  // 240,000 lines
+    styleEverything(edit);
+    const long long before = edit.highlighter()->linesStyled();
+
+    // The line ends in the state it had: the rest is known to look as it did.
+    insert(5, "loop_ ");
+    styleEverything(edit);
+    EXPECT_LT(edit.highlighter()->linesStyled() - before, 10000);
+    EXPECT_EQ(lineLetters(edit, 5).substr(0, 6), "KKKKKS");
+
+    // A text field opened near the top changes every state below it.
+    const long long middle = edit.highlighter()->linesStyled();
+    insert(1, ";\n");
+    styleEverything(edit);
+    EXPECT_GT(edit.highlighter()->linesStyled() - middle, 200000);
+    EXPECT_TRUE(sameAsAtOnce());
+}
+
+TEST_F(Highlighting, EditsAnywhereLeaveTheSameStylesAsStylingAfreshWould) {
+    edit.setPlainText(sampleCif(300));
+    styleEverything(edit);
+    // Edits that open and close fields and quotes, join and split lines,
+    // above and below each other, styled in between only in part.
+    const struct {
+        int line;
+        int index;
+        int removed;  // characters
+        const char* inserted;
+    } edits[] = {
+        {700, 0, 0, ";\n"}, {30, 3, 0, "'"},       {2000, 0, 12, ""}, {40, 0, 0, "loop_\n_q\n"},
+        {700, 0, 2, ""},    {1500, 5, 0, "\n\n;"}, {10, 2, 40, "x"},  {3000, 0, 0, "save_a\n"},
+    };
+    for (const auto& change : edits) {
+        const int from = edit.positionOf(change.line, change.index);
+        edit.SendScintilla(Sci::SCI_SETSEL, from, std::min(edit.byteLength(), from + change.removed));
+        edit.insertPlainText(change.inserted);
+        // Only the part in view, as after a keystroke.
+        edit.SendScintilla(Sci::SCI_COLOURISE, edit.SendScintilla(Sci::SCI_GETENDSTYLED),
+                           static_cast<long>(edit.positionOf(change.line + 30, 0)));
+    }
     EXPECT_TRUE(sameAsAtOnce(Blanks::Ignored));
 }
 
-TEST(QcbsHighlightScheduler, TheVisibleLinesAreHighlightedBeforeTheLinesAboveThem) {
-    THandle<QcbsFontStyleSettings> settings(new QcbsFontStyleSettings());
-    QPlainTextEdit editor;
-    editor.resize(600, 400);
-    editor.show();
-    auto* highlighter = new QcbsSyntaxHighlighter_CIF(THandle<CifDictionary>(), settings, &editor);
-    QcbsHighlightScheduler* scheduler = highlighter->scheduler();  // made for the editor's view
-    ASSERT_NE(scheduler, nullptr);
-    scheduler->setSliceBudget(1);
-    editor.setPlainText(sampleCif(kRepeats));
-    ASSERT_FALSE(scheduler->isIdle());
-    const QTextBlock target = editor.document()->findBlockByNumber(18000);  // "data_block1500"
-    editor.verticalScrollBar()->setValue(target.blockNumber());
-    const QTextBlock shown = editor.cursorForPosition(QPoint(0, 0)).block();
-    ASSERT_GT(shown.blockNumber(), 17000);
-    ASSERT_TRUE(waitUntil(
-        [&] { return blockLetters(shown, *settings).find_first_not_of('.') != std::string::npos; }));
-
-    EXPECT_EQ(editor.document()->findBlockByNumber(12000).userState(), -1);  // not reached yet
-    ASSERT_TRUE(runUntil([scheduler] { return scheduler->isIdle(); }));
-    EXPECT_EQ(blockLetters(target, *settings), "TTTTTTTTTTTTTT");
+TEST_F(Highlighting, ABigTextIsStyledInIdleTimeToTheSameResultWithoutCountingAsAnEdit) {
+    edit.resize(600, 400);
+    edit.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&edit));
+    const QString text = sampleCif(5000);
+    QSignalSpy changes(&edit, &QcbsRichTextEdit::textChanged);
+    edit.loadText(text);
+    ASSERT_TRUE(runUntil([this] { return !edit.isLoading() && everythingStyled(edit); }));
+    EXPECT_TRUE(sameHighlighting(documentLetters(edit, Blanks::Ignored),
+                                 styledAtOnce(text, settings, dictionary, Blanks::Ignored)));
+    EXPECT_EQ(changes.count(), 0);
+    EXPECT_FALSE(edit.isModified());
+    EXPECT_FALSE(edit.isUndoAvailable());
 }
 
-TEST_F(Highlighting, ADeletedHighlighterTakesItsSchedulerAlong) {
-    document.setPlainText("loop_\n_x");
-    EXPECT_EQ(line(0), "KKKKK");
-    delete highlighter;
-    document.setPlainText("loop_");
-    EXPECT_EQ(line(0), ".....");
+TEST_F(Highlighting, TheLinesInViewAreColouredBeforeTheStylingFromTheTopReachesThem) {
+    edit.resize(600, 400);
+    edit.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&edit));
+    edit.SendScintilla(Sci::SCI_SETIDLESTYLING, Sci::SC_IDLESTYLING_NONE);
+    edit.setPlainText(sampleCif(2000));
+    edit.setContentsPos(0, 18000);  // "data_block1500"
+    ASSERT_EQ(edit.contentsY(), 18000);
+    // What Scintilla does on a paint far down: a bounded slice from the top.
+    edit.SendScintilla(Sci::SCI_STARTSTYLING, 0L);
+    edit.highlighter()->styleText(0, 1000);
+    EXPECT_LT(edit.SendScintilla(Sci::SCI_GETENDSTYLED), edit.positionOf(17000, 0));
+    EXPECT_EQ(lineLetters(edit, 18000), "TTTTTTTTTTTTTT");
+    EXPECT_EQ(lineLetters(edit, 18001).substr(0, 14), "DDDDDDDDDDDDDD");
+    // Put right when the styling from the top comes by.
+    styleEverything(edit);
+    EXPECT_TRUE(sameAsAtOnce(Blanks::Ignored));
+}
+
+TEST_F(Highlighting, NewStylesAndDictionariesRecolourWithoutTouchingTextOrHistory) {
+    edit.setPlainText("data_x\n_cell_length_a 5.1 \n_custom_thing 3 \n# note\n");
+    styleEverything(edit);
+    EXPECT_EQ(lineLetters(edit, 1).substr(0, 14), "DDDDDDDDDDDDDD");
+    EXPECT_EQ(lineLetters(edit, 2).substr(0, 13), "UUUUUUUUUUUUU");
+    edit.setCursorPosition(0, 6);
+    edit.insertPlainText("y");
+    edit.reopenErrorHighlighting();
+
+    edit.setDictionary(THandle<CifDictionary>(new SmallTestDictionary({"_custom_thing"})));
+    styleEverything(edit);
+    EXPECT_EQ(lineLetters(edit, 1).substr(0, 14), "UUUUUUUUUUUUUU");
+    EXPECT_EQ(lineLetters(edit, 2).substr(0, 13), "DDDDDDDDDDDDD");
+    QcbsFontStyleSettings::SyntaxStyleSettings comment =
+        settings->styleSettings(QcbsFontStyleSettings::Comment);
+    comment.color = QColor(200, 0, 0);
+    settings->setStyleSettings(QcbsFontStyleSettings::Comment, comment);
+    edit.styleUpdate();
+    EXPECT_EQ(edit.SendScintilla(Sci::SCI_STYLEGETFORE, QcbsFontStyleSettings::Comment), 200);  // as BGR
+    EXPECT_EQ(edit.text(0), "data_xy");
+    EXPECT_TRUE(edit.isModified());
+    EXPECT_TRUE(edit.isUndoAvailable());
+    EXPECT_TRUE(edit.errorHighlightingAllowed());  // re-colouring is no edit
+
+    QcbsRichTextEdit plain;
+    EXPECT_EQ(plain.highlighter(), nullptr);
+}
+
+// --- folding, line by line, without an editor ---
+
+TEST(QcbsCifFolding, EachLineGetsItsDepthAndTheContextItLeaves) {
+    struct Step {
+        const char* line;
+        int depth;
+        bool header;
+        bool inField = false;  // a text field is open before the line
+        bool endsInField = false;
+    };
+    // One document, line after line: each line starts from the context the one above left.
+    const Step steps[] = {
+        {"data_a", 0, false},
+        {"  loop_", 0, true},
+        {"  _a", 1, false},
+        {"# note", 1, false},
+        {"", 1, false},
+        {"1", 1, false},
+        {"_b 2", 0, false},  // a name after values ends the loop
+        {"loop_ _c", 0, true},
+        {"_d", 1, false},  // still a name of the loop
+        {";", 1, true, false, true},
+        {"text", 2, false, true, true},
+        {";", 2, false, true, false},
+        {"Save_frame", 0, true},  // the loop ends, a frame begins
+        {"_e 1", 1, false},
+        {"loop_", 1, true},
+        {"_f", 2, false},
+        {"save_", 1, false},  // closes the frame (and its loop)
+        {"_g 1", 0, false},
+        {"loop_", 0, true},
+        {"_h", 1, false},
+        {"global_", 0, false},
+    };
+    int context = QcbsCifFolding::NoContext;
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.line);
+        const QcbsCifFolding::Line line =
+            QcbsCifFolding::fold(QString::fromLatin1(step.line), context, step.inField, step.endsInField);
+        EXPECT_EQ(line.depth, step.depth);
+        EXPECT_EQ(line.header, step.header);
+        EXPECT_EQ(line.blank, std::string_view(step.line).empty());
+        context = line.context;
+    }
+    EXPECT_EQ(context, QcbsCifFolding::NoContext);
 }
 
 }  // namespace

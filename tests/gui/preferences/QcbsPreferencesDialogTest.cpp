@@ -380,11 +380,14 @@ TEST_F(PreferencesDialog, ATextStyleChangedReachesTheTextOfEveryEditorAndTheSett
     EXPECT_EQ(stored("styles/Comment/red"), "200");
     EXPECT_EQ(stored("styles/Comment/italic"), "true");
     for (QcbsMainWindow* window : {&first_, &second_}) {
-        const QTextBlock remark = window->currentEditor()->document()->firstBlock();
+        // Scintilla keeps colours as 0xBBGGRR.
+        QcbsRichTextEdit* editor = window->currentEditor();
+        const long bgr = chosen.red() | (chosen.green() << 8) | (chosen.blue() << 16);
         EXPECT_TRUE(waitUntil([&] {
-            for (const QTextLayout::FormatRange& range : remark.layout()->formats())
-                if (range.format.foreground().color() == chosen && range.format.fontItalic()) return true;
-            return false;
+            return editor->SendScintilla(QsciScintillaBase::SCI_STYLEGETFORE,
+                                         QcbsFontStyleSettings::Comment) == bgr &&
+                   editor->SendScintilla(QsciScintillaBase::SCI_STYLEGETITALIC,
+                                         QcbsFontStyleSettings::Comment) != 0;
         }));
     }
 }
