@@ -196,9 +196,14 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
                                         const std::vector<const CifItemDefinition*>& definitions,
                                         const std::vector<std::string>& dropped) {
     auto has = [&](std::string_view reference) {
-        return loop_has(loop, reference) ||
-               std::any_of(dropped.begin(), dropped.end(),
-                           [&](const std::string& name) { return satisfies(name, reference); });
+        if (loop_has(loop, reference) ||
+            std::any_of(dropped.begin(), dropped.end(),
+                        [&](const std::string& name) { return satisfies(name, reference); }))
+            return true;
+        // A column may give the item under another of its names.
+        const CifItemDefinition* wanted = dictionary_.definition(std::string(reference));
+        return wanted != nullptr &&
+               std::find(definitions.begin(), definitions.end(), wanted) != definitions.end();
     };
     // One category per loop, and within it one key: columns that refer to
     // different keys (_atom_site_label, _atom_site_aniso_label) are rows of
@@ -246,8 +251,9 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
         }
     }
     // A category that names its key (DDLm, DDL2): a loop of it without one
-    // of the key's items is remarked on; many files leave out keys whose
-    // values a program could supply (_publ_author.id, say).
+    // of the key's items that must be given is remarked on (many files
+    // leave out _publ_author.id, say); keys with a default or a way to
+    // compute them may be left out.
     std::vector<const std::string*> keyed;
     for (std::size_t i = 0; i < loop.size(); ++i) {
         const CifItemDefinition* definition = definitions[i];
@@ -259,6 +265,7 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
         keyed.push_back(&definition->category);
         for (const std::string& key : definition->category_keys) {
             const CifItemDefinition* wanted = dictionary_.definition(key);
+            if (wanted != nullptr && !wanted->list_mandatory) continue;  // a program may supply it
             bool given = has(key);
             for (std::size_t j = 0; j < loop.size() && !given && wanted != nullptr; ++j)
                 given = definitions[j] == wanted;

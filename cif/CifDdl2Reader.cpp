@@ -126,6 +126,9 @@ void CifDdl2Reader::read_item(const CifDataBlock& frame) {
     CifDictionaryAttributes attributes(frame);
     const std::vector<std::string> names = attributes.values("_item.name");
     const std::vector<std::string> categories = attributes.values("_item.category_id");
+    const std::vector<std::string> mandatory = attributes.values("_item.mandatory_code");
+    for (std::size_t i = 0; i < names.size() && i < mandatory.size(); ++i)
+        if (cif_iequals(mandatory[i], "yes")) mandatory_.insert(cif_lowercase(names[i]));
     // The frame defines the item it is named after; the other names are
     // items sharing the definition unless they have a frame of their own.
     std::size_t own = 0;
@@ -245,6 +248,14 @@ void CifDdl2Reader::finish() {
         if (definition.is_category_overview()) continue;
         auto keys = keys_.find(definition.category);
         if (keys != keys_.end()) definition.category_keys = keys->second;
+    }
+    // A key item the dictionary makes mandatory must be in every loop of its category.
+    for (const auto& [category, keys] : keys_) {
+        for (const std::string& key : keys) {
+            auto found = dictionary_.index_.find(cif_lowercase(key));
+            if (found != dictionary_.index_.end() && mandatory_.count(cif_lowercase(key)) != 0)
+                definitions[found->second].list_mandatory = true;
+        }
     }
     dictionary_.add_aliases();
     dictionary_.categories_ = category_names_;

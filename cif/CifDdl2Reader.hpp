@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "cif/CifErrorContainer.hpp"
@@ -49,4 +50,5 @@ private:
     std::vector<std::pair<std::string, std::size_t>> shared_;
     std::vector<std::pair<std::string, std::string>> shared_categories_;  // name, category
     std::vector<std::pair<std::string, std::string>> links_;              // child, parent
+    std::unordered_set<std::string> mandatory_;  // lower-case names of items with _item.mandatory_code yes
 };

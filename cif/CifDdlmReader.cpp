@@ -251,6 +251,9 @@ void CifDdlmReader::read_item(const Layers& layers, const std::string& name, int
     // An SU names its measurand the same way, but only a link is a parent.
     const std::string linked = attributes.value("_name.linked_item_id");
     if (!linked.empty() && cif_iequals(purpose, "Link")) definition.list_link_parent.push_back(linked);
+    if (!definition.enumeration_default.empty() ||
+        cif_iequals(attributes.value("_method.purpose"), "Evaluation"))
+        derivable_.insert(cif_lowercase(name));
     dictionary_.add_definition(std::move(definition), errors_);
 }
 
@@ -289,6 +292,15 @@ void CifDdlmReader::finish() {
         }
     }
     dictionary_.add_aliases();
+    // A key a program cannot supply must be in every loop of its category.
+    for (const Category& category : categories_) {
+        if (!cif_iequals(category.definition_class, "Loop")) continue;
+        for (const std::string& key : category.keys) {
+            auto found = dictionary_.index_.find(cif_lowercase(key));
+            if (found != dictionary_.index_.end() && derivable_.count(cif_lowercase(key)) == 0)
+                definitions[found->second].list_mandatory = true;
+        }
+    }
     // A parent given in a file by an older name is the same parent.
     for (CifItemDefinition& definition : definitions) {
         if (definition.list_link_parent.empty()) continue;

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "cif/CifDdlmImports.hpp"
@@ -60,4 +61,7 @@ private:
     CifDdlmImports imports_;
     std::vector<Category> categories_;
     std::unordered_map<std::string, std::size_t> category_index_;  // lower-case name -> categories_
+    // Lower-case names of items whose values a program may supply (a default
+    // or an evaluation method): a loop may leave them out even as keys.
+    std::unordered_set<std::string> derivable_;
 };

@@ -57,7 +57,7 @@ KINDS = [
 GEOMETRY_COMPOSITE = "  the same, geometry loops (site symmetry)"
 # cif_validate writes two notes for an item a loop lacks that is both
 # referenced and mandatory; each side counts a missing item once.
-ONCE = {"loop lacks a referenced or mandatory item"}
+ONCE = {"loop lacks a referenced or mandatory item", "loop lacks its category key (DDLm)"}
 KIND_OF_CODE = {code: kind for kind, codes in KINDS for code in codes}
 
 COD_PATTERNS = [
@@ -148,7 +148,7 @@ def ours(binary, dictionary, files):
     return found, apart
 
 
-def theirs(binary, dictionary, files, ddlm=False):
+def theirs(binary, dictionary, files, ddlm=False, saved=None):
     """(file, kind, name, value) -> count for cif_validate; messages it has no pattern for apart."""
     if ddlm:
         command = [binary, "--continue-on-errors", "--report-deprecated", "--report-local-tags",
@@ -156,10 +156,18 @@ def theirs(binary, dictionary, files, ddlm=False):
     else:
         command = [binary, "-c", "--report-deprecated", "--report-local-tags", "--max-message-count", "-1",
                    "-d", dictionary] + files
-    result = subprocess.run(command, capture_output=True, text=True, errors="replace")
+    if saved and os.path.exists(saved):
+        with open(saved, encoding="utf-8", errors="replace") as text:
+            output = text.read()
+    else:
+        result = subprocess.run(command, capture_output=True, text=True, errors="replace")
+        output = result.stdout + "\n" + result.stderr
+        if saved:
+            with open(saved, "w", encoding="utf-8") as text:
+                text.write(output)
     found = collections.Counter()
     apart = collections.Counter()
-    for line in (result.stdout + "\n" + result.stderr).splitlines():
+    for line in output.splitlines():
         match = COD_LINE.match(line)
         if match is None:
             continue  # the lines that show where a syntax error lies
@@ -203,14 +211,18 @@ def main():
     parser.add_argument("--ddlm", action="store_true", help="compare with ddlm_validate (a DDLm dictionary)")
     parser.add_argument("--cif-validate", default=None, help="the peer program (cif_validate or ddlm_validate)")
     parser.add_argument("--details", action="store_true", help="list every finding only one side has")
+    parser.add_argument("--peer-output", help="keep the peer's messages in this file, or read them from it when"
+                        " it exists (the peer takes minutes)")
     args = parser.parse_args()
 
     files = cif_files(args.paths)
     peer = args.cif_validate or ("ddlm_validate" if args.ddlm else "cif_validate")
     start = time.monotonic()
+    if args.ddlm:
+        KIND_OF_CODE[358] = "loop lacks its category key (DDLm)"  # DDL1 lists and references do not apply
     mine, mine_apart = ours(args.tessary_check, args.dictionary, files)
     middle = time.monotonic()
-    cod, cod_apart = theirs(peer, args.dictionary, files, args.ddlm)
+    cod, cod_apart = theirs(peer, args.dictionary, files, args.ddlm, args.peer_output)
     end = time.monotonic()
     for found in (mine, cod):
         for key in found:
