@@ -25,9 +25,3 @@ void QcbsMainWindow::specialCharPopUp() { showNotAvailable("The special-characte
 // --- checking, views and wizards -------------------------------------------------------
 
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
-
-void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
-
-void QcbsMainWindow::loopEd() { showNotAvailable("Editing loops"); }
-
-void QcbsMainWindow::loopNew() { showNotAvailable("Making new loops"); }

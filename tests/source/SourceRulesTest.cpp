@@ -43,12 +43,14 @@ const FolderLicence kLicences[] = {
     {"packaging", kMit},
     {"bench/parse_vs_gemmi", kMit},
     {"bench/dictionary", kMit},
+    {"bench/structure_checks", kMit},
     {"bench/files", kMit},
     {"bench/check", kGpl},
     {"bench/document", kGpl},
     {"bench/editor", kGpl},
     {"bench/highlight", kGpl},
     {"bench/tree", kGpl},
+    {"bench/loop_table", kGpl},
     {"bench/visualiser", kGpl},
 };
 
@@ -223,6 +225,8 @@ std::string layeringProblem(const std::string& piece, const Include& include) {
     if (piece == "src/base") return "the base floor includes only itself: " + include.target;
     if (piece == "src/document" && target != "src/base" && include.target != "editor/QcbsRichTextEdit.hpp")
         return "a document includes only the base floor and the editor's text widget: " + include.target;
+    if (piece == "src/wizards" && target != "src/base" && target != "src/views" && target != "src/resources")
+        return "a wizard includes only the base floor, the views and the pictures: " + include.target;
     return std::string();
 }
 
@@ -247,6 +251,11 @@ TEST(SourceRules, LayeringRulesAreCheckedAsWritten) {
         {"src/document", {1, "editor/QcbsRichTextEdit.hpp", false}, true},
         {"src/document", {1, "editor/QcbsUnicode.hpp", false}, false},
         {"src/views", {1, "tools/FileCheck.hpp", false}, false},
+        {"src/wizards", {1, "views/QcbsEditDataDialogue.hpp", false}, true},
+        {"src/wizards", {1, "resources/QcbsImages.hpp", false}, true},
+        {"src/wizards", {1, "document/QcbsCifDocument.hpp", false}, false},
+        {"src/wizards", {1, "editor/QcbsRichTextEdit.hpp", false}, false},
+        {"src/wizards", {1, "application/QcbsMainWindow.hpp", false}, false},
     };
     for (const auto& c : cases)
         EXPECT_EQ(layeringProblem(c.piece, c.include).empty(), c.good)

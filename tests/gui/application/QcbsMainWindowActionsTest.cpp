@@ -151,7 +151,7 @@ TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorIconAndMenu) {
 // Take an action off this list when its work lands.
 TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
     for (A::Id id : {A::Combine, A::Find, A::FindPrevious, A::FindNext, A::Replace, A::GoToLine,
-                     A::PublicationWizard, A::CrystalWizard, A::EditLoop, A::NewLoop, A::SpecialCharacters}) {
+                     A::PublicationWizard, A::SpecialCharacters}) {
         windowAction(window_, id)->setEnabled(true);  // some start disabled
         window_.statusBar()->clearMessage();
         trigger(id);
