@@ -56,6 +56,7 @@ QcbsSpecialCharacterTable::QcbsSpecialCharacterTable(QWidget* parent) : QDialog(
         box = new QGroupBox(title, this);
         grid = new QGridLayout(box);
         grid->setSpacing(2);
+        grid->setColumnStretch(kColumns, 1);
         layout->addWidget(box);
         count = 0;
     };

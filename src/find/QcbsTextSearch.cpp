@@ -203,6 +203,9 @@ int replaceAll(QcbsRichTextEdit& editor, const QString& pattern, const QString& 
     }
     editor.replaceBytes(static_cast<int>(prefix), static_cast<int>(old.size() - suffix),
                         changed.substr(prefix, changed.size() - prefix - suffix));
+    // A selection that held a match would now cover a piece of its replacement.
+    editor.SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION,
+                         editor.SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS));
     return 1;
 }
 
