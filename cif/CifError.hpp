@@ -9,7 +9,7 @@
 // about (text) and an optional detail that the catalogue's message shows.
 class CifError {
 public:
-    // Codes 300-369; CifErrorCatalogue gives each its kind, message and
+    // Codes 300-384; CifErrorCatalogue gives each its kind, message and
     // explanation, and docs/errors.md lists them.
     enum ErrorID : int {
         warnings_omitted = 300,
@@ -82,6 +82,21 @@ public:
         obsolete_beside_replacement = 367,
         loop_values_shifted = 368,
         composite_key_not_unique = 369,
+        cell_volume_differs = 370,
+        cell_contents_differ = 371,
+        formula_weight_differs = 372,
+        density_differs = 373,
+        moiety_formula_differs = 374,
+        absorption_coefficient_differs = 375,
+        transmission_inconsistent = 376,
+        reflections_incomplete = 377,
+        data_to_parameter_ratio_low = 378,
+        shift_too_large = 379,
+        r_factor_high = 380,
+        residual_density_implausible = 381,
+        absolute_structure_unsettled = 382,
+        space_group_items_disagree = 383,
+        publication_item_missing = 384,
     };
 
     // 0 remark, 1 warning, 2 error; any other value is information.

@@ -217,6 +217,78 @@ constexpr CifErrorCatalogueEntry table[] = {
      "and site symmetry codes of a bond, angle or torsion) and this combination repeats; it is reported "
      "once, on the line of its first repetition. Bonds between the same atoms under different symmetry "
      "are different rows."},
+    {370, 2, "cell_volume_differs", "Value of %1 does not follow from the cell%2",
+     "The volume calculated from the cell lengths and angles and the stated volume differ by a ratio outside "
+     "0.999-1.001 (an error), or the volume's standard uncertainty differs from the one the cell's "
+     "uncertainties give by more than 8 times (an error), 4 times (a warning) or 2 times (a remark); lengths "
+     "that are equal take each other's uncertainty, and equal lengths may be fully correlated. A smaller "
+     "difference beyond three standard uncertainties is remark 303."},
+    {371, 1, "cell_contents_differ", "Value of %1 times Z does not match the atom sites%2",
+     "Z times the sum formula does not give, element by element, what the atom sites put into the cell "
+     "(occupancy times site multiplicity, the multiplicity from the space group, or without one from "
+     "_atom_site_symmetry_multiplicity; without hydrogen sites, hydrogen atoms from "
+     "_atom_site_attached_hydrogens), or _atom_type_number_in_cell disagrees with Z times the formula; a "
+     "count may be off by "
+     "0.1 plus 3 %. A remark when the only difference is that no hydrogen atom is among the sites."},
+    {372, 2, "formula_weight_differs", "Value of %1 is off the weight of the formula%2",
+     "_chemical_formula_weight differs from the weight of _chemical_formula_sum (or, without a sum formula, "
+     "from the atom sites' contents divided by Z) by more than 10 % (an error), 5 % (a warning) or 1 % (a "
+     "remark). A smaller difference beyond rounding is remark 303."},
+    {373, 1, "density_differs", "Value of %1 is off the density of the cell's contents%2",
+     "The density from Z, the formula weight and the cell volume differs from _exptl_crystal_density_diffrn "
+     "by more than 5 % (an error), 2 % (a warning) or 1 % (a remark; smaller differences beyond the "
+     "uncertainties are remark 303), or from the measured density _exptl_crystal_density_meas by more than "
+     "10 % (a warning) or 5 % (a remark)."},
+    {374, 1, "moiety_formula_differs", "Value of %1 does not add up to the sum formula%2",
+     "The parts of _chemical_formula_moiety, each times its multiplier, do not add up to "
+     "_chemical_formula_sum element by element (a count may be off by 0.01 plus 1 %), or a part cannot be "
+     "read (warnings); the parts' charges do not add up to zero (a remark)."},
+    {375, 1, "absorption_coefficient_differs", "Value of %1 is off the absorption of the cell's contents%2",
+     "_exptl_absorpt_coefficient_mu differs from the linear absorption coefficient of Z times the sum "
+     "formula in the cell volume, for Cu, Mo or Ag K-alpha radiation (from the wavelength or the radiation "
+     "type) and the mass attenuation coefficients of International Tables Vol. C Table 4.2.4.3, by more than "
+     "15 % (a remark), 30 % (a warning) or a factor 2 (an error)."},
+    {376, 2, "transmission_inconsistent", "Value of %1 does not fit the absorption correction%2",
+     "An absorption correction is named (_exptl_absorpt_correction_type other than none) but T_min or T_max "
+     "is missing (an error); mu times the crystal's middle size is above 3 with a multi-scan correction (an "
+     "error); or T_min/T_max is below 0.75 times exp(-mu (t_max - t_min)) from the crystal's sizes "
+     "(a remark)."},
+    {377, 2, "reflections_incomplete", "Value of %1 does not fit the cell and theta max%2",
+     "The unique reflections (_reflns_number_total) or all measured ones (_diffrn_reflns_number) are fewer "
+     "than 85 % of the unique reflections the cell, the Laue class and _diffrn_reflns_theta_max give (an "
+     "error); or an index limit goes beyond what theta max allows by more than one (a warning) or stays "
+     "below 90 % of it less one (a remark)."},
+    {378, 1, "data_to_parameter_ratio_low", "Value of %1 gives too few reflections per parameter%2",
+     "_refine_ls_number_reflns divided by _refine_ls_number_parameters is below 10 for a centrosymmetric "
+     "structure or below 8 for a non-centrosymmetric one."},
+    {379, 2, "shift_too_large", "Value of %1 shows that the refinement had not converged%2",
+     "The largest shift over its standard uncertainty in the last refinement cycle (_refine_ls_shift/su_max) "
+     "is above 0.20 (an error), 0.10 (a warning) or 0.05 (a remark)."},
+    {380, 2, "r_factor_high", "Value of %1 is high or does not fit the other R factor%2",
+     "_refine_ls_wR_factor_ref is above 0.45 (an error), 0.35 (a warning) or 0.25 (a remark); or, for a "
+     "refinement on F squared, R1 (_refine_ls_R_factor_gt, else _all) is above wR2 (a remark)."},
+    {381, 2, "residual_density_implausible", "Value of %1 is implausible for the residual density%2",
+     "_refine_diff_density_min is positive or _refine_diff_density_max negative (errors), or the largest "
+     "peak or hole is above 0.1 times the atomic number of the heaviest atom of the formula, in electrons "
+     "per cubic Angstrom (a warning)."},
+    {382, 1, "absolute_structure_unsettled", "Value of %1 leaves the absolute structure unsettled%2",
+     "A Flack parameter is given without _refine_ls_abs_structure_details saying how it was found (a "
+     "warning), or its standard uncertainty is above 0.3 in a non-centrosymmetric structure (a remark)."},
+    {383, 1, "space_group_items_disagree", "Value of %1 does not agree with the other space-group items%2",
+     "The Hall symbol cannot be read, or gives other operations than the listed operators, another setting "
+     "than the Hermann-Mauguin symbol (which without an origin or axes choice agrees with any), or another "
+     "number than the space-group number; or the operators form a group of another number. The symbol "
+     "against the number and the operators is 303 and 362."},
+    {384, 0, "publication_item_missing", "Publication item %1 is missing%2",
+     "A document meant for publication (one that gives any _publ_ or _journal_ item) lacks its title "
+     "(_publ_section_title) or authors (_publ_author_name), or a journal is requested "
+     "(_publ_requested_journal) "
+     "and it lacks the contact author's name (or the older _publ_contact_author) or e-mail address, the "
+     "requested category or, for a journal of the IUCr, _journal_coeditor_code; a value of ? counts as "
+     "missing. "
+     "Each is listed once per document, on the first block's line, unless the mandatory items already report "
+     "it "
+     "(347)."},
 };
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 // One row of the error catalogue.
 struct CifErrorCatalogueEntry {
-    int code;                 // 300-369
+    int code;                 // 300-384
     int kind;                 // 0 remark, 1 warning, 2 error
     const char* name;         // the symbolic name of CifError::ErrorID
     const char* message;      // %1: the error's text, %2: its detail
@@ -19,7 +19,7 @@ struct CifErrorCatalogueEntry {
 class CifErrorCatalogue {
 public:
     static constexpr int first_code = 300;
-    static constexpr int last_code = 369;
+    static constexpr int last_code = 384;
 
     // The row of a code, or null for a code outside the catalogue.
     static const CifErrorCatalogueEntry* find(int code);

@@ -2,16 +2,15 @@
 // Cross-checks of a document's values: cell, density, formula, symmetry, counts, labels.
 #pragma once
 
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "cif/Cif.hpp"
 #include "cif/CifError.hpp"
 #include "support/THandle.hpp"
 
+class CifBlockSymmetry;
+class CifCheckFindings;
 class CifDataBlock;
-class CifLineIndex;
 
 // Cross-checks of the values of a document, block by block, each tolerant
 // by the values' standard uncertainties (three of them, combined; a value
@@ -46,22 +45,18 @@ public:
 private:
     void check_block(const CifDataBlock& block);
     void check_cell(const CifDataBlock& block);
-    void check_chemistry(const CifDataBlock& block);
+    void check_chemistry(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
     void check_crystal_system(const CifDataBlock& block);
-    void check_space_group(const CifDataBlock& block);
+    void check_space_group(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
     void check_order(const CifDataBlock& block);
     void check_counts(const CifDataBlock& block);
     void check_labels(const CifDataBlock& block);
+    void check_experiment(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
+    void check_refinement(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
+    void check_publication();
     void add(CifError::ErrorID id, const CifDataBlock& block, const std::string& name,
              const std::string& detail);
-    int value_line(const CifDataBlock& block, const std::string& name, std::size_t n) const;
-    // The item's rows before the first a syntax problem damaged.
-    std::size_t sound_rows(const CifDataBlock& block, const CifDataItem& item) const;
 
     THandle<Cif> cif_;
-    // The line index of the document's text, made when a value first needs its line.
-    const CifLineIndex& line_index() const;
-    mutable std::unique_ptr<CifLineIndex> lines_;  // built on the first value that needs its line
-    std::vector<CifError> findings_;
-    std::vector<int> damage_lines_;  // sorted lines of syntax problems that displace values
+    CifCheckFindings* findings_ = nullptr;  // of the run of check_cif()
 };

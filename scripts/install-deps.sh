@@ -24,6 +24,8 @@ packages=(
   tao-pegtl-dev gemmi
   # real-world CIFs and dictionaries for tests and benchmarks; a peer validator
   libavogadro-data libcifpp-data cod-tools
+  # full structure reports (two from the COD) for the structure checks' measurements
+  cif2hkl drawxtl gdis-data
   # running the editor headless and looking at it
   xvfb xauth x11-utils xdotool imagemagick fonts-dejavu-core
   # the Debian package (cpack -G DEB) and its validators: dependencies found by

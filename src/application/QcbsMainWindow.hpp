@@ -31,10 +31,12 @@ class QcbsEditDataDialogue;
 class QcbsErrorListView;
 class QcbsHelpWindow;
 class QcbsLineNumberedTextEdit;
+class QcbsLoopTableEditorImpl;
 class QcbsMainWindowActions;
 class QcbsPreferencesDialog;
 class QcbsRichTextEdit;
 class QcbsVisSorter;
+class QcbsWizard;
 
 // One editor window holding one document: the editor with the tree of its
 // blocks beside it, the visualiser page, the error list and the output pane,
@@ -69,6 +71,10 @@ public:
     // The edit data dialogue open in its help form, and in its editing form.
     QcbsEditDataDialogue* helpDialogue() const;
     QcbsEditDataDialogue* setDataDialogue() const;
+    // The loop table editor dialog while it is open; null otherwise.
+    QcbsLoopTableEditorImpl* loopEditor() const;
+    // The wizard open on this window's document, or null.
+    QcbsWizard* openWizard() const;
     QcbsErrorListView* errorList() const { return errorList_; }
     QComboBox* blocksCombo() const;
     QcbsMainWindowActions* windowActions() const { return actions_; }
@@ -209,8 +215,16 @@ public slots:
     void showTreeDialog();
     void publicationWizard();
     void crystalWizard();
+    // The loop table editor dialog on the loop of the looped item chosen in
+    // the tree (when the tree has the focus) or of the editor's cursor.
     void loopEd();
+    // The dialog on an empty loop, added to the block at the cursor on OK.
     void loopNew();
+    // The dialog on the loop holding the data name in the named block.
+    void loopEditHelper(const QString& dataName, const QString& blockName);
+    // Puts a loop's new text into the document as one undo step, then checks.
+    void loopUpdate(const QString& blockName, const QString& loopMaster, const QString& loopText);
+    void loopAdd(const QString& blockName, const QString& loopText);
     void blockComboSelected(int index);
     void hg();
     void enableVisualiser(QWidget* page);
@@ -395,6 +409,10 @@ private:
 
     // --- The tree's routing (QcbsMainWindowTree.cpp) ---
     void connectTree(QcbsCifBoxView* tree);
+    // The item whose data name stands on the 1-based line or last before it in
+    // the block (for a loop's value line, the loop's last column), as the last
+    // check saw the text; null before the block's first item.
+    static THandle<CifDataItem> itemAtLine(const CifDataBlock& block, int line);
     // The tree selects the item the editor's cursor stands in.
     void followCursorInTree(int paragraph);
     // The text a single block's row shows instead of its name, if any.
@@ -408,4 +426,19 @@ private:
     QPointer<QcbsEditDataDialogue> setDataDialogue_;
 
     bool missingDictionaryNoted_ = false;
+
+    // --- Loops (QcbsMainWindowLoops.cpp) ---
+    // A new loop table editor dialog (closing the one open) wired to the document.
+    QcbsLoopTableEditorImpl* makeLoopEditor();
+    // The editor gives up its own binding of the loop commands' keys (Ctrl+L
+    // cuts a line there), so that they reach the window's actions.
+    void claimLoopKeys();
+    QPointer<QcbsLoopTableEditorImpl> loopEditor_;
+    // --- The wizards' launching (QcbsMainWindowWizards.cpp) ---
+    // The index of the block at the editor's cursor in a fresh check of the
+    // text (the first block when the cursor is above every block), or -1.
+    int blockIndexAtCursor(const THandle<Cif>& cif) const;
+    // The crystal wizard on the block at the cursor of a checked document.
+    void openCrystalWizard(const THandle<Cif>& cif);
+    QPointer<QcbsWizard> wizard_;
 };

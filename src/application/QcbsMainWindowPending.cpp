@@ -13,9 +13,3 @@ void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }
 // --- checking, views and wizards -------------------------------------------------------
 
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
-
-void QcbsMainWindow::crystalWizard() { showNotAvailable("The crystal wizard"); }
-
-void QcbsMainWindow::loopEd() { showNotAvailable("Editing loops"); }
-
-void QcbsMainWindow::loopNew() { showNotAvailable("Making new loops"); }

@@ -15,10 +15,17 @@
 
 namespace {
 
-// The item whose data name stands on the 1-based line or last before it in
-// the block (for a loop's value line, the loop's last column), as the last
-// check saw the text; null before the block's first item.
-THandle<CifDataItem> itemAtLine(const CifDataBlock& block, int line) {
+// "_atom_site" for the category row "_atom_site_[]"; other names as they are.
+QString searchedName(const QString& name) {
+    if (!name.endsWith("[]")) return name;
+    QString category = name.chopped(2);
+    while (category.endsWith('_')) category.chop(1);
+    return category;
+}
+
+}  // namespace
+
+THandle<CifDataItem> QcbsMainWindow::itemAtLine(const CifDataBlock& block, int line) {
     THandle<CifDataItem> found;
     int foundLine = 0;
     for (auto item = block.begin_write_order(); item != block.end_write_order(); ++item) {
@@ -30,16 +37,6 @@ THandle<CifDataItem> itemAtLine(const CifDataBlock& block, int line) {
     }
     return found;
 }
-
-// "_atom_site" for the category row "_atom_site_[]"; other names as they are.
-QString searchedName(const QString& name) {
-    if (!name.endsWith("[]")) return name;
-    QString category = name.chopped(2);
-    while (category.endsWith('_')) category.chop(1);
-    return category;
-}
-
-}  // namespace
 
 QcbsCifBoxViewDialog* QcbsMainWindow::treeDialog() const { return treeDialog_; }
 
@@ -54,6 +51,7 @@ void QcbsMainWindow::connectTree(QcbsCifBoxView* tree) {
             qOverload<const QString&>(&QcbsMainWindow::dataitemHelp));
     connect(tree, &QcbsCifBoxView::dataItemSetRequest, this, &QcbsMainWindow::setDataItem);
     connect(tree, &QcbsCifBoxView::insertTextRequest, this, &QcbsMainWindow::editorInsertTextHelper);
+    connect(tree, &QcbsCifBoxView::loopEditRequest, this, &QcbsMainWindow::loopEditHelper);
 }
 
 QString QcbsMainWindow::singleBlockSubstitute(const THandle<Cif>& cif) const {

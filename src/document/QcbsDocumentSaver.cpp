@@ -28,10 +28,44 @@ void syncDirectory(const QString& fileName) {
     ::close(fd);
 }
 
+// Fsyncs a file by its name.
+bool syncFile(const QString& fileName) {
+    const int fd = ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    const bool synced = ::fsync(fd) == 0;
+    ::close(fd);
+    return synced;
+}
+
+// Makes the backup of the old file without ever moving the old file away:
+// a second name for it (a hard link; a synced copy where the file system has
+// none) is made under a temporary name and renamed over the backup name. So
+// the backup is whole whenever it exists, an older one stays until then, and
+// the file's own name keeps the old content until the new one replaces it.
+bool makeBackup(const QString& fileName, const QString& backup) {
+    const QString temporary = backup + QString(".%1.tmp").arg(::getpid());
+    const QByteArray from = QFile::encodeName(fileName);
+    const QByteArray to = QFile::encodeName(temporary);
+    ::unlink(to.constData());
+    if (::link(from.constData(), to.constData()) != 0) {
+        if (!QFile::copy(fileName, temporary) || !syncFile(temporary)) {
+            QFile::remove(temporary);
+            return false;
+        }
+    }
+    if (!renameReplacing(temporary, backup)) {
+        QFile::remove(temporary);
+        return false;
+    }
+    syncDirectory(backup);
+    return true;
+}
+
 // Big texts go out in pieces, so that the progress can be told and the
 // write stopped.
 constexpr qsizetype kPiece = 8 * 1024 * 1024;
 
+// Writes and syncs the temporary file; the caller commits it.
 bool writeAll(QSaveFile& file, QByteArrayView bytes, const QcbsDocumentSaver::Progress& progress,
               QString& error, bool& cancelled) {
     if (!file.open(QIODevice::WriteOnly)) {
@@ -63,10 +97,6 @@ bool writeAll(QSaveFile& file, QByteArrayView bytes, const QcbsDocumentSaver::Pr
         file.cancelWriting();
         return false;
     }
-    if (!file.commit()) {
-        error = file.errorString();
-        return false;
-    }
     return true;
 }
 
@@ -81,25 +111,21 @@ QString QcbsDocumentSaver::backupName(const QString& fileName) {
 QcbsDocumentSaver::Result QcbsDocumentSaver::save(const QString& fileName, QByteArrayView bytes, bool backup,
                                                   const Progress& progress) {
     Result result;
-    bool movedToBackup = false;
-    QFile::Permissions permissions;
+    // The new content goes to a synced temporary file renamed over the name:
+    // until then the name holds the old content, whole. The backup is made
+    // only once the new content is safe, so a failed or cancelled save
+    // leaves everything as it was, an older backup included.
+    QSaveFile file(fileName);
+    if (!writeAll(file, bytes, progress, result.error, result.cancelled)) return result;
     if (backup && QFileInfo::exists(fileName)) {
         result.backupName = backupName(fileName);
-        permissions = QFile::permissions(fileName);
-        movedToBackup = renameReplacing(fileName, result.backupName);
-        result.backupFailed = !movedToBackup;
+        result.backupFailed = !makeBackup(fileName, result.backupName);
     }
-
-    QSaveFile file(fileName);
-    result.saved = writeAll(file, bytes, progress, result.error, result.cancelled);
-    if (!result.saved) {
-        // The old content goes back to its name; should that fail too, it
-        // is still whole at the backup name.
-        if (movedToBackup) renameReplacing(result.backupName, fileName);
+    if (!file.commit()) {
+        result.error = file.errorString();
         return result;
     }
-    // A file made afresh after the backup rename keeps the old file's permissions.
-    if (movedToBackup) QFile::setPermissions(fileName, permissions);
+    result.saved = true;
     syncDirectory(fileName);
     return result;
 }

@@ -6,19 +6,21 @@
 #include <QString>
 #include <functional>
 
-// Writes a document's bytes over its file so that no failure of the disk can
-// cost the old content: the bytes go to a temporary file in the same
-// directory, are flushed and synced, and only then is that file renamed over
-// the old one. With a backup asked for, the old file is first renamed to its
-// backup name (replacing an older backup); when the write then fails, it is
-// renamed back. Whatever fails, the old content stays byte for byte at the
-// file's name or, failing that, at the backup name.
+// Writes a document's bytes over its file so that neither a failure of the
+// disk nor the process killed at any moment can cost the old content: the
+// bytes go to a temporary file in the same directory, are flushed and
+// synced, and only then is that file renamed over the old one. So the name
+// holds the whole old content or the whole new one at every instant. With a
+// backup asked for, a second name for the old file (a hard link, or a synced
+// copy) is made once the new content is on the disk, just before the rename,
+// and renamed over the backup name: the backup is whole whenever it exists,
+// and a failed save leaves an older one in place.
 class QcbsDocumentSaver {
 public:
     struct Result {
         bool saved = false;
-        // A backup was asked for but the old file could not be renamed to
-        // backupName; the save itself went on.
+        // A backup was asked for but could not be made at backupName; the
+        // save itself went on.
         bool backupFailed = false;
         QString backupName;
         // The write was stopped by the progress function.

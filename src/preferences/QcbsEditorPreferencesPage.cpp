@@ -27,6 +27,19 @@ const QcbsOptionSwitch kEditorSwitches[] = {
     {"save backup file", "Keep a &backup copy when saving",
      "Saving first renames the old file, with _backup before its extension (name_backup.cif).",
      &QcbsOptions::save_backup},
+    {"folding", "Fo&ld loops, save frames and text fields",
+     "A margin left of the text opens and closes loops, save frames and text fields.", &QcbsOptions::folding},
+    {"data name completion", "&Offer data names while typing",
+     "Typing \"_\" lists the enabled dictionaries' data names, with each definition's first line.",
+     &QcbsOptions::data_name_completion},
+    {"matching delimiters", "Show &matching quotes and delimiters",
+     "The partner of the quote, bracket or text-field \";\" at the cursor is marked.",
+     &QcbsOptions::matching_delimiters},
+    {"rectangular selection", "Type into &column selections",
+     "Alt+drag selects a column; typing and pasting reach every line of it.",
+     &QcbsOptions::rectangular_selection},
+    {"show white space", "Show white s&pace", "Blanks, tabs and line ends are shown as marks.",
+     &QcbsOptions::show_white_space},
 };
 
 const QcbsOptionSwitch kStartWithTemplate = {

@@ -21,3 +21,5 @@ QPixmap render(const QString& resource, const QSize& size) {
 QPixmap splashScreen() { return render(":/images/splash.svg", QSize(480, 280)); }
 
 QPixmap aboutImage() { return render(":/images/splash.svg", QSize(360, 210)); }
+
+QPixmap wizardImage() { return render(":/images/wizard-side.svg", QSize(150, 380)); }

@@ -7,3 +7,5 @@
 // The program's built-in pictures that are not numbered icons.
 QPixmap splashScreen();
 QPixmap aboutImage();
+// The picture on the left of every wizard page.
+QPixmap wizardImage();

@@ -129,9 +129,11 @@ QcbsErrorListView::Filled QcbsErrorListView::fill(const CifErrorContainer& error
                     ++filled.listed[type];
                     break;
                 case CifError::warning:
+                    // The cross-checks' messages follow the reading's and may go back to
+                    // earlier lines: any line but the next or the same starts a new run.
                     if (line == previousWarning + 1)
                         ++warningRun;
-                    else if (line > previousWarning + 1)
+                    else if (line != previousWarning)
                         warningRun = 1;
                     if (warningRun <= runLimit) {
                         addWarning(message, line, error.id());
@@ -148,7 +150,7 @@ QcbsErrorListView::Filled QcbsErrorListView::fill(const CifErrorContainer& error
                     ++filled.listed[type];
                     if (line == previousError + 1)
                         ++errorRun;
-                    else if (line > previousError + 1)
+                    else if (line != previousError)
                         errorRun = 0;
                     previousError = line;
                     if (errorRun >= runLimit) filled.stoppedAt = line;

@@ -68,5 +68,9 @@ QMenu* QcbsCifBoxDataItem::makeContextMenu() {
         add(-1, "Set data item value", [tree, name, block] {
             if (tree) tree->emitDataItemSetRequest(name, block);
         });
+    else
+        add(-1, "Edit loop", [tree, name, block] {
+            if (tree) tree->emitLoopEditRequest(name, block);
+        });
     return menu;
 }

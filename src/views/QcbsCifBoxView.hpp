@@ -83,6 +83,7 @@ public:
     void emitDataItemSetRequest(const QString& item, const QString& block) {
         emit dataItemSetRequest(item, block);
     }
+    void emitLoopEditRequest(const QString& item, const QString& block) { emit loopEditRequest(item, block); }
 
 public slots:
     // A double click or Return on a row.
@@ -99,6 +100,8 @@ signals:
     void insertTextRequest(const QString& text);
     // A new value is wanted for the data item in the block.
     void dataItemSetRequest(const QString& item, const QString& block);
+    // The loop holding the data item in the block is to be edited as a table.
+    void loopEditRequest(const QString& item, const QString& block);
 
 protected:
     // Return or Enter on a row selects it as a double click does.

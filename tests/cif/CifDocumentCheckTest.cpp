@@ -68,7 +68,7 @@ TEST(CifDocumentCheck, ReadsThenChecksMandatoryItemsThenConsistencyAsAsked) {
     // line, then the volume on its own line.
     ASSERT_EQ(syntaxOnly.size(), 3u);
     EXPECT_EQ(syntaxOnly[1], std::make_pair(int(CifError::mandatory_item_missing), 1));
-    EXPECT_EQ(syntaxOnly[2], std::make_pair(int(CifError::calculated_value_differs), 8));
+    EXPECT_EQ(syntaxOnly[2], std::make_pair(int(CifError::cell_volume_differs), 8));
 
     settings.consistency = false;
     settings.publication_items.clear();

@@ -43,6 +43,7 @@ const FolderLicence kLicences[] = {
     {"packaging", kMit},
     {"bench/parse_vs_gemmi", kMit},
     {"bench/dictionary", kMit},
+    {"bench/structure_checks", kMit},
     {"bench/files", kMit},
     {"bench/check", kGpl},
     {"bench/document", kGpl},
@@ -50,6 +51,7 @@ const FolderLicence kLicences[] = {
     {"bench/find", kGpl},
     {"bench/highlight", kGpl},
     {"bench/tree", kGpl},
+    {"bench/loop_table", kGpl},
     {"bench/visualiser", kGpl},
 };
 
@@ -226,6 +228,8 @@ std::string layeringProblem(const std::string& piece, const Include& include) {
         return "a document includes only the base floor and the editor's text widget: " + include.target;
     if (piece == "src/find" && target != "src/base" && target != "src/editor")
         return "the search dialogs include only the base floor and the editor: " + include.target;
+    if (piece == "src/wizards" && target != "src/base" && target != "src/views" && target != "src/resources")
+        return "a wizard includes only the base floor, the views and the pictures: " + include.target;
     return std::string();
 }
 
@@ -254,6 +258,11 @@ TEST(SourceRules, LayeringRulesAreCheckedAsWritten) {
         {"src/document", {1, "editor/QcbsRichTextEdit.hpp", false}, true},
         {"src/document", {1, "editor/QcbsUnicode.hpp", false}, false},
         {"src/views", {1, "tools/FileCheck.hpp", false}, false},
+        {"src/wizards", {1, "views/QcbsEditDataDialogue.hpp", false}, true},
+        {"src/wizards", {1, "resources/QcbsImages.hpp", false}, true},
+        {"src/wizards", {1, "document/QcbsCifDocument.hpp", false}, false},
+        {"src/wizards", {1, "editor/QcbsRichTextEdit.hpp", false}, false},
+        {"src/wizards", {1, "application/QcbsMainWindow.hpp", false}, false},
     };
     for (const auto& c : cases)
         EXPECT_EQ(layeringProblem(c.piece, c.include).empty(), c.good)

@@ -156,9 +156,17 @@ TEST_F(CheckFiles, MandatoryItemsAndConsistencyChecksCanBeAskedForAndSwitchedOff
     EXPECT_EQ(run("--mandatory " + path("nothing.txt") + " " + c), 2);
     write("cell.cif",
           "data_c\n_cell_length_a 5.000\n_cell_length_b 5.000\n_cell_length_c 5.000\n_cell_angle_alpha 90\n"
-          "_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 130\n");
+          "_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 125.11\n");
     EXPECT_EQ(run(c), 0);
     EXPECT_NE(out.find(c + ":8: remark [303]: Value of _cell_volume differs"), std::string::npos) << out;
+    // Off by more than 0.1 %, it is an error of its own.
+    write("cell.cif",
+          "data_c\n_cell_length_a 5.000\n_cell_length_b 5.000\n_cell_length_c 5.000\n_cell_angle_alpha 90\n"
+          "_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 130\n");
+    EXPECT_EQ(run(c), 1);
+    EXPECT_NE(out.find(c + ":8: error [370]: Value of _cell_volume does not follow from the cell (130; "),
+              std::string::npos)
+        << out;
     EXPECT_EQ(run("--no-consistency " + c), 0);
     EXPECT_EQ(out, c + ": 0 errors, 0 warnings, 0 remarks\n");
 }

@@ -12,25 +12,27 @@
 #include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
+#include "validation/QcbsErrorListViewItem.hpp"
+#include "validation/QcbsErrorResource.hpp"
 
 namespace {
 
 const QString kCoreDirectory = QDir::cleanPath(TESSARY_SHARED_DIR "/dictionaries");
 
 // A CIF with known problems: a cell volume that disagrees with the cell
-// (remark, line 8), a value of the wrong type (line 9), a value not among
-// the permitted ones (10), a name no dictionary defines (11), a validation
-// reply (12, not listed), a value out of range (16) and an unterminated
-// quoted string whose value is not a number either (17, twice).
+// beyond its uncertainty, though by less than 0.1 % (remark, line 8), a value of the wrong type (line 9), a
+// value not among the permitted ones (10), a name no dictionary defines (11), a validation reply (12, not
+// listed), a value out of range (16) and an unterminated quoted string whose value is not a number either
+// (17, twice).
 const QStringList kKnownProblems{
     "data_known",
-    "_cell_length_a                    10.000(2)",
-    "_cell_length_b                    10.000(2)",
-    "_cell_length_c                    10.000(2)",
+    "_cell_length_a                    10.000",
+    "_cell_length_b                    10.000",
+    "_cell_length_c                    10.000",
     "_cell_angle_alpha                 90",
     "_cell_angle_beta                  90",
     "_cell_angle_gamma                 90",
-    "_cell_volume                      2000.0",
+    "_cell_volume                      1000.5",
     "_cell_measurement_temperature     abc",
     "_symmetry_cell_setting            squarish",
     "_made_up_item                     1",
@@ -160,6 +162,43 @@ TEST_F(MainWindowCheck, WithoutDictionariesTheCheckIsSyntaxOnlyAndSaysOnceHowToA
     EXPECT_FALSE(entriesUnder(list(), "Warnings").join("\n").contains("_made_up_item"));
 }
 
+TEST_F(MainWindowCheck, CtrlKListsTheStructureChecksAtTheirLevelsWithTheirHelpPages) {
+    start();
+    focus();
+    // A volume 1 % off the cell (error), a largest shift/su of 0.15 (warning), a wR2 of 0.30 (remark).
+    typeLines(editor(),
+              {"data_s", "_cell_length_a 10.000", "_cell_length_b 10.000", "_cell_length_c 10.000",
+               "_cell_angle_alpha 90", "_cell_angle_beta 90", "_cell_angle_gamma 90", "_cell_volume 1010",
+               "_refine_ls_shift/su_max 0.15", "_refine_ls_wR_factor_ref 0.30"});
+    pressCtrlK();
+    const QStringList errors = entriesUnder(list(), "Errors");
+    ASSERT_EQ(errors.size(), 1) << errors.join("\n").toStdString();
+    EXPECT_TRUE(errors[0].startsWith("8: Value of _cell_volume does not follow from the cell (1010"));
+    const QStringList warnings = entriesUnder(list(), "Warnings");
+    ASSERT_EQ(warnings.size(), 1) << warnings.join("\n").toStdString();
+    EXPECT_TRUE(warnings[0].startsWith("9: Value of _refine_ls_shift/su_max shows that the refinement"));
+    const QStringList remarks = entriesUnder(list(), "Remarks");
+    ASSERT_EQ(remarks.size(), 1) << remarks.join("\n").toStdString();
+    EXPECT_TRUE(remarks[0].startsWith("10: Value of _refine_ls_wR_factor_ref is high"));
+
+    // Each entry leads to its code's page.
+    const QStringList pages{"110", "119", "120"};
+    for (int heading = 0; heading < 3; ++heading) {
+        const auto* entry = dynamic_cast<QcbsErrorListViewItem*>(list()->topLevelItem(heading)->child(0));
+        ASSERT_NE(entry, nullptr) << heading;
+        EXPECT_EQ(QcbsErrorResource::get_help_file(entry->identifier(1)),
+                  "tessary/PortableHTML/tessary_portable-3-" + pages[heading] + ".html");
+    }
+
+    // Corrected, the next check finds nothing.
+    editor()->setPlainText(
+        "data_s\n_cell_length_a 10.000\n_cell_length_b 10.000\n_cell_length_c 10.000\n_cell_angle_alpha 90\n"
+        "_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 1000\n_refine_ls_shift/su_max 0.01\n"
+        "_refine_ls_wR_factor_ref 0.10\n");
+    pressCtrlK();
+    EXPECT_EQ(list()->numberTotal(), 0) << entriesUnder(list(), "Remarks").join("\n").toStdString();
+}
+
 // --- how the findings are listed ---------------------------------------------------------
 
 THandle<Cif> documentWith(const std::vector<CifError>& messages, const std::string& text = {}) {
@@ -217,6 +256,10 @@ TEST_F(MainWindowParsing, RunsOfErrorsAndWarningsAreCutAndEveryCheckEndsWithItsT
          "Total errors: 9; warnings: 0; remarks: 0\n"},
         {"W10 W11 W12 W13 W14 W15 W20", "W10 W11 W12 W13 W14~ W20",
          "Total errors: 0; warnings: 7; remarks: 0 (listed: 5 of 7 warnings)\n"},
+        // The cross-checks' findings come after the reading's and go back to earlier lines: a new run.
+        {"W10 W11 W12 W13 W14 W15 W16 W3 W4", "W3 W4 W10 W11 W12 W13 W14~",
+         "Total errors: 0; warnings: 9; remarks: 0 (listed: 6 of 9 warnings)\n"},
+        {"E10 E11 E12 E13 E2 E3", "E2 E3 E10 E11 E12 E13", "Total errors: 6; warnings: 0; remarks: 0\n"},
         // Had the validation reply counted, line 15 would be the fifth of a run.
         {"W10 W11 W12 W13 V14 W15", "W10 W11 W12 W13 W15", "Total errors: 0; warnings: 5; remarks: 0\n"},
         {"", "", "No errors, warnings or remarks.\n"},
@@ -322,8 +365,8 @@ TEST_F(MainWindowParsing, CheckRunsOnlyForAnEditorWithAFileAndSomeText) {
 
 TEST_F(MainWindowParsing, TheLineLengthAndConsistencyOptionsReachTheCheck) {
     editor()->setPlainText(
-        "data_c\n_cell_length_a 10.0\n_cell_length_b 10.0\n_cell_length_c 10.0\n"
-        "_cell_angle_alpha 90\n_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 2000.0\n"
+        "data_c\n_cell_length_a 10.000\n_cell_length_b 10.000\n_cell_length_c 10.000\n"
+        "_cell_angle_alpha 90\n_cell_angle_beta 90\n_cell_angle_gamma 90\n_cell_volume 1000.5\n"
         "_a " +
         QString(60, 'v') + "\n");
     changeOptions(*window_, [](QcbsOptions& o) {

@@ -118,6 +118,9 @@ TEST_F(PreferencesDialog, EachOptionSetInTheDialogReachesEveryWindowAndTheSettin
     const auto check = [](const char* name) {
         return [name](F& t, Dialog* d) { t.field<QCheckBox>(d, name)->setChecked(true); };
     };
+    const auto uncheck = [](const char* name) {
+        return [name](F& t, Dialog* d) { t.field<QCheckBox>(d, name)->setChecked(false); };
+    };
     const auto text = [](const char* name, QString value) {
         return [name, value](F& t, Dialog* d) { t.field<QLineEdit>(d, name)->setText(value); };
     };
@@ -133,6 +136,17 @@ TEST_F(PreferencesDialog, EachOptionSetInTheDialogReachesEveryWindowAndTheSettin
          [](const QcbsMainWindow& w) { return w.reuseWindow(); }},
         {"save backup file", check("save backup file"), "true",
          [](const QcbsMainWindow& w) { return w.options().save_backup; }},
+        // The editor's own switches, each reaching the editor itself.
+        {"folding", uncheck("folding"), "false",
+         [](const QcbsMainWindow& w) { return !w.currentEditor()->foldingEnabled(); }},
+        {"data name completion", uncheck("data name completion"), "false",
+         [](const QcbsMainWindow& w) { return !w.currentEditor()->dataNameCompletion(); }},
+        {"matching delimiters", uncheck("matching delimiters"), "false",
+         [](const QcbsMainWindow& w) { return !w.currentEditor()->matchingDelimiters(); }},
+        {"rectangular selection", uncheck("rectangular selection"), "false",
+         [](const QcbsMainWindow& w) { return !w.currentEditor()->rectangularSelection(); }},
+        {"show white space", check("show white space"), "true",
+         [](const QcbsMainWindow& w) { return w.currentEditor()->whiteSpaceVisible(); }},
         {"template filename", text("template filename", templateFile), templateFile,
          [=](const QcbsMainWindow& w) { return w.options().template_file == templateFile; }},
         {"start with template", check("start with template"), "true",

@@ -31,6 +31,7 @@ TEST(HelpPages, ThePageNumberGoesIntoTheTemplateAndKindsWithoutAPageGetNone) {
     for (auto [a, b] : {std::pair{327, 328}, {348, 349}, {351, 352}, {354, 355}})
         EXPECT_EQ(helpFile(a), helpFile(b)) << a;
     EXPECT_EQ(helpFile(369), "tessary/PortableHTML/tessary_portable-3-109.html");
+    EXPECT_EQ(helpFile(384), "tessary/PortableHTML/tessary_portable-3-124.html");
     for (int code :
          {-300, 0, 299, 300, 301, 314, 323, 342, 363, 366, CifErrorCatalogue::last_code + 1, 1000}) {
         EXPECT_TRUE(helpFile(code).isEmpty() && !helpFile(code).isNull()) << code;

@@ -62,7 +62,7 @@ protected:
 TEST_F(CifBoxView, ItemRowsShowPresenceLoopsAndRefusedValuesInTheirIconTheirColourAndTheirMenu) {
     const QStringList present{"Go to item", "Item help", "Copy item name", "Set data item value"};
     const QStringList absent{"Item help", "Copy item name", "Paste into editor", "Set data item value"};
-    const QStringList looped{"Go to item", "Item help", "Copy item name"};
+    const QStringList looped{"Go to item", "Item help", "Copy item name", "Edit loop"};
     const struct {
         const char* category;
         const char* name;

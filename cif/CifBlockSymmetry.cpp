@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+// A block's symmetry items read once: symbols, number, operators and the group they form.
+#include "cif/CifBlockSymmetry.hpp"
+
+#include <array>
+#include <cmath>
+#include <gemmi/symmetry.hpp>
+#include <optional>
+#include <stdexcept>
+
+#include "cif/CifCheckValues.hpp"
+
+namespace {
+
+std::string trimmed(const std::string& text) {
+    std::size_t first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string::npos) return std::string();
+    std::size_t last = text.find_last_not_of(" \t\r\n");
+    return text.substr(first, last - first + 1);
+}
+
+std::optional<gemmi::GroupOps> from_triplets(const std::vector<std::string>& operators) {
+    std::vector<gemmi::Op> ops;
+    try {
+        for (const std::string& text : operators) {
+            gemmi::Op op = gemmi::parse_triplet(trimmed(text));
+            if (op.det_rot() == 0) return std::nullopt;
+            ops.push_back(op.wrap());
+        }
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+    if (ops.empty()) return std::nullopt;
+    gemmi::GroupOps group = gemmi::split_centering_vectors(ops);
+    if (group.cen_ops.empty()) group.cen_ops.push_back({0, 0, 0});
+    return group;
+}
+
+std::optional<gemmi::GroupOps> from_hall(const std::string& hall) {
+    if (hall.empty()) return std::nullopt;
+    try {
+        return gemmi::symops_from_hall(hall.c_str());
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<gemmi::GroupOps> from_symbol(const std::string& symbol) {
+    std::string xhm = Spacegroup::derive_orma_symbol(symbol);
+    if (xhm == "Unknown") return std::nullopt;
+    const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_name(xhm);
+    if (found == nullptr) return std::nullopt;
+    return found->operations();
+}
+
+std::optional<gemmi::GroupOps> from_number(int number) {
+    if (number < 1 || number > 230) return std::nullopt;
+    return gemmi::get_spacegroup_reference_setting(number).operations();
+}
+
+}  // namespace
+
+struct CifBlockSymmetry::Ops {
+    std::optional<gemmi::GroupOps> operators, hall, chosen;
+    bool hall_built = false;
+    // Every operation of the chosen group with its centrings, as the rows of
+    // a 3x4 matrix of doubles (rotation, then translation).
+    std::vector<std::array<double, 12>> affine;
+};
+
+CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
+    std::tie(symbol_name_, symbol_) = cif_check_text(
+        block, {"_symmetry_space_group_name_H-M", "_space_group_name_H-M_alt", "_space_group.name_H-M_alt"});
+    std::tie(hall_name_, hall_) = cif_check_text(
+        block, {"_space_group_name_Hall", "_symmetry_space_group_name_Hall", "_space_group.name_Hall"});
+    CifReading number = cif_check_read(
+        block, {"_symmetry_Int_Tables_number", "_space_group_IT_number", "_space_group.IT_number"});
+    number_name_ = number.name;
+    if (number.ok) number_ = static_cast<int>(std::lround(number.value()));
+    for (const char* name : {"_symmetry_equiv_pos_as_xyz", "_space_group_symop_operation_xyz",
+                             "_space_group_symop.operation_xyz"}) {
+        THandle<CifDataItem> item = block.find(name);
+        if (item.is_null()) continue;
+        operators_name_ = item->name();
+        for (std::size_t n = 0; n < item->size(); ++n) operators_.emplace_back(item->value_view(n));
+        break;
+    }
+}
+
+CifBlockSymmetry::~CifBlockSymmetry() = default;
+
+const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
+    if (operators_.empty()) return nullptr;
+    if (!spacegroup_)
+        spacegroup_ = std::make_unique<Spacegroup>(operators_, Spacegroup::number_of(symbol_), symbol_);
+    return spacegroup_.get();
+}
+
+const gemmi::GroupOps* CifBlockSymmetry::operations() const {
+    if (!ops_) {
+        ops_ = std::make_unique<Ops>();
+        ops_->operators = from_triplets(operators_);
+        if (ops_->operators)
+            ops_->chosen = ops_->operators;
+        else if (operations_of_hall() != nullptr)
+            ops_->chosen = ops_->hall;
+        else if (auto symbol = from_symbol(symbol_))
+            ops_->chosen = symbol;
+        else
+            ops_->chosen = from_number(number_);
+    }
+    return ops_->chosen ? &*ops_->chosen : nullptr;
+}
+
+const gemmi::GroupOps* CifBlockSymmetry::operations_of_operators() const {
+    operations();  // the operators are read first
+    return ops_->operators ? &*ops_->operators : nullptr;
+}
+
+const gemmi::GroupOps* CifBlockSymmetry::operations_of_hall() const {
+    if (!ops_) ops_ = std::make_unique<Ops>();
+    if (!ops_->hall_built) {
+        ops_->hall_built = true;
+        const gemmi::SpaceGroup* setting = hall_setting();
+        ops_->hall =
+            setting != nullptr ? std::optional<gemmi::GroupOps>(setting->operations()) : from_hall(hall_);
+    }
+    return ops_->hall ? &*ops_->hall : nullptr;
+}
+
+const gemmi::SpaceGroup* CifBlockSymmetry::hall_setting() const {
+    if (hall_.empty()) return nullptr;
+    auto same = [](const std::string& written, const char* tabulated) {
+        std::size_t i = 0;
+        for (const char* p = tabulated; *p != '\0'; ++p) {
+            while (i < written.size() && written[i] == ' ') ++i;
+            if (*p == ' ') continue;
+            if (i == written.size() || written[i] != *p) return false;
+            ++i;
+        }
+        while (i < written.size() && written[i] == ' ') ++i;
+        return i == written.size();
+    };
+    // The settings of the stated number first: usually one of them.
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) {
+        if (group.number == number_ && same(hall_, group.hall)) return &group;
+    }
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) {
+        if (group.number != number_ && same(hall_, group.hall)) return &group;
+    }
+    return nullptr;
+}
+
+bool CifBlockSymmetry::hall_readable() const { return hall_.empty() || operations_of_hall() != nullptr; }
+
+bool CifBlockSymmetry::centrosymmetric() const {
+    const gemmi::GroupOps* ops = operations();
+    return ops != nullptr && ops->is_centrosymmetric();
+}
+
+int CifBlockSymmetry::laue_order() const {
+    const gemmi::GroupOps* ops = operations();
+    if (ops == nullptr) return 0;
+    int rotations = static_cast<int>(ops->sym_ops.size());
+    return ops->is_centrosymmetric() ? rotations : 2 * rotations;
+}
+
+int CifBlockSymmetry::centring_count() const {
+    const gemmi::GroupOps* ops = operations();
+    return ops == nullptr ? 0 : static_cast<int>(ops->cen_ops.size());
+}
+
+int CifBlockSymmetry::multiplicity(const double xyz[3], const double cell_lengths[3]) const {
+    const gemmi::GroupOps* ops = operations();
+    if (ops == nullptr) return 0;
+    std::vector<std::array<double, 12>>& affine = ops_->affine;
+    if (affine.empty()) {
+        constexpr double den = gemmi::Op::DEN;
+        for (const gemmi::Op& op : ops->sym_ops) {
+            for (const gemmi::Op::Tran& centring : ops->cen_ops) {
+                std::array<double, 12> m;
+                for (int i = 0; i < 3; ++i) {
+                    for (int j = 0; j < 3; ++j) m[4 * i + j] = op.rot[i][j] / den;
+                    m[4 * i + 3] = (op.tran[i] + centring[i]) / den;
+                }
+                affine.push_back(m);
+            }
+        }
+    }
+    // Images closer than this (in Angstrom, along the axes) are the same position.
+    constexpr double tolerance = 0.05;
+    int fixed = 0;
+    for (const std::array<double, 12>& m : affine) {
+        double distance2 = 0.0;
+        for (int i = 0; i < 3; ++i) {
+            double delta =
+                m[4 * i] * xyz[0] + m[4 * i + 1] * xyz[1] + m[4 * i + 2] * xyz[2] + m[4 * i + 3] - xyz[i];
+            delta -= std::floor(delta + 0.5);
+            delta *= cell_lengths[i];
+            distance2 += delta * delta;
+        }
+        fixed += distance2 < tolerance * tolerance;
+    }
+    return fixed == 0 ? 0 : static_cast<int>(affine.size()) / fixed;
+}

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// A block's symmetry items read once: symbols, number, operators and the group they form.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cif/Spacegroup.hpp"
+
+class CifDataBlock;
+
+namespace gemmi {
+struct GroupOps;
+struct SpaceGroup;
+}  // namespace gemmi
+
+// A block's symmetry items, read once for all the checks of the block: the
+// Hermann-Mauguin symbol, the Hall symbol, the number and the operators,
+// with the data names they were found under. Every check that needs a
+// space group asks this class; it is the one place where they are built.
+class CifBlockSymmetry {
+public:
+    explicit CifBlockSymmetry(const CifDataBlock& block);
+    ~CifBlockSymmetry();
+    CifBlockSymmetry(const CifBlockSymmetry&) = delete;
+    CifBlockSymmetry& operator=(const CifBlockSymmetry&) = delete;
+
+    // Name and text of each item; the text is empty when the block lacks it
+    // or gives ? or ., the number 0.
+    const std::string& symbol_name() const { return symbol_name_; }
+    const std::string& symbol() const { return symbol_; }
+    const std::string& hall_name() const { return hall_name_; }
+    const std::string& hall() const { return hall_; }
+    const std::string& number_name() const { return number_name_; }
+    int number() const { return number_; }
+    const std::string& operators_name() const { return operators_name_; }
+    const std::vector<std::string>& operators() const { return operators_; }
+
+    // The group the operators form (built on first use); null without operators.
+    const Spacegroup* spacegroup_of_operators() const;
+    // The same when something asked for it already; null otherwise.
+    const Spacegroup* spacegroup_of_operators_if_built() const { return spacegroup_.get(); }
+
+    // The group's operations, from the first source that can be read: the
+    // operators, the Hall symbol, the Hermann-Mauguin symbol, the number.
+    // Null when none can.
+    const gemmi::GroupOps* operations() const;
+    // The operations of the operators alone, of the Hall symbol alone, of
+    // the H-M symbol alone; null when that source is missing or unreadable.
+    const gemmi::GroupOps* operations_of_operators() const;
+    const gemmi::GroupOps* operations_of_hall() const;
+    bool hall_readable() const;
+    // The tabulated setting whose Hall symbol is written as the block's
+    // (blanks aside); null for none. Found without building any group.
+    const gemmi::SpaceGroup* hall_setting() const;
+
+    // Whether the group has a centre of symmetry; false when unknown.
+    bool centrosymmetric() const;
+    // The order of the Laue class (the point group with the inversion
+    // added) and the number of lattice points of the cell; 0 when unknown.
+    int laue_order() const;
+    int centring_count() const;
+    // How many copies of a site the group makes in the cell (images less
+    // than 0.05 Angstrom apart along the axes are one); 0 when unknown.
+    int multiplicity(const double xyz[3], const double cell_lengths[3]) const;
+
+private:
+    struct Ops;
+    std::string symbol_name_, symbol_, hall_name_, hall_, number_name_, operators_name_;
+    int number_ = 0;
+    std::vector<std::string> operators_;
+    mutable std::unique_ptr<Spacegroup> spacegroup_;
+    mutable std::unique_ptr<Ops> ops_;
+};

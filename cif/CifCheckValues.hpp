@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// Numbers and texts of a block as the cross-checks read them, and how they compare and print.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "cif/CifDataBlock.hpp"
+#include "cif/CifError.hpp"
+#include "cif/CifNumber.hpp"
+
+// One numeric value of a block, under the first of several names given.
+struct CifReading {
+    std::string name;
+    CifNumber number;
+    bool ok = false;
+
+    double value() const { return number.value; }
+    double sigma() const { return number.effective_uncertainty(); }
+    // The uncertainty as written; 0 for a value given without one.
+    double stated_sigma() const { return number.has_uncertainty ? number.uncertainty : 0.0; }
+};
+
+// ?, . and nothing.
+bool cif_check_unknown(std::string_view value);
+
+// The first of the names the block holds; not ok when it is unknown or no number.
+CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const char*> names);
+
+// The name and text of the first of the names the block holds; the text is
+// empty for an unknown value (a quoted ? stays).
+std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
+                                                   std::initializer_list<const char*> names);
+
+// The six cell parameters a, b, c, alpha, beta, gamma under either spelling.
+void cif_check_read_cell(const CifDataBlock& block, CifReading cell[6]);
+
+// Whether two values agree within three combined uncertainties and a slack.
+bool cif_check_agree(double a, double sigma_a, double b, double sigma_b, double slack = 0.0);
+
+// A value with as many decimals as a unit of the last digit shows.
+std::string cif_check_format(double value, double unit);
+// A value with the given number of significant digits, no exponent.
+std::string cif_check_significant(double value, int digits = 3);
+// The value as written in the file (with its uncertainty).
+std::string cif_check_written(const CifDataBlock& block, const CifReading& reading);
+
+// The level of a finding whose measure rose above three thresholds
+// (remark, warning, error, in rising order); false below all three.
+bool cif_check_level(double measure, double remark, double warning, double error, CifError::ErrorType& level);
+
+// The cell's volume from its six parameters (degrees); 0 when the angles form no cell.
+double cif_check_cell_volume(const double p[6]);
