@@ -26,6 +26,10 @@ QcbsSearchDialog::QcbsSearchDialog(QWidget* parent) : QDialog(parent) {
     comboFind_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
 }
 
+QcbsSearchDialog::~QcbsSearchDialog() {
+    if (isVisible()) saveSettings();
+}
+
 QGroupBox* QcbsSearchDialog::makeDirectionBox() {
     auto* box = new QGroupBox("&Direction", this);
     auto* layout = new QVBoxLayout(box);

@@ -26,6 +26,9 @@ class QcbsRichTextEdit;
 class QcbsSearchDialog : public QDialog {
     Q_OBJECT
 public:
+    // A dialog still open when its window goes saves its settings too.
+    ~QcbsSearchDialog() override;
+
     // The number of texts a history keeps.
     static constexpr int max_store_ = 8;
 
