@@ -11,6 +11,27 @@
 #include "cif/Cif.hpp"
 #include "tools/SharedDictionary.hpp"
 
+namespace {
+
+// A device or a pipe may never end (/dev/zero): it is read up to this size.
+constexpr std::size_t kStreamCap = 256u * 1024 * 1024;
+
+// The stream's bytes up to `cap`; false when there were more.
+bool read_capped(std::istream& stream, std::string& text, std::size_t cap) {
+    char buffer[1 << 16];
+    while (stream.read(buffer, sizeof buffer) || stream.gcount() > 0) {
+        const auto count = static_cast<std::size_t>(stream.gcount());
+        if (text.size() + count > cap) return false;
+        text.append(buffer, count);
+    }
+    return true;
+}
+
+const char* const kCapProblem =
+    "not a regular file, and longer than 256 MB: stopped reading (save it to a file to check it)";
+
+}  // namespace
+
 FileCheckResult FileCheck::check(const std::string& file, THandle<Cif>* keep) const {
     FileCheckResult result;
     result.file = file;
@@ -32,7 +53,16 @@ FileCheckResult FileCheck::check(const std::string& file, THandle<Cif>* keep) co
             result.io_problem = std::strerror(errno);
             return result;
         }
-        document = check.run(stream);
+        if (std::filesystem::is_regular_file(file, error)) {
+            document = check.run(stream);
+        } else {
+            std::string text;
+            if (!read_capped(stream, text, kStreamCap)) {
+                result.io_problem = kCapProblem;
+                return result;
+            }
+            document = check.run(std::move(text));
+        }
     }
     for (const CifError& message : *document->errors()) {
         result.messages.push_back(message);

@@ -380,7 +380,7 @@ void QcbsMainWindow::makeVisConnections() {
 
 void QcbsMainWindow::makeEditorConnections() {
     QcbsRichTextEdit* editor = currentEditor();
-    claimLoopKeys();
+    claimWindowKeys();
     connect(editor, &QcbsRichTextEdit::cursorLineChanged, this, &QcbsMainWindow::editorLineChanged);
     connect(editor, &QcbsRichTextEdit::cursorPositionChanged, this, &QcbsMainWindow::editorCursorMoved);
     connect(editor, &QcbsRichTextEdit::textChanged, this, &QcbsMainWindow::editorTextChanged);

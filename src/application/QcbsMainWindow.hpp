@@ -430,9 +430,10 @@ private:
     // --- Loops (QcbsMainWindowLoops.cpp) ---
     // A new loop table editor dialog (closing the one open) wired to the document.
     QcbsLoopTableEditorImpl* makeLoopEditor();
-    // The editor gives up its own binding of the loop commands' keys (Ctrl+L
-    // cuts a line there), so that they reach the window's actions.
-    void claimLoopKeys();
+    // The editor gives up its own binding of the window's keys (Ctrl+L cuts
+    // a line there, Ctrl+Plus zooms only itself), so that they reach the
+    // window's actions.
+    void claimWindowKeys();
     QPointer<QcbsLoopTableEditorImpl> loopEditor_;
     // --- The wizards' launching (QcbsMainWindowWizards.cpp) ---
     // The index of the block at the editor's cursor in a fresh check of the

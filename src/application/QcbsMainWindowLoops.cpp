@@ -17,10 +17,17 @@
 
 QcbsLoopTableEditorImpl* QcbsMainWindow::loopEditor() const { return loopEditor_; }
 
-void QcbsMainWindow::claimLoopKeys() {
+void QcbsMainWindow::claimWindowKeys() {
     QcbsRichTextEdit* editor = currentEditor();
     if (editor == nullptr || actions_ == nullptr) return;
-    for (const auto id : {QcbsMainWindowActions::EditLoop, QcbsMainWindowActions::NewLoop}) {
+    using A = QcbsMainWindowActions;
+    for (int n = 0; n < A::ActionCount; ++n) {
+        const auto id = static_cast<A::Id>(n);
+        // The editor's own undo, clipboard and selection keys do what the
+        // window's would; every other key of the window is the window's.
+        if (id == A::EditUndo || id == A::EditRedo || id == A::EditCopy || id == A::EditCut ||
+            id == A::EditPaste || id == A::EditSelectAll)
+            continue;
         const QKeySequence key = actions_->action(id)->shortcut();
         if (key.isEmpty()) continue;
         const int code = key[0].toCombined();

@@ -74,6 +74,12 @@ TEST_F(CheckFiles, UnreadableFilesAreReportedAndTheOthersStillChecked) {
     EXPECT_EQ(run(path("missing.cif") + " " + path("broken.cif")), 2);
     EXPECT_EQ(err.rfind(path("missing.cif") + ": cannot read: ", 0), 0u) << err;
     EXPECT_NE(out.find(path("broken.cif") + ": 2 errors"), std::string::npos) << out;
+    // A device that never ends is read only so far.
+    EXPECT_EQ(run("/dev/zero " + path("clean.cif")), 2);
+    EXPECT_EQ(err,
+              "/dev/zero: cannot read: not a regular file, and longer than 256 MB: stopped reading (save "
+              "it to a file to check it)\n");
+    EXPECT_NE(out.find(path("clean.cif") + ": 0 errors"), std::string::npos) << out;
     EXPECT_EQ(run("--line-length"), 2);
     EXPECT_NE(err.find("Usage: tessary-check"), std::string::npos);
 }

@@ -8,6 +8,8 @@
 
 #include "ApplicationTestSupport.hpp"
 #include "GuiTestSupport.hpp"
+#include "application/QcbsMainWindowSharedData.hpp"
+#include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "views/QcbsCifBoxBlockItem.hpp"
 #include "views/QcbsCifBoxView.hpp"
@@ -110,7 +112,7 @@ TEST_F(MainWindowLoops, EditLoopTakesTheLoopOfTheBlockAtTheCursorOrSaysThereIsNo
     EXPECT_EQ(bytes(), kDocument);
 }
 
-TEST_F(MainWindowLoops, CtrlLTypedInTheEditorOpensTheLoopInsteadOfCuttingTheLine) {
+TEST_F(MainWindowLoops, TheWindowsKeysTypedInTheEditorReachTheWindow) {
     open(kDocument);
     window_->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
@@ -119,6 +121,15 @@ TEST_F(MainWindowLoops, CtrlLTypedInTheEditorOpensTheLoopInsteadOfCuttingTheLine
     QTest::keyClick(window_->currentEditor(), Qt::Key_L, Qt::ControlModifier);
     EXPECT_TRUE(waitUntil([&] { return window_->loopEditor() != nullptr; }));
     EXPECT_EQ(bytes(), kDocument);
+
+    // Ctrl+Plus is the window's zoom of the shared font, not the editor's own.
+    window_->loopEditor()->close();
+    window_->currentEditor()->setFocus();
+    const int size = window_->sharedData()->fontStyles()->baseFont().pointSize();
+    QTest::keyClick(window_->currentEditor(), Qt::Key_Plus, Qt::ControlModifier);
+    EXPECT_TRUE(
+        waitUntil([&] { return window_->sharedData()->fontStyles()->baseFont().pointSize() == size + 1; }));
+    EXPECT_EQ(window_->currentEditor()->SendScintilla(QsciScintillaBase::SCI_GETZOOM), 0);
 }
 
 TEST_F(MainWindowLoops, TheTreeOffersLoopedItemsForEditingAsATable) {
