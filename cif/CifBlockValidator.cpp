@@ -23,6 +23,11 @@ bool loop_has(const CifDataBlock::ItemList& loop, std::string_view reference) {
                        [&](const THandle<CifDataItem>& item) { return satisfies(item->name(), reference); });
 }
 
+// The category whose loops may hold the item's column.
+const std::string& loop_category(const CifItemDefinition& definition) {
+    return definition.loop_category.empty() ? definition.category : definition.loop_category;
+}
+
 std::string joined(const std::vector<std::string>& names) {
     std::string result;
     for (const std::string& name : names) result += (result.empty() ? "" : ", ") + name;
@@ -128,7 +133,15 @@ void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDef
     for (const CifItemDefinition::Related& related : definition.related) {
         if (!cif_iequals(related.function, "replace")) continue;
         replacements.push_back(related.name);
-        if (!block_->find(related.name).is_null()) present.push_back(related.name);
+        // The replacement may stand in the block under another of its names.
+        std::vector<std::string> names{related.name};
+        if (const CifItemDefinition* replacement = dictionary_.definition(related.name))
+            names.insert(names.end(), replacement->aliases.begin(), replacement->aliases.end());
+        for (const std::string& name : names) {
+            if (block_->find(name).is_null()) continue;
+            present.push_back(name);
+            break;
+        }
     }
     if (replacements.empty()) return;
     sink_.add(CifError::obsolete_data_name, item.line(), item.name(), joined(replacements));
@@ -183,9 +196,14 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
                                         const std::vector<const CifItemDefinition*>& definitions,
                                         const std::vector<std::string>& dropped) {
     auto has = [&](std::string_view reference) {
-        return loop_has(loop, reference) ||
-               std::any_of(dropped.begin(), dropped.end(),
-                           [&](const std::string& name) { return satisfies(name, reference); });
+        if (loop_has(loop, reference) ||
+            std::any_of(dropped.begin(), dropped.end(),
+                        [&](const std::string& name) { return satisfies(name, reference); }))
+            return true;
+        // A column may give the item under another of its names.
+        const CifItemDefinition* wanted = dictionary_.definition(std::string(reference));
+        return wanted != nullptr &&
+               std::find(definitions.begin(), definitions.end(), wanted) != definitions.end();
     };
     // One category per loop, and within it one key: columns that refer to
     // different keys (_atom_site_label, _atom_site_aniso_label) are rows of
@@ -199,7 +217,8 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
             continue;
         }
         const CifItemDefinition* head = definitions[first];
-        bool mixed = definition->category != head->category;
+        bool mixed =
+            definition->category != head->category && loop_category(*definition) != loop_category(*head);
         if (!mixed && !definition->list_reference.empty()) {
             for (std::size_t j = first; j < i && !mixed; ++j) {
                 const CifItemDefinition* other = definitions[j];
@@ -229,6 +248,30 @@ void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
                 if (!family.empty()) key = joined(family);
             }
             sink_.add(CifError::loop_key_missing, loop[i]->line(), loop[i]->name(), key);
+        }
+    }
+    // A category that names its key (DDLm, DDL2): a loop of it without one
+    // of the key's items that must be given is remarked on (many files
+    // leave out _publ_author.id, say); keys with a default or a way to
+    // compute them may be left out.
+    std::vector<const std::string*> keyed;
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const CifItemDefinition* definition = definitions[i];
+        if (definition == nullptr || definition->category_keys.empty() ||
+            std::find_if(keyed.begin(), keyed.end(), [&](const std::string* category) {
+                return *category == definition->category;
+            }) != keyed.end())
+            continue;
+        keyed.push_back(&definition->category);
+        for (const std::string& key : definition->category_keys) {
+            const CifItemDefinition* wanted = dictionary_.definition(key);
+            if (wanted != nullptr && !wanted->list_mandatory) continue;  // a program may supply it
+            bool given = has(key);
+            for (std::size_t j = 0; j < loop.size() && !given && wanted != nullptr; ++j)
+                given = definitions[j] == wanted;
+            if (given || !reported.insert(cif_lowercase(key)).second) continue;
+            sink_.add(CifError(CifError::loop_key_missing, CifError::remark, loop[i]->line(), loop[i]->name(),
+                               key));
         }
     }
     // Columns that neither refer to a key nor link to a parent are keyed by

@@ -106,7 +106,8 @@ private:
         const std::uint64_t y = t ^ 0x1E1E1E1E1E1E1E1Eull;  // '.' becomes 0
         const std::uint64_t point = ~(((y & low7) + low7) | y) & high;
         const std::uint64_t minus = static_cast<std::uint64_t>(negative_ok_ && (w & 0xFF) == '-') << 7;
-        return (digit | point | minus) == high && (point & (point - 1)) == 0 && (digit & keep) != 0;
+        const std::uint64_t points_allowed = point_ok_ ? (point & (point - 1)) : point;
+        return (digit | point | minus) == high && points_allowed == 0 && (digit & keep) != 0;
     }
 
     static constexpr std::uint64_t keep_masks[9] = {0,
@@ -133,6 +134,7 @@ private:
         while (p < end && is_digit(*p)) ++p;
         std::size_t digits = static_cast<std::size_t>(p - start);
         if (p < end && *p == '.') {
+            if (!point_ok_) return false;
             const char* fraction = ++p;
             while (p < end && is_digit(*p)) ++p;
             digits += static_cast<std::size_t>(p - fraction);
@@ -148,5 +150,6 @@ private:
     Kind kind_ = Kind::full_check;
     bool negative_ok_ = true;
     bool uncertainty_ok_ = false;
+    bool point_ok_ = true;  // false for whole numbers
     std::vector<std::string_view> codes_;
 };

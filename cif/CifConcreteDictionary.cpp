@@ -1,16 +1,54 @@
 // SPDX-License-Identifier: MIT
-// One DDL1 dictionary file read into memory: its descriptor and definitions.
+// One dictionary file (DDL1, DDLm or DDL2) read into memory: its descriptor and definitions.
 #include "cif/CifConcreteDictionary.hpp"
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
 
 #include "cif/CifDdl1Reader.hpp"
+#include "cif/CifDdl2Reader.hpp"
+#include "cif/CifDdlmImports.hpp"
+#include "cif/CifDdlmReader.hpp"
 #include "cif/CifEditDistance.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifStreamText.hpp"
 
 bool CifConcreteDictionary::read(std::istream& stream, THandle<CifErrorContainer> errors, std::ostream* log) {
+    std::string text;
+    const bool readable = cif_read_stream(stream, text);
+    if (!readable && !errors.is_null())
+        errors->add(CifError(CifError::input_unreadable, 1, std::string(), "read error"));
+    return read_text(std::move(text), std::string(), errors, log) && readable;
+}
+
+bool CifConcreteDictionary::read_file(const std::string& path, THandle<CifErrorContainer> errors,
+                                      std::ostream* log) {
+    std::ifstream stream(path, std::ios::binary);
+    std::string text;
+    if (!stream || !cif_read_stream(stream, text)) {
+        if (!errors.is_null()) errors->add(CifError(CifError::input_unreadable, 1, path, "read error"));
+        return false;
+    }
+    return read_text(std::move(text), CifDdlmImports::directory_of(path), errors, log);
+}
+
+CifConcreteDictionary::Language CifConcreteDictionary::language_of(std::string_view text) {
+    // Attributes only the one language uses, searched in the leading part
+    // of the text where the first definitions stand.
+    const std::string_view head = text.substr(0, 1 << 16);
+    if (head.find("_definition.id") != std::string_view::npos ||
+        head.find("_dictionary.ddl_conformance") != std::string_view::npos)
+        return Language::ddlm;
+    if (head.find("_item.name") != std::string_view::npos ||
+        head.find("_datablock.id") != std::string_view::npos ||
+        head.find("_dictionary.datablock_id") != std::string_view::npos)
+        return Language::ddl2;
+    return Language::ddl1;
+}
+
+bool CifConcreteDictionary::read_text(std::string text, const std::string& directory,
+                                      THandle<CifErrorContainer> errors, std::ostream* log) {
     descriptor_ = CifDictionaryDescriptor();
     definitions_.clear();
     categories_.clear();
@@ -18,12 +56,45 @@ bool CifConcreteDictionary::read(std::istream& stream, THandle<CifErrorContainer
     members_.clear();
     by_length_.clear();
     std::size_t before = errors.is_null() ? 0 : errors->size();
-    std::string text;
-    if (!cif_read_stream(stream, text) && !errors.is_null())
-        errors->add(CifError(CifError::input_unreadable, 1, std::string(), "read error"));
-    CifDdl1Reader(*this, errors, log).read(std::move(text));
+    language_ = language_of(text);
+    switch (language_) {
+        case Language::ddl1:
+            CifDdl1Reader(*this, errors, log).read(std::move(text));
+            break;
+        case Language::ddlm:
+            CifDdlmReader(*this, errors, log, import_directories_).read(std::move(text), directory);
+            break;
+        case Language::ddl2:
+            CifDdl2Reader(*this, errors, log).read(std::move(text));
+            break;
+    }
     index_by_length();
     return errors.is_null() || errors->size() == before;
+}
+
+void CifConcreteDictionary::add_definition(CifItemDefinition definition,
+                                           const THandle<CifErrorContainer>& errors) {
+    auto [found, inserted] = index_.emplace(cif_lowercase(definition.name), definitions_.size());
+    if (!inserted) {
+        if (!errors.is_null())
+            errors->add(CifError(CifError::dictionary_duplicate_definition, definition.line, definition.name,
+                                 std::to_string(definitions_[found->second].line)));
+        return;
+    }
+    definitions_.push_back(std::move(definition));
+}
+
+void CifConcreteDictionary::add_aliases() {
+    for (std::size_t i = 0; i < definitions_.size(); ++i) {
+        for (const std::string& alias : definitions_[i].aliases) index_.emplace(cif_lowercase(alias), i);
+    }
+}
+
+void CifConcreteDictionary::index_members() {
+    for (std::size_t i = 0; i < definitions_.size(); ++i) {
+        const std::string& category = definitions_[i].category;
+        if (!category.empty()) members_[category].push_back(i);
+    }
 }
 
 bool CifConcreteDictionary::is_defined(const std::string& data_name) const {

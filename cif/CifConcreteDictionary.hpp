@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// One DDL1 dictionary file read into memory: its descriptor and definitions.
+// One dictionary file (DDL1, DDLm or DDL2) read into memory: its descriptor and definitions.
 #pragma once
 
 #include <istream>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -15,10 +16,12 @@
 #include "cif/CifNames.hpp"
 #include "support/THandle.hpp"
 
-// One dictionary file read into memory. Reads DDL1 dictionaries (such as
-// the IUCr core dictionary cif_core.dic 2.x): data_on_this_dictionary gives
-// the descriptor, every other block is one definition with a single or a
-// looped _name.
+// One dictionary file read into memory, in whichever definition language
+// its content shows: DDL1 (the IUCr core dictionary cif_core.dic 2.x; see
+// CifDdl1Reader), DDLm (the core dictionary 3.x, with the files it imports;
+// CifDdlmReader) or DDL2 (mmCIF; CifDdl2Reader). All three answer the same
+// queries; a DDLm or DDL2 dictionary also answers for the older names of
+// its items (aliases).
 class CifConcreteDictionary : public CifDictionary {
 public:
     CifConcreteDictionary() = default;
@@ -29,6 +32,20 @@ public:
     // without an overview, say) and a summary go to log when it is not
     // null. Earlier contents are dropped. Returns whether errors stayed empty.
     bool read(std::istream& stream, THandle<CifErrorContainer> errors, std::ostream* log = nullptr);
+    // The same for a file; a DDLm dictionary's imports are looked for beside
+    // it first. A file that cannot be opened is an error (code 301).
+    bool read_file(const std::string& path, THandle<CifErrorContainer> errors, std::ostream* log = nullptr);
+    // Where the files a DDLm dictionary imports are looked for (after the
+    // directory of the file read by read_file), in order.
+    void set_import_directories(std::vector<std::string> directories) {
+        import_directories_ = std::move(directories);
+    }
+
+    // The definition language of the text read.
+    enum class Language { ddl1, ddlm, ddl2 };
+    Language language() const { return language_; }
+    // The language a dictionary text is written in, told from its content.
+    static Language language_of(std::string_view text);
 
     // Name, version and date of the dictionary (empty fields when the file
     // does not state them).
@@ -50,8 +67,21 @@ public:
 
 private:
     friend class CifDdl1Reader;
+    friend class CifDdlmReader;
+    friend class CifDdl2Reader;
 
+    bool read_text(std::string text, const std::string& directory, THandle<CifErrorContainer> errors,
+                   std::ostream* log);
     void index_by_length();
+    // Appends a definition; one of a name already defined is an error (350) and is dropped.
+    void add_definition(CifItemDefinition definition, const THandle<CifErrorContainer>& errors);
+    // Lets the definitions' aliases find them (a name defined itself keeps its own definition).
+    void add_aliases();
+    // Files every definition under its category (members_).
+    void index_members();
+
+    Language language_ = Language::ddl1;
+    std::vector<std::string> import_directories_;
 
     CifDictionaryDescriptor descriptor_;
     std::vector<CifItemDefinition> definitions_;

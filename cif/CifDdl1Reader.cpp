@@ -3,12 +3,11 @@
 #include "cif/CifDdl1Reader.hpp"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
 #include <unordered_set>
 
 #include "cif/Cif.hpp"
 #include "cif/CifConcreteDictionary.hpp"
+#include "cif/CifDictionaryAttributes.hpp"
 #include "cif/CifNames.hpp"
 
 namespace {
@@ -33,20 +32,6 @@ std::string value_of(const CifDataBlock& block, const char* tag) {
 int line_of(const CifDataBlock& block, const char* tag) {
     THandle<CifDataItem> item = block.find(tag);
     return item.is_null() || item->line() < 1 ? block.line() : item->line();
-}
-
-// One end of a numeric range; empty text is an open end.
-bool parse_bound(std::string_view text, bool& present, double& value) {
-    present = !text.empty();
-    if (!present) return true;
-    std::string copy(text);
-    char* end = nullptr;
-    value = std::strtod(copy.c_str(), &end);
-    return end != copy.c_str() && *end == '\0';
-}
-
-bool is_numeric_bound(std::string_view text) {
-    return text.empty() || text.find_first_not_of("+-.0123456789eE") == std::string_view::npos;
 }
 
 }  // namespace
@@ -144,16 +129,8 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
 
     definition.range_text = value_of(block, "_enumeration_range");
     if (!definition.range_text.empty()) {
-        std::string_view range = definition.range_text;
-        std::size_t colon = range.find(':');
-        bool valid = colon != std::string_view::npos;
-        if (valid && definition.type == CifItemDefinition::Type::numb) {
-            valid = is_numeric_bound(range.substr(0, colon)) && is_numeric_bound(range.substr(colon + 1)) &&
-                    parse_bound(range.substr(0, colon), definition.has_minimum, definition.minimum) &&
-                    parse_bound(range.substr(colon + 1), definition.has_maximum, definition.maximum) &&
-                    (!definition.has_minimum || !definition.has_maximum ||
-                     definition.minimum <= definition.maximum);
-        }
+        const bool valid = CifDictionaryAttributes::read_range(
+            definition.range_text, definition.type == CifItemDefinition::Type::numb, definition);
         if (valid) {
             definition.has_range = true;
         } else {

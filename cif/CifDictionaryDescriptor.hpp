@@ -11,6 +11,15 @@ struct CifDictionaryDescriptor {
     std::string name;     // "cif_core.dic"
     std::string version;  // "2.4.5"
     std::string date;     // "2014-11-21"
+    // DDLm _dictionary.class: "Instance" for a dictionary of data names,
+    // "Reference" for the attribute dictionary of the language itself,
+    // "Template" for imported attribute sets; empty for other languages.
+    std::string dictionary_class;
+
+    // Whether files are checked against it: not a DDLm reference or template dictionary.
+    bool defines_data_names() const {
+        return dictionary_class != "Reference" && dictionary_class != "Template";
+    }
 
     // "cif_core.dic 2.4.5 (2014-11-21)"; parts the dictionary lacks are left out.
     std::string text() const;

@@ -176,7 +176,9 @@ constexpr CifErrorCatalogueEntry table[] = {
      "parent that is there is a warning (360)."},
     {358, 1, "loop_key_missing", "Loop of %1 lacks its key data item %2",
      "A loop lacks an item that its columns refer to (_list_reference, such as the atom label of "
-     "anisotropic parameters) or that its category makes mandatory (_list_mandatory); the line is that"
+     "anisotropic parameters) or that its category makes mandatory (_list_mandatory), or an item of the key a"
+     " DDLm or DDL2 dictionary names for the category (_category_key.name; a remark, since programs may supply"
+     " such keys); the line is that"
      " of the first column concerned."},
     {359, 1, "duplicate_key_value", "Value %2 of %1 occurs in more than one row",
      "The key data item of a loop (one that other items of its category refer to, _list_reference, such "

@@ -2,6 +2,8 @@
 // The definition of one data name as a dictionary gives it.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,22 @@ struct CifItemDefinition {
     // DDL1 _list: whether the item must be (yes), must not be (no) or may be
     // (both) a loop column. DDL1 reads an absent _list as no.
     enum class List { no, yes, both };
+
+    // What a value must look like beyond numb or char: DDLm _type.contents
+    // and DDL2 _item_type.code. DDL1 definitions leave it at any.
+    enum class Contents : std::uint8_t {
+        any,        // every value of the type
+        real,       // a number
+        integer,    // a whole number
+        count,      // a whole number, not negative
+        word,       // text without white space
+        code,       // a word whose case does not matter (permitted values compared without case)
+        date,       // yyyy-mm-dd
+        date_time,  // yyyy-mm-dd, optionally followed by a time
+        symop,      // a symmetry operation's number, optionally _ and three translation digits
+    };
+    // DDLm _type.container: how many values one value holds.
+    enum class Container : std::uint8_t { single, list, matrix, array, table };
 
     struct Example {
         std::string text;
@@ -54,10 +72,25 @@ struct CifItemDefinition {
     bool list_mandatory = false;              // every loop of the category must carry this item
     std::vector<std::string> list_link_parent;
     std::vector<std::string> list_link_child;
+    Contents contents = Contents::any;
+    Container container = Container::single;
+    // The sizes of a List, Matrix or Array ([3,3] gives 3, 3); empty: any size.
+    std::vector<std::size_t> dimension;
+    // The data names whose values together tell the rows of the item's
+    // category apart (DDLm and DDL2 _category_key.name); empty when the
+    // dictionary names none or the category is not a loop.
+    std::vector<std::string> category_keys;
+    // The category whose loops this item's column may join when it is not
+    // the item's own (DDLm: a Loop category inside a Loop category, such as
+    // atom_type_scat inside atom_type); empty otherwise.
+    std::string loop_category;
     std::string units;
     std::string units_detail;
     std::vector<Example> examples;
     std::vector<Related> related;
+    // Other names of the same item (DDLm _alias.definition_id, DDL2
+    // _item_aliases.alias_name): the dictionary answers for them too.
+    std::vector<std::string> aliases;
     std::string definition;  // the explanation text
     int line = 0;            // the 1-based line of the definition block in the dictionary file
 

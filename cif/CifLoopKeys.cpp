@@ -58,6 +58,28 @@ const std::vector<std::string>& CifLoopKeys::targets(const std::string& category
     return targets_.emplace(category, std::move(result)).first->second;
 }
 
+std::vector<std::size_t> CifLoopKeys::named_key(const CifDataBlock::ItemList& loop,
+                                                const std::vector<const CifItemDefinition*>& definitions,
+                                                const std::string& category) const {
+    const CifItemDefinition* member = nullptr;
+    for (const CifItemDefinition* definition : definitions) {
+        if (definition != nullptr && definition->category == category) member = definition;
+    }
+    Key key;
+    if (member == nullptr) return key;
+    for (const std::string& name : member->category_keys) {
+        // A column may give the key under another name of the same item.
+        const CifItemDefinition* wanted = dictionary_.definition(name);
+        std::size_t column = 0;
+        while (column < loop.size() &&
+               !(wanted != nullptr ? definitions[column] == wanted : cif_iequals(loop[column]->name(), name)))
+            ++column;
+        if (column == loop.size()) return Key();  // a key not given is not checked
+        key.push_back(column);
+    }
+    return key;
+}
+
 std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
                                    const std::vector<const CifItemDefinition*>& definitions) {
     std::vector<std::string> categories;
@@ -73,6 +95,10 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
             result.push_back(std::move(key));
     };
     for (const std::string& category : categories) {
+        if (Key key = named_key(loop, definitions, category); !key.empty()) {
+            add(std::move(key));
+            continue;
+        }
         for (const std::string& target : targets(category)) {
             Key key;
             if (!is_family(target)) {

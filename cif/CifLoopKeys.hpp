@@ -18,7 +18,9 @@
 // and the items the category makes mandatory (_list_mandatory) where those
 // are not already part of a key. A key of atom-site labels (the geometry
 // loops) also takes the loop's site-symmetry columns: a bond between the
-// same two atoms under other symmetry is another bond.
+// same two atoms under other symmetry is another bond. A DDLm or DDL2
+// dictionary names the key of a category itself (_category_key.name): its
+// columns together are the key when the loop gives all of them.
 class CifLoopKeys {
 public:
     explicit CifLoopKeys(const CifDictionary& dictionary) : dictionary_(dictionary) {}
@@ -35,6 +37,11 @@ public:
                std::size_t rows, CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven = {});
 
 private:
+    // The columns of the category's named key, empty when the dictionary
+    // names none or the loop lacks one of them.
+    std::vector<std::size_t> named_key(const CifDataBlock::ItemList& loop,
+                                       const std::vector<const CifItemDefinition*>& definitions,
+                                       const std::string& category) const;
     // The _list_reference values of every definition of the category.
     const std::vector<std::string>& targets(const std::string& category);
     void check_key(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key, std::size_t rows,

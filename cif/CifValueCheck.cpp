@@ -3,13 +3,78 @@
 #include "cif/CifValueCheck.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 
+#include "cif/CifCompoundValue.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifNumber.hpp"
 
 namespace {
 
 using Result = CifValueCheck::Result;
+using Contents = CifItemDefinition::Contents;
+using Container = CifItemDefinition::Container;
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+bool has_blank(std::string_view value) { return value.find_first_of(" \t\r\n") != std::string_view::npos; }
+
+// Digits, count of them between low and high, from at; moves at past them.
+bool digits(std::string_view value, std::size_t& at, std::size_t low, std::size_t high) {
+    std::size_t start = at;
+    while (at < value.size() && is_digit(value[at])) ++at;
+    return at - start >= low && at - start <= high;
+}
+
+// yyyy-mm-dd (years of two to four digits and months and days of one or
+// two are read too, as older dictionaries allow), then what may follow.
+bool is_date(std::string_view value, std::size_t& at) {
+    at = 0;
+    if (!digits(value, at, 2, 4) || at >= value.size() || value[at++] != '-') return false;
+    const std::size_t month_at = at;
+    if (!digits(value, at, 1, 2) || at >= value.size() || value[at++] != '-') return false;
+    const std::size_t day_at = at;
+    if (!digits(value, at, 1, 2)) return false;
+    const int month = std::atoi(std::string(value.substr(month_at, day_at - 1 - month_at)).c_str());
+    const int day = std::atoi(std::string(value.substr(day_at, at - day_at)).c_str());
+    return month >= 1 && month <= 12 && day >= 1 && day <= 31;
+}
+
+bool is_date_time(std::string_view value) {
+    std::size_t at = 0;
+    if (!is_date(value, at)) return false;
+    // A time after T, a space or a colon: digits, colons, a fraction, a zone.
+    return std::all_of(value.begin() + static_cast<std::ptrdiff_t>(at), value.end(), [](char c) {
+        return is_digit(c) || c == ':' || c == '.' || c == 'T' || c == 't' || c == 'Z' || c == 'z' ||
+               c == '+' || c == '-' || c == ' ';
+    });
+}
+
+// A symmetry operation's number, optionally _ and the translation as three
+// digits (2_565) or three signed numbers (2_1_-1_0).
+bool is_symop(std::string_view value) {
+    // Some programs write the inverse of an operation with a minus sign.
+    std::size_t at = !value.empty() && value[0] == '-' ? 1 : 0;
+    if (!digits(value, at, 1, 4)) return false;
+    if (at == value.size()) return true;
+    if (value[at++] != '_') return false;
+    std::size_t start = at;
+    if (digits(value, at, 3, 3) && at == value.size()) return true;
+    at = start;
+    for (int part = 0; part < 3; ++part) {
+        if (part > 0 && (at >= value.size() || value[at++] != '_')) return false;
+        if (at < value.size() && value[at] == '-') ++at;
+        if (!digits(value, at, 1, 3)) return false;
+    }
+    return at == value.size();
+}
+
+// A whole number with an optional sign and uncertainty.
+bool is_whole(std::string_view value) {
+    std::size_t at = !value.empty() && (value[0] == '+' || value[0] == '-') ? 1 : 0;
+    if (!digits(value, at, 1, value.size())) return false;
+    return at == value.size() || value[at] == '(';
+}
 
 Result problem(CifError::ErrorID code, std::string detail = {}, CifError::ErrorType type = CifError::error) {
     Result result;
@@ -33,6 +98,8 @@ Result check_enumeration(const CifItemDefinition& definition, std::string_view v
         if (entry.value == value) return Result();
         if (case_match == nullptr && cif_iequals(entry.value, value)) case_match = &entry;
     }
+    // Codes are the same codes in any case.
+    if (case_match != nullptr && definition.contents == Contents::code) return Result();
     if (case_match != nullptr)
         return problem(CifError::value_not_enumerated, " (differs in case from " + case_match->value + ")",
                        CifError::warning);
@@ -70,6 +137,34 @@ Result check_number(const CifItemDefinition& definition, std::string_view value)
     return Result();
 }
 
+Result check_form(const CifItemDefinition& definition, std::string_view value) {
+    bool fits = true;
+    std::size_t at = 0;
+    switch (definition.contents) {
+        case Contents::integer:
+        case Contents::count:
+            fits = is_whole(value);
+            break;
+        case Contents::word:
+        case Contents::code:
+            fits = !has_blank(value);
+            break;
+        case Contents::date:
+            fits = is_date(value, at) && at == value.size();
+            break;
+        case Contents::date_time:
+            fits = is_date_time(value);
+            break;
+        case Contents::symop:
+            fits = is_symop(value);
+            break;
+        case Contents::any:
+        case Contents::real:
+            break;
+    }
+    return fits ? Result() : problem(CifError::wrong_value_type, definition.type_text);
+}
+
 Result check_text_range(const CifItemDefinition& definition, std::string_view value) {
     // Ranges of char items compare texts (DDL1 allows ranges such as a:z).
     std::string_view range = definition.range_text;
@@ -82,16 +177,60 @@ Result check_text_range(const CifItemDefinition& definition, std::string_view va
     return Result();
 }
 
+// The entries of a List, Matrix or Array: a list (of lists) of the given
+// sizes, each entry checked as a single value.
+Result check_container(const CifItemDefinition& definition, std::string_view value, bool quoted) {
+    const std::string kind = definition.container == Container::list     ? "List"
+                             : definition.container == Container::matrix ? "Matrix"
+                             : definition.container == Container::array  ? "Array"
+                                                                         : "Table";
+    CifCompoundValue compound;
+    const bool table = definition.container == Container::table;
+    if (quoted || !CifCompoundValue::parse(value, compound) ||
+        compound.kind != (table ? CifCompoundValue::Kind::table : CifCompoundValue::Kind::list))
+        return problem(CifError::wrong_value_type, kind + " of " + definition.type_text);
+    if (table) return Result();
+    CifItemDefinition entry_definition = definition;
+    entry_definition.container = Container::single;
+    const bool numeric = definition.contents == Contents::real || definition.contents == Contents::integer ||
+                         definition.contents == Contents::count;
+    entry_definition.type = numeric ? CifItemDefinition::Type::numb : CifItemDefinition::Type::char_text;
+    std::vector<const CifCompoundValue*> level{&compound};
+    for (std::size_t depth = 0;; ++depth) {
+        std::vector<const CifCompoundValue*> next;
+        for (const CifCompoundValue* node : level) {
+            if (node->kind != CifCompoundValue::Kind::list) {
+                if (depth < definition.dimension.size())
+                    return problem(CifError::wrong_value_type, kind + " " + std::to_string(depth) + " deep");
+                if (Result result = CifValueCheck::check(entry_definition, node->text, node->quoted))
+                    return result;
+                continue;
+            }
+            if (depth < definition.dimension.size() && node->entries.size() != definition.dimension[depth])
+                return problem(CifError::wrong_value_type,
+                               kind + " of " + std::to_string(definition.dimension[depth]) + " entries");
+            for (const CifCompoundValue& entry : node->entries) next.push_back(&entry);
+        }
+        if (next.empty()) return Result();
+        level = std::move(next);
+    }
+}
+
 }  // namespace
 
 CifValueCheck::Result CifValueCheck::check(const CifItemDefinition& definition, std::string_view value,
                                            bool quoted) {
     if (is_null_value(value, quoted)) return Result();
+    if (definition.container != Container::single) return check_container(definition, value, quoted);
     switch (definition.type) {
         case CifItemDefinition::Type::numb:
             if (Result result = check_number(definition, value)) return result;
+            if (definition.contents != Contents::any && definition.contents != Contents::real)
+                if (Result result = check_form(definition, value)) return result;
             break;
         case CifItemDefinition::Type::char_text:
+            if (definition.contents != Contents::any)
+                if (Result result = check_form(definition, value)) return result;
             if (definition.has_range)
                 if (Result result = check_text_range(definition, value)) return result;
             break;

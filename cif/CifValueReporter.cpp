@@ -10,8 +10,10 @@ bool CifValueReporter::check(const CifDataItem& item, const CifItemDefinition* d
     if (definition == nullptr) {
         int code = dictionary_.check_value(item.name(), std::string(item.value_view(n)), item.is_looped());
         if (code != 0) result.code = code;
-    } else if (ref.compound()) {
-        if (definition->type == CifItemDefinition::Type::numb)
+    } else if (ref.compound() && definition->container == CifItemDefinition::Container::single) {
+        // A list where one value belongs; text without a form may hold one.
+        if (definition->type == CifItemDefinition::Type::numb ||
+            definition->contents != CifItemDefinition::Contents::any)
             result =
                 CifValueCheck::Result{CifError::wrong_value_type, CifError::error, definition->type_text};
     } else {

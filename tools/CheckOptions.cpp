@@ -93,7 +93,7 @@ const char* CheckOptions::usage() {
            "\n"
            "Options:\n"
            "  -d FILE, --dictionary FILE\n"
-           "                    check data names and values against a DDL1 dictionary (repeatable);\n"
+           "                    check data names and values against a dictionary, DDL1, DDLm or DDL2 (repeatable);\n"
            "                    TESSARY_DICTIONARIES (files or directories of *.dic, separated by :)\n"
            "                    adds dictionaries before these\n"
            "  --mandatory FILE  report the data items a mandatory-items file lists and a file lacks\n"

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "cif/CifNames.hpp"
 
@@ -41,25 +40,36 @@ std::vector<std::string> DictionaryFiles::resolve(const char* environment,
 
 THandle<CifDictionaryPool> DictionaryFiles::load(const std::vector<std::string>& files,
                                                  std::ostream& problems, bool& ok) {
+    namespace fs = std::filesystem;
     ok = true;
     THandle<CifDictionaryPool> pool(new CifDictionaryPool());
+    // A DDLm dictionary's imports may stand beside any of the dictionaries named.
+    std::vector<std::string> directories;
     for (const std::string& file : files) {
-        std::ifstream stream(file, std::ios::binary);
-        if (!stream) {
+        const std::string directory = fs::path(file).parent_path().string();
+        if (std::find(directories.begin(), directories.end(), directory) == directories.end())
+            directories.push_back(directory);
+    }
+    for (const std::string& file : files) {
+        std::error_code error;
+        if (!fs::is_regular_file(file, error)) {
             problems << "tessary-check: cannot read dictionary " << file << '\n';
             ok = false;
             continue;
         }
         THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
         THandle<CifErrorContainer> errors(new CifErrorContainer());
-        dictionary->read(stream, errors, nullptr);
+        dictionary->set_import_directories(directories);
+        dictionary->read_file(file, errors, nullptr);
         if (!errors->empty()) {
             problems << "tessary-check: errors loading dictionary " << file << '\n';
             for (const CifError& error : *errors) problems << "  " << error.complete_message() << '\n';
             ok = false;
             continue;
         }
-        pool->insert(dictionary);
+        // The attribute dictionary of DDLm itself lies beside the core dictionary; nothing is checked against
+        // it.
+        if (dictionary->descriptor().defines_data_names()) pool->insert(dictionary);
     }
     return pool;
 }

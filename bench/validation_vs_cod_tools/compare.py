@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # Runs tessary-check and cod-tools' cif_validate on the same CIFs and compares their findings kind by kind.
-"""Compare tessary-check with cod-tools' cif_validate.
+"""Compare tessary-check with cod-tools' cif_validate (DDL1) or ddlm_validate (DDLm).
 
 Both programs check every CIF found under the given files and directories
 against the same dictionary; their findings are matched by file, kind and
@@ -10,6 +10,11 @@ cif_validate only.
 
     python3 bench/validation_vs_cod_tools/compare.py \\
         -d ../shared/dictionaries/cif_core.dic /usr/share/avogadro2/crystals
+
+--ddlm compares with ddlm_validate against a DDLm dictionary instead:
+
+    python3 bench/validation_vs_cod_tools/compare.py --ddlm \\
+        -d ../shared/dictionaries/ddlm/cif_core.dic /usr/share/avogadro2/crystals
 
 --details lists every finding one side has and the other lacks.
 """
@@ -38,6 +43,7 @@ KINDS = [
     ("item must not be in a loop", [328]),
     ("loop mixes categories (per loop)", [329]),
     ("loop lacks a referenced or mandatory item", [358]),
+    ("loop lacks its category key (DDLm)", []),
     ("item lacks its parent item", [357]),
     ("value not among the parent's values", [360]),
     ("key value not unique", [359]),
@@ -51,7 +57,7 @@ KINDS = [
 GEOMETRY_COMPOSITE = "  the same, geometry loops (site symmetry)"
 # cif_validate writes two notes for an item a loop lacks that is both
 # referenced and mandatory; each side counts a missing item once.
-ONCE = {"loop lacks a referenced or mandatory item"}
+ONCE = {"loop lacks a referenced or mandatory item", "loop lacks its category key (DDLm)"}
 KIND_OF_CODE = {code: kind for kind, codes in KINDS for code in codes}
 
 COD_PATTERNS = [
@@ -59,11 +65,15 @@ COD_PATTERNS = [
     (r"data item '(?P<name>[^']+)' appears in the same data block as its replacement",
      "replaced name beside its replacement"),
     (r"definition of the '(?P<name>[^']+)' data item was not found", "data name not in the dictionary"),
-    (r"missing parent data item -- the '[^']+' data item is required by the '(?P<name>[^']+)' data item",
+    (r"the '(?P<name>[^']+)' data item has been deprecated and should not be used", "replaced (obsolete) data name"),
+    (r"missing (parent|linked) data item -- the '[^']+' data item is required by the '(?P<name>[^']+)' data item",
      "item lacks its parent item"),
     (r"missing (mandatory looped list|looped list reference) data item -- the '(?P<name>[^']+)' data item must",
      "loop lacks a referenced or mandatory item"),
-    (r"data item '(?P<name>[^']+)' contains value '(?P<value>.*)' that was not found among the values of the parent",
+    (r"missing category key data item -- the '(?P<name>[^']+)' data item must be provided in the loop",
+     "loop lacks its category key (DDLm)"),
+    (r"data item '(?P<name>[^']+)' contains value '(?P<value>.*)' that was not found among the values of the "
+     r"(parent|linked data item)",
      "value not among the parent's values"),
     (r"data item '(?P<name>[^']+)' acts as a loop key, but .* -- value '(?P<value>.*)' appears \d+ times",
      "key value not unique"),
@@ -72,7 +82,7 @@ COD_PATTERNS = [
     (r"data item '(?P<name>[^']+)' value '.*' must be one of the enumeration values",
      "value not among the permitted values"),
     (r"data item '(?P<name>[^']+)' value '.*' should be in range", "value outside the range"),
-    (r"data item '(?P<name>[^']+)' value '.*' violates type constraints", "value not of the item's type"),
+    (r"data item '(?P<name>[^']+)' value '.*' violates (content )?type constraints", "value not of the item's type"),
     (r"data item '(?P<name>[^']+)' value '.*' is not permitted to contain the appended standard uncertainty",
      "standard uncertainty not allowed"),
     (r"data items in a looped list must all belong to the same category", "loop mixes categories (per loop)"),
@@ -138,14 +148,26 @@ def ours(binary, dictionary, files):
     return found, apart
 
 
-def theirs(binary, dictionary, files):
+def theirs(binary, dictionary, files, ddlm=False, saved=None):
     """(file, kind, name, value) -> count for cif_validate; messages it has no pattern for apart."""
-    command = [binary, "-c", "--report-deprecated", "--report-local-tags", "--max-message-count", "-1",
-               "-d", dictionary] + files
-    result = subprocess.run(command, capture_output=True, text=True, errors="replace")
+    if ddlm:
+        command = [binary, "--continue-on-errors", "--report-deprecated", "--report-local-tags",
+                   "--max-message-count", "-1", "-d", dictionary] + files
+    else:
+        command = [binary, "-c", "--report-deprecated", "--report-local-tags", "--max-message-count", "-1",
+                   "-d", dictionary] + files
+    if saved and os.path.exists(saved):
+        with open(saved, encoding="utf-8", errors="replace") as text:
+            output = text.read()
+    else:
+        result = subprocess.run(command, capture_output=True, text=True, errors="replace")
+        output = result.stdout + "\n" + result.stderr
+        if saved:
+            with open(saved, "w", encoding="utf-8") as text:
+                text.write(output)
     found = collections.Counter()
     apart = collections.Counter()
-    for line in (result.stdout + "\n" + result.stderr).splitlines():
+    for line in output.splitlines():
         match = COD_LINE.match(line)
         if match is None:
             continue  # the lines that show where a syntax error lies
@@ -184,25 +206,31 @@ def theirs(binary, dictionary, files):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("paths", nargs="+", help="CIF files or directories searched for *.cif")
-    parser.add_argument("-d", "--dictionary", required=True, help="the DDL1 dictionary both check against")
+    parser.add_argument("-d", "--dictionary", required=True, help="the dictionary both check against")
     parser.add_argument("--tessary-check", default=os.path.join("build", "bin", "tessary-check"))
-    parser.add_argument("--cif-validate", default="cif_validate")
+    parser.add_argument("--ddlm", action="store_true", help="compare with ddlm_validate (a DDLm dictionary)")
+    parser.add_argument("--cif-validate", default=None, help="the peer program (cif_validate or ddlm_validate)")
     parser.add_argument("--details", action="store_true", help="list every finding only one side has")
+    parser.add_argument("--peer-output", help="keep the peer's messages in this file, or read them from it when"
+                        " it exists (the peer takes minutes)")
     args = parser.parse_args()
 
     files = cif_files(args.paths)
+    peer = args.cif_validate or ("ddlm_validate" if args.ddlm else "cif_validate")
     start = time.monotonic()
+    if args.ddlm:
+        KIND_OF_CODE[358] = "loop lacks its category key (DDLm)"  # DDL1 lists and references do not apply
     mine, mine_apart = ours(args.tessary_check, args.dictionary, files)
     middle = time.monotonic()
-    cod, cod_apart = theirs(args.cif_validate, args.dictionary, files)
+    cod, cod_apart = theirs(peer, args.dictionary, files, args.ddlm, args.peer_output)
     end = time.monotonic()
     for found in (mine, cod):
         for key in found:
             if key[1] in ONCE:
                 found[key] = 1
 
-    print("%d files, dictionary %s; tessary-check %.2f s, cif_validate %.1f s (wall, one run each)\n"
-          % (len(files), args.dictionary, middle - start, end - middle))
+    print("%d files, dictionary %s; tessary-check %.2f s, %s %.1f s (wall, one run each)\n"
+          % (len(files), args.dictionary, middle - start, os.path.basename(peer), end - middle))
     print("| Kind of finding | our codes | ours | cod-tools | both | only ours | only cod-tools | found of cod-tools' |")
     print("|---|---|---|---|---|---|---|---|")
     totals = [0, 0, 0, 0, 0]
@@ -215,7 +243,7 @@ def main():
         row = [a, b, both, a - both, b - both]
         totals = [t + r for t, r in zip(totals, row)]
         print("| %s | %s | %d | %d | %d | %d | %d | %s |"
-              % (kind.strip(), ", ".join(map(str, codes)) or "369", *row, share))
+              % (kind.strip(), ", ".join(map(str, codes)) or ("369" if kind == GEOMETRY_COMPOSITE else "-"), *row, share))
     print("| all of these | | %d | %d | %d | %d | %d | %.1f %% |"
           % (*totals, 100.0 * totals[2] / totals[1] if totals[1] else 100.0))
 

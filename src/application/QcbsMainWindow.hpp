@@ -193,6 +193,8 @@ public slots:
     void combine();
     // The preferences dialog (one per window, shown again when open).
     void editPrefs();
+    // The fonts and colours of the editor's text (one dialog per window).
+    void editFonts();
 
     // Search.
     void editFind();

@@ -90,6 +90,8 @@ const ActionEntry kActions[] = {
      A::EditorTools, MenuAndToolBar, false, nullptr},
     {A::EditPrefs, A::EditMenu, "Pre&ferences...", "Preferences", "editPrefs", 0, Img::Preferences,
      A::AlwaysOn, MenuOnly, true, &W::editPrefs},
+    {A::EditFonts, A::EditMenu, "Fon&ts and Colours...", "Fonts and colours", "editFonts", 0,
+     Img::Preferences, A::AlwaysOn, MenuOnly, false, &W::editFonts},
 
     {A::Find, A::SearchMenu, "&Find...", "Find", "find", ctrl(Qt::Key_F), Img::Find, A::FindTools,
      MenuAndToolBar, false, &W::editFind},

@@ -42,6 +42,7 @@ public:
         EditZoomIn,
         EditZoomOut,
         EditPrefs,
+        EditFonts,
         Reparse,
         ItemHelp,
         Browser,

@@ -10,18 +10,6 @@
 
 void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }
 
-void QcbsMainWindow::editFind() { showNotAvailable("Find"); }
-
-void QcbsMainWindow::editFindPrevious() { showNotAvailable("Find previous"); }
-
-void QcbsMainWindow::editFindNext() { showNotAvailable("Find next"); }
-
-void QcbsMainWindow::editReplace() { showNotAvailable("Replace"); }
-
-void QcbsMainWindow::editGotoLine() { showNotAvailable("Go to line"); }
-
-void QcbsMainWindow::specialCharPopUp() { showNotAvailable("The special-character table"); }
-
 // --- checking, views and wizards -------------------------------------------------------
 
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }

@@ -4,7 +4,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <fstream>
 
 #include "base/ORMAApplicationSettings.hpp"
 #include "base/ORMALogQString.hpp"
@@ -76,10 +75,13 @@ void QcbsDictionaryLoader::readDirectory(const QString& path) {
 
 void QcbsDictionaryLoader::readFile(const QString& path) {
     debugLine(1, "QcbsDictionaryLoader - Dictionary found in: " + path);
-    std::ifstream stream(QFile::encodeName(path).constData(), std::ios::binary);
     THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
     THandle<CifErrorContainer> errors(new CifErrorContainer());
-    dictionary->read(stream, errors, nullptr);
+    std::vector<std::string> directories;
+    for (const QString& directory : searched_)
+        directories.push_back(QFile::encodeName(directory).toStdString());
+    dictionary->set_import_directories(std::move(directories));
+    dictionary->read_file(QFile::encodeName(path).toStdString(), errors, nullptr);
     if (!errors->empty()) {
         emit outputMessageRequest("Errors loading dictionary: " + path, false);
         for (const CifError& error : *errors) {
@@ -88,6 +90,8 @@ void QcbsDictionaryLoader::readFile(const QString& path) {
         }
         return;
     }
+    // The attribute dictionary of DDLm itself lies beside the core dictionary; nothing is checked against it.
+    if (!dictionary->descriptor().defines_data_names()) return;
     emit outputMessageRequest("Loaded dictionary: " + path, false);
     loaded_ = true;
     pool_->insert(dictionary);

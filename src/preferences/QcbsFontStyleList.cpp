@@ -80,6 +80,7 @@ QcbsFontStyleList::QcbsFontStyleList(const QcbsFontStyleSettings& styles, QWidge
 void QcbsFontStyleList::setStyles(const QcbsFontStyleSettings& styles) {
     styles_ = styles;
     for (auto it = rows_.cbegin(); it != rows_.cend(); ++it) showStyle(it.key());
+    emit stylesEdited();
 }
 
 void QcbsFontStyleList::restoreDefaults() {
@@ -94,6 +95,7 @@ void QcbsFontStyleList::setStyleColor(Style style, const QColor& color) {
     settings.color = color;
     styles_.setStyleSettings(style, settings);
     showStyle(style);
+    emit stylesEdited();
 }
 
 void QcbsFontStyleList::chooseColor(Style style) {
@@ -128,4 +130,5 @@ void QcbsFontStyleList::takeFlags(Style style) {
     settings.underline = row.underline->isChecked();
     styles_.setStyleSettings(style, settings);
     showStyle(style);
+    emit stylesEdited();
 }

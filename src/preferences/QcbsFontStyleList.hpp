@@ -37,6 +37,10 @@ public:
         return rows_.value(style).color;
     }
 
+signals:
+    // The styles shown changed (a choice of the user's or setStyles()).
+    void stylesEdited();
+
 public slots:
     // The colour dialog for one style.
     void chooseColor(QcbsFontStyleSettings::SyntaxStyle style);

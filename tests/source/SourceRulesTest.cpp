@@ -48,6 +48,7 @@ const FolderLicence kLicences[] = {
     {"bench/check", kGpl},
     {"bench/document", kGpl},
     {"bench/editor", kGpl},
+    {"bench/find", kGpl},
     {"bench/highlight", kGpl},
     {"bench/tree", kGpl},
     {"bench/loop_table", kGpl},
@@ -225,6 +226,8 @@ std::string layeringProblem(const std::string& piece, const Include& include) {
     if (piece == "src/base") return "the base floor includes only itself: " + include.target;
     if (piece == "src/document" && target != "src/base" && include.target != "editor/QcbsRichTextEdit.hpp")
         return "a document includes only the base floor and the editor's text widget: " + include.target;
+    if (piece == "src/find" && target != "src/base" && target != "src/editor")
+        return "the search dialogs include only the base floor and the editor: " + include.target;
     if (piece == "src/wizards" && target != "src/base" && target != "src/views" && target != "src/resources")
         return "a wizard includes only the base floor, the views and the pictures: " + include.target;
     return std::string();
@@ -247,6 +250,10 @@ TEST(SourceRules, LayeringRulesAreCheckedAsWritten) {
         {"src/editor", {1, "application/QcbsMainWindow.hpp", false}, false},
         {"src/application", {1, "application/QcbsMainWindow.hpp", false}, true},
         {"src/application", {1, "views/QcbsCifBoxView.hpp", false}, true},
+        {"src/find", {1, "editor/QcbsRichTextEdit.hpp", false}, true},
+        {"src/find", {1, "base/ORMAApplicationSettings.hpp", false}, true},
+        {"src/find", {1, "views/QcbsCifBoxView.hpp", false}, false},
+        {"src/find", {1, "application/QcbsMainWindow.hpp", false}, false},
         {"src/base", {1, "editor/QcbsUnicode.hpp", false}, false},
         {"src/document", {1, "editor/QcbsRichTextEdit.hpp", false}, true},
         {"src/document", {1, "editor/QcbsUnicode.hpp", false}, false},
