@@ -410,6 +410,7 @@ QComboBox* QcbsMainWindow::blocksCombo() const { return actions_->blocks(); }
 
 void QcbsMainWindow::makeDocument() {
     document_ = new QcbsCifDocument(currentEditor(), this);
+    connect(document_, &QcbsCifDocument::fileChangedOnDisk, this, &QcbsMainWindow::checkDiskFile);
     document_->setCheckSource([this] { return documentCheck(); });
     connect(document_, &QcbsCifDocument::fileNameChanged, this, &QcbsMainWindow::updateCaption);
     connect(document_, &QcbsCifDocument::checked, this, [this](THandle<Cif> cif) { finishCheck(cif, true); });
@@ -595,7 +596,11 @@ void QcbsMainWindow::closeEvent(QCloseEvent* event) {
 
 void QcbsMainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow()) lastActive_ = this;
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+        lastActive_ = this;
+        // Asked once the activation is over, not inside it.
+        QMetaObject::invokeMethod(this, &QcbsMainWindow::checkDiskFile, Qt::QueuedConnection);
+    }
 }
 
 bool QcbsMainWindow::eventFilter(QObject* watched, QEvent* event) {

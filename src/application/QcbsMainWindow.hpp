@@ -6,11 +6,13 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 #include "application/QcbsMainWindowSharedData.hpp"
 #include "base/QcbsOptions.hpp"
 #include "cif/Cif.hpp"
 #include "cif/CifDocumentCheck.hpp"
+#include "document/QcbsFileIdentity.hpp"
 #include "support/THandle.hpp"
 #include "validation/QcbsOutputPane.hpp"
 
@@ -320,6 +322,9 @@ signals:
     void documentLoaded(const QString& filename);
 
 private:
+    // Whether the file, of which this is the start, is to be read: yes when
+    // it looks like a CIF, else the user is asked ("Continue" or "Cancel").
+    bool acceptAsCif(const QString& filename, const QByteArray& start);
     bool saveDocument();
     bool saveDocumentAs();
     bool writeDocument(const QString& filename);
@@ -328,10 +333,24 @@ private:
     void resetBlocksCombo();
     void openDroppedFiles(const QStringList& files);
     QString askSaveFileName(const QString& proposed);
+    // Asks what to do about the file when another program changed, deleted
+    // or moved it: at once when the window is active, else once it is (and
+    // not again for the same state of the file).
+    void checkDiskFile();
+    // The user's choice about a file changed or gone (`state`), at a save
+    // (`saving`) or not; true when the document was saved.
+    bool answerDiskChange(QcbsFileIdentity::State state, bool saving);
+    // Reads the file again, after a confirmation when that loses edits.
+    bool reloadDocument();
 
     // Counts the loads begun, so that a load overtaken by another (or by a
     // close) is not finished.
     int loadSerial_ = 0;
+    // The file and its state the user was last asked about, and whether
+    // the question is up.
+    QString toldName_;
+    std::optional<QcbsFileIdentity::Stamp> toldStamp_;
+    bool askingAboutDisk_ = false;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's document operations: new, open, save, save as, close, print.
-// Also loading, the backup on saving, recent files and dropped files.
+// Also loading, the backup on saving, files changed by other programs, recent
+// files and dropped files.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
@@ -94,6 +95,44 @@ bool canWriteTo(const QString& filename) {
     return directory.isWritable();
 }
 
+// The start of a file, enough to judge whether it looks like a CIF; false
+// when it cannot be read.
+bool readStart(const QString& filename, QByteArray& start) {
+    QFile file(filename);
+    if (QFileInfo(filename).isDir() || !file.open(QIODevice::ReadOnly)) return false;
+    start = file.read(kProbeBytes);
+    return file.error() == QFileDevice::NoError;
+}
+
+// Why a save failed, said so that the user knows what to do.
+QString saveFailureText(const QString& filename, const QcbsDocumentSaver::Result& result) {
+    using Failure = QcbsDocumentSaver::Failure;
+    const QString copy = "use 'Save As' to make a copy";
+    switch (result.failure) {
+        case Failure::NoSpace:
+            return "Could not write to this file: there is no space left on the device. Free some space, "
+                   "or " +
+                   copy;
+        case Failure::ReadOnlyDirectory:
+            return "Could not write to this file: the directory " +
+                   quoted(QDir::toNativeSeparators(QFileInfo(filename).absolutePath())) +
+                   " is read-only (permission denied). Check file permissions, or " + copy;
+        case Failure::ReadOnlyFile:
+            return "Could not write to this file: it is read-only (permission denied). Check file "
+                   "permissions, "
+                   "or " +
+                   copy;
+        case Failure::ReadOnlyFileSystem:
+            return "Could not write to this file: the file system is read-only. Check file permissions, or " +
+                   copy;
+        case Failure::None:
+        case Failure::Other:
+            break;
+    }
+    const QString reason = result.error.isEmpty() ? QString() : ": " + result.error;
+    return "Could not write to this file" + reason + ". Check file permissions, or " + copy;
+}
+
 // One running number for the untitled files of all windows.
 QString nextUntitledName() {
     static int count = 0;
@@ -171,10 +210,24 @@ void QcbsMainWindow::fileOpen(const QString& filename, bool interactive) {
     }
     // The document goes only when the new one can take its place; a file
     // already open is refused by load() with this document kept.
+    bool askIfNoCif = interactive;
     if (!fileAlreadyOpen(filename)) {
+        // Asked before the document goes, so that Cancel leaves the window as it was.
+        QByteArray start;
+        if (interactive && readStart(filename, start)) {
+            if (!acceptAsCif(filename, start)) return;
+            askIfNoCif = false;
+        }
         if (document_->isOpen() && !fileClose()) return;
     }
-    if (!load(filename, interactive, true) && !document_->isOpen()) fileNewUntitled();
+    if (!load(filename, askIfNoCif, true) && !document_->isOpen()) fileNewUntitled();
+}
+
+bool QcbsMainWindow::acceptAsCif(const QString& filename, const QByteArray& start) {
+    if (QcbsCoreCifFileValidator::examine(start) == QcbsCoreCifFileValidator::LooksLikeCif) return true;
+    return ask(this, QMessageBox::Warning, "Warning",
+               "File " + quoted(filename) + " does not appear to be a valid CIF.",
+               {{"Continue", QMessageBox::AcceptRole}, {"Cancel", QMessageBox::RejectRole}}, 0, 1) == 0;
 }
 
 bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check) {
@@ -188,30 +241,24 @@ bool QcbsMainWindow::load(const QString& filename, bool interactive, bool check)
     }
     // The file goes into the editor a slice at a time; only its start is
     // read here, to judge whether it looks like a CIF.
-    QFile file(filename);
     QByteArray start;
-    bool opened = !QFileInfo(filename).isDir() && file.open(QIODevice::ReadOnly);
-    if (opened) {
-        start = file.read(kProbeBytes);
-        opened = file.error() == QFileDevice::NoError;
-    }
-    if (!opened) {
+    if (!readStart(filename, start)) {
         loadLog("failed");
         QMessageBox::critical(this, "Error", "Could not open file " + quoted(filename));
         return false;
     }
-    file.close();
     loadLog("file opened ok ");
+    // Cancel leaves everything as it was, the output pane included.
+    if (interactive && !acceptAsCif(filename, start)) {
+        loadLog("cancelled: not a CIF");
+        return false;
+    }
     writeToOutputPane("Reading CIF " + quotedHtml(filename), true);
 
     const QcbsCoreCifFileValidator::Verdict verdict = QcbsCoreCifFileValidator::examine(start);
     if (verdict != QcbsCoreCifFileValidator::LooksLikeCif) {
         loadLog("not a CIF: the file " + QcbsCoreCifFileValidator::describe(verdict));
         writeToOutputPane("Warning: " + quotedHtml(filename) + " does not appear to be a valid CIF.", true);
-        if (interactive)
-            ask(this, QMessageBox::Warning, "Warning",
-                "File " + quoted(filename) + " does not appear to be a valid CIF.",
-                {{"Continue", QMessageBox::AcceptRole}}, 0, 0);
     }
 
     // The visualiser page is made with the window; it shows the document
@@ -305,6 +352,12 @@ bool QcbsMainWindow::saveDocument() {
         return false;
     }
     const QString name = fileName();
+    if (!name.isEmpty() && !isUntitled(name)) {
+        // Never over what another program wrote, nor silently where it took the file away.
+        const QcbsFileIdentity::State state = document_->diskState();
+        if (state == QcbsFileIdentity::State::Changed || state == QcbsFileIdentity::State::Missing)
+            return answerDiskChange(state, true);
+    }
     if (name.isEmpty() || !QFileInfo::exists(name)) return saveDocumentAs();
     return writeDocument(name);
 }
@@ -382,9 +435,7 @@ bool QcbsMainWindow::writeDocument(const QString& filename) {
                              "Could not write backup copy of this file:\n" + result.backupName);
     if (!result.saved) {
         debugLine(1, "QcbsMainWindow::fileSave - failed: " + result.error);
-        QMessageBox::critical(this, "Error",
-                              "Could not write to this file. Check file permissions, or use 'Save As' to "
-                              "make a copy");
+        QMessageBox::critical(this, "Error", saveFailureText(filename, result));
         return false;
     }
     if (widened)
@@ -393,6 +444,85 @@ bool QcbsMainWindow::writeDocument(const QString& filename) {
                           true);
     statusLineNumber();
     return true;
+}
+
+// --- files changed by other programs ---------------------------------------------------
+
+void QcbsMainWindow::checkDiskFile() {
+    if (askingAboutDisk_ || !isActiveWindow() || QApplication::activeModalWidget() != nullptr) return;
+    if (!document_->isOpen() || document_->isUntitled() || document_->isLoading() || document_->isSaving())
+        return;
+    const QcbsFileIdentity::State state = document_->diskState();
+    if (state != QcbsFileIdentity::State::Changed && state != QcbsFileIdentity::State::Missing) return;
+    // Once for each state of the file: a save asks again.
+    const QString name = fileName();
+    const QcbsFileIdentity::Stamp stamp = QcbsFileIdentity::Stamp::of(name);
+    if (toldName_ == name && toldStamp_ == stamp) return;
+    toldName_ = name;
+    toldStamp_ = stamp;
+    askingAboutDisk_ = true;
+    answerDiskChange(state, false);
+    askingAboutDisk_ = false;
+}
+
+bool QcbsMainWindow::answerDiskChange(QcbsFileIdentity::State state, bool saving) {
+    const QString name = fileName();
+    const bool modified = document_->isModified();
+    if (state == QcbsFileIdentity::State::Missing) {
+        const int answer =
+            ask(this, QMessageBox::Warning, programQName(),
+                "The file " + quoted(name) + " was deleted or moved by another program.",
+                {{"Save", QMessageBox::AcceptRole},
+                 {"Save as…", QMessageBox::ActionRole},
+                 {"Cancel", QMessageBox::RejectRole}},
+                saving ? 0 : 2, 2,
+                "The text is still here: save it under its name again, save it under another name, or "
+                "leave it unsaved for now.");
+        if (answer == 0) return writeDocument(name);
+        if (answer == 1) return saveDocumentAs();
+        // The text is on no disk now: closing asks whether to save it.
+        document_->setModified(true);
+        return false;
+    }
+    const int answer = ask(
+        this, QMessageBox::Warning, programQName(),
+        "The file " + quoted(name) + " was changed by another program.",
+        {{"Reload", QMessageBox::ActionRole},
+         {"Keep mine", QMessageBox::ActionRole},
+         {"Save as…", QMessageBox::ActionRole},
+         {"Cancel", QMessageBox::RejectRole}},
+        modified ? 3 : 0, 3,
+        modified ? "Reload it and lose the edits made here, keep yours and save them over it, or save yours "
+                   "under another name?"
+                 : "Reload it, keep the text shown here and save it over the file, or save it under another "
+                   "name?");
+    switch (answer) {
+        case 0:
+            reloadDocument();
+            return false;
+        case 1:
+            return writeDocument(name);
+        case 2:
+            return saveDocumentAs();
+        default:
+            if (saving) statusBarMessage("Not saved: the file was changed by another program.");
+            return false;
+    }
+}
+
+bool QcbsMainWindow::reloadDocument() {
+    const QString name = fileName();
+    if (document_->isModified()) {
+        const int answer =
+            ask(this, QMessageBox::Warning, programQName(),
+                "Reload " + quoted(name) + " and lose the edits made here?",
+                {{"Reload", QMessageBox::DestructiveRole}, {"Cancel", QMessageBox::RejectRole}}, 1, 1);
+        if (answer != 0) return false;
+    }
+    clearDocument();
+    if (load(name, false, true)) return true;
+    fileNewUntitled();
+    return false;
 }
 
 // --- close -----------------------------------------------------------------------------

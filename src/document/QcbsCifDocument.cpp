@@ -2,7 +2,9 @@
 // The one document of a main window and the edits views and wizards ask for.
 #include "document/QcbsCifDocument.hpp"
 
+#include <QDir>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QMetaObject>
 #include <algorithm>
 #include <fstream>
@@ -51,6 +53,11 @@ QcbsCifDocument::QcbsCifDocument(QcbsRichTextEdit* editor, QObject* parent)
         encoding_ = QcbsDocumentEncoding(QcbsDocumentEncoding::Utf8);
         widened_ = true;
     });
+    connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &QcbsCifDocument::noticeDiskChange);
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, &QcbsCifDocument::noticeDiskChange);
+    diskTimer_.setSingleShot(true);
+    diskTimer_.setInterval(100);
+    connect(&diskTimer_, &QTimer::timeout, this, &QcbsCifDocument::checkDisk);
 }
 
 QcbsCifDocument::~QcbsCifDocument() {
@@ -66,6 +73,8 @@ void QcbsCifDocument::setFileName(const QString& name) {
     open_ = true;
     if (name == fileName_) return;
     fileName_ = name;
+    identity_ = QcbsFileIdentity();
+    watch(name);
     emit fileNameChanged(name);
 }
 
@@ -109,6 +118,9 @@ void QcbsCifDocument::open(const QString& name) {
     delete snapshot_;
     snapshot_ = nullptr;
     setFileName(name);
+    identity_ = QcbsFileIdentity();
+    loadStamp_ = QcbsFileIdentity::Stamp();
+    watch(name);
 }
 
 void QcbsCifDocument::close() {
@@ -136,6 +148,7 @@ void QcbsCifDocument::load(const QString& name, const QByteArray& bytes,
     // The count is known before the text goes in.
     if (lineCount) lineCount(countLines(bytes));
     lineCount_ = {};
+    loadStamp_ = QcbsFileIdentity::Stamp::of(name);
     editor_->loadBytes(bytes);
 }
 
@@ -143,6 +156,9 @@ bool QcbsCifDocument::loadFile(const QString& name, const std::function<void(int
     open(name);
     newDocument_ = false;
     lineCount_ = lineCount;
+    // Taken before the bytes are read: a change while they are read then
+    // shows as a change.
+    loadStamp_ = QcbsFileIdentity::Stamp::of(name);
     if (editor_->loadFile(name)) return true;
     lineCount_ = {};
     return false;
@@ -154,6 +170,14 @@ void QcbsCifDocument::finishLoad() {
         editor_->isUtf8Text() ? QcbsDocumentEncoding::Utf8 : QcbsDocumentEncoding::Latin1,
         editor_->loadedWithByteOrderMark());
     widened_ = false;
+    if (loadStamp_.exists) {
+        QCryptographicHash hash = QcbsFileIdentity::hasher();
+        hash.addData(QByteArrayView(prefix().data(), static_cast<qsizetype>(prefix().size())));
+        const std::string_view text = editor_->byteView();
+        hash.addData(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
+        identity_ = QcbsFileIdentity(loadStamp_, hash.result());
+    }
+    loadStamp_ = QcbsFileIdentity::Stamp();
     if (lineCount_) {
         const auto tell = std::exchange(lineCount_, {});
         // Scintilla counts a last empty line after a final line end; a reader does not.
@@ -181,28 +205,38 @@ QByteArray QcbsCifDocument::fileBytes() const {
 QcbsDocumentSaver::Result QcbsCifDocument::save(const QString& name, bool backup, bool* widened) {
     quint64 serial = editor_->editSerial();
     QcbsDocumentSaver::Result result;
+    QByteArray hash;
+    // The file replaced by the save is no change made by another program.
+    saving_ = true;
     if (isLarge()) {
-        result = saveInBackground(name, backup, &serial);
+        result = saveInBackground(name, backup, &serial, &hash);
     } else {
         const std::string_view text = editor_->byteView();
         if (prefix().empty() && !newDocument_) {
-            result = QcbsDocumentSaver::save(
-                name, QByteArrayView(text.data(), static_cast<qsizetype>(text.size())), backup);
+            const QByteArrayView bytes(text.data(), static_cast<qsizetype>(text.size()));
+            result = QcbsDocumentSaver::save(name, bytes, backup);
+            hash = QcbsFileIdentity::hash(bytes);
         } else {
-            result = QcbsDocumentSaver::save(name, fileBytes(), backup);
+            const QByteArray bytes = fileBytes();
+            result = QcbsDocumentSaver::save(name, bytes, backup);
+            hash = QcbsFileIdentity::hash(bytes);
         }
     }
+    saving_ = false;
     if (widened != nullptr) *widened = result.saved && widened_;
     if (!result.saved) return result;
     widened_ = false;
     setFileName(name);
+    identity_ = QcbsFileIdentity(QcbsFileIdentity::Stamp::of(name), hash);
+    // The rename of the save took the watched file away.
+    watch(name);
     // What the user typed while a big text was written is not in the file.
     if (serial == editor_->editSerial()) editor_->setModified(false);
     return result;
 }
 
-QcbsDocumentSaver::Result QcbsCifDocument::saveInBackground(const QString& name, bool backup,
-                                                            quint64* serial) {
+QcbsDocumentSaver::Result QcbsCifDocument::saveInBackground(const QString& name, bool backup, quint64* serial,
+                                                            QByteArray* hash) {
     QcbsDocumentSaver::Result result;
     QEventLoop loop;
     cancelSave_ = false;
@@ -213,19 +247,21 @@ QcbsDocumentSaver::Result QcbsCifDocument::saveInBackground(const QString& name,
         *serial = snapshot.editSerial();
         auto bytes = std::make_shared<std::string>(std::move(snapshot.bytes()));
         finishText(*bytes);
-        workers_.start([this, bytes, name, backup, &result, &loop] {
+        workers_.start([this, bytes, name, backup, &result, &loop, hash] {
             const auto progress = [this](qint64 written, qint64 all) {
                 QMetaObject::invokeMethod(
                     this, [this, written, all] { emit saveProgress(written, all); }, Qt::QueuedConnection);
                 return !cancelSave_.load();
             };
-            const QcbsDocumentSaver::Result saved = QcbsDocumentSaver::save(
-                name, QByteArrayView(bytes->data(), static_cast<qsizetype>(bytes->size())), backup, progress);
+            const QByteArrayView view(bytes->data(), static_cast<qsizetype>(bytes->size()));
+            const QcbsDocumentSaver::Result saved = QcbsDocumentSaver::save(name, view, backup, progress);
+            QByteArray written = saved.saved ? QcbsFileIdentity::hash(view) : QByteArray();
             // The waiting loop is this thread's to wake; the result goes to it.
             QMetaObject::invokeMethod(
                 this,
-                [&result, &loop, saved] {
+                [&result, &loop, saved, hash, written] {
                     result = saved;
+                    *hash = written;
                     loop.quit();
                 },
                 Qt::QueuedConnection);
@@ -235,6 +271,40 @@ QcbsDocumentSaver::Result QcbsCifDocument::saveInBackground(const QString& name,
     loop.exec();
     emit saveProgress(total, total);
     return result;
+}
+
+// --- the file on disk -----------------------------------------------------------------
+
+void QcbsCifDocument::watch(const QString& name) {
+    if (!watcher_.files().isEmpty()) watcher_.removePaths(watcher_.files());
+    if (!watcher_.directories().isEmpty()) watcher_.removePaths(watcher_.directories());
+    if (name.isEmpty() || isUntitled(name)) return;
+    const QFileInfo file(name);
+    if (file.isFile()) watcher_.addPath(name);
+    if (file.absoluteDir().exists()) watcher_.addPath(file.absolutePath());
+}
+
+void QcbsCifDocument::noticeDiskChange() {
+    if (!open_ || isUntitled()) return;
+    // A file renamed over or deleted is no longer watched; one that is
+    // there (again) is.
+    if (!watcher_.files().contains(fileName_) && QFileInfo(fileName_).isFile()) watcher_.addPath(fileName_);
+    if (!saving_) diskTimer_.start();
+}
+
+void QcbsCifDocument::checkDisk() {
+    if (saving_ || isLoading()) return;
+    const QcbsFileIdentity::State state = diskState();
+    if (state == QcbsFileIdentity::State::Changed || state == QcbsFileIdentity::State::Missing)
+        emit fileChangedOnDisk();
+}
+
+QcbsFileIdentity::State QcbsCifDocument::diskState() {
+    if (!open_ || isUntitled() || !identity_.isKnown()) return QcbsFileIdentity::State::Same;
+    const QcbsFileIdentity::State state = identity_.compare(fileName_);
+    if (state != QcbsFileIdentity::State::Touched) return state;
+    identity_ = QcbsFileIdentity(QcbsFileIdentity::Stamp::of(fileName_), identity_.hash());
+    return QcbsFileIdentity::State::Same;
 }
 
 // --- checking --------------------------------------------------------------------------

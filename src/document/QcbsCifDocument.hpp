@@ -3,9 +3,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <QFileSystemWatcher>
 #include <QObject>
 #include <QString>
 #include <QThreadPool>
+#include <QTimer>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -16,6 +18,7 @@
 #include "cif/CifDocumentCheck.hpp"
 #include "document/QcbsDocumentEncoding.hpp"
 #include "document/QcbsDocumentSaver.hpp"
+#include "document/QcbsFileIdentity.hpp"
 #include "support/THandle.hpp"
 
 class CifTextLocator;
@@ -108,6 +111,15 @@ public:
     // Stops a save running on the worker; the old file stays as it was.
     void cancelSave() { cancelSave_ = true; }
 
+    // --- The file on disk ---
+
+    // The file as it is now against what the document last read or wrote
+    // (Same for an untitled document). A file only touched by another
+    // program (the same bytes) is taken as it is and counts as the same.
+    QcbsFileIdentity::State diskState();
+    // Whether a save of the document is being written.
+    bool isSaving() const { return saving_; }
+
     // --- Checking ---
 
     // Where each check gets its dictionaries and settings, asked anew at
@@ -166,6 +178,9 @@ signals:
     void fileNameChanged(const QString& name);
     // A save on the worker thread has written this many bytes of so many.
     void saveProgress(qint64 written, qint64 total);
+    // Another program changed, deleted or moved the file (diskState() tells
+    // which); the document's own saves never raise it.
+    void fileChangedOnDisk();
 
 private:
     struct CheckJob;
@@ -181,7 +196,13 @@ private:
     void takeSnapshot();
     void submitCheck();
     void finishBackgroundCheck(const std::shared_ptr<CheckJob>& job);
-    QcbsDocumentSaver::Result saveInBackground(const QString& name, bool backup, quint64* serial);
+    QcbsDocumentSaver::Result saveInBackground(const QString& name, bool backup, quint64* serial,
+                                               QByteArray* hash);
+    // Watches the file of this name (and its directory, which tells when a
+    // file deleted or renamed over comes back); none for an untitled name.
+    void watch(const QString& name);
+    void noticeDiskChange();
+    void checkDisk();
 
     QcbsRichTextEdit* editor_;
     bool open_ = false;
@@ -204,6 +225,14 @@ private:
     unsigned checkGeneration_ = 0;
     bool checkWaiting_ = false;
     std::atomic<bool> cancelSave_ = false;
+    // The file as the document last read or wrote it; the stamp taken
+    // before a load, made an identity with the hash of the bytes read.
+    QcbsFileIdentity identity_;
+    QcbsFileIdentity::Stamp loadStamp_;
+    bool saving_ = false;
+    QFileSystemWatcher watcher_;
+    // Gathers the burst of notices one change of the file gives.
+    QTimer diskTimer_;
     // Declared last: destroyed first, it waits for the worker to finish.
     QThreadPool workers_;
 };

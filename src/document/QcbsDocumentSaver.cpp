@@ -2,6 +2,7 @@
 // Writes a document's bytes over its file through a synced temporary file, with a backup.
 #include "document/QcbsDocumentSaver.hpp"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -67,14 +68,20 @@ constexpr qsizetype kPiece = 8 * 1024 * 1024;
 
 // Writes and syncs the temporary file; the caller commits it.
 bool writeAll(QSaveFile& file, QByteArrayView bytes, const QcbsDocumentSaver::Progress& progress,
-              QString& error, bool& cancelled) {
+              QcbsDocumentSaver::Result& result) {
+    QString& error = result.error;
+    // The system's error number is taken at once, before anything else can set it.
+    errno = 0;
     if (!file.open(QIODevice::WriteOnly)) {
+        result.failure = QcbsDocumentSaver::failureOf(file.fileName(), errno);
         error = file.errorString();
         return false;
     }
     for (qsizetype written = 0; written < bytes.size();) {
         const qsizetype piece = std::min(kPiece, bytes.size() - written);
+        errno = 0;
         if (file.write(bytes.data() + written, piece) != piece) {
+            result.failure = QcbsDocumentSaver::failureOf(file.fileName(), errno);
             error = file.errorString();
             file.cancelWriting();
             return false;
@@ -82,17 +89,20 @@ bool writeAll(QSaveFile& file, QByteArrayView bytes, const QcbsDocumentSaver::Pr
         written += piece;
         if (progress && !progress(written, bytes.size())) {
             error = "cancelled";
-            cancelled = true;
+            result.cancelled = true;
             file.cancelWriting();
             return false;
         }
     }
+    errno = 0;
     if (!file.flush()) {
+        result.failure = QcbsDocumentSaver::failureOf(file.fileName(), errno);
         error = file.errorString();
         file.cancelWriting();
         return false;
     }
     if (::fsync(file.handle()) != 0) {
+        result.failure = QcbsDocumentSaver::failureOf(file.fileName(), errno);
         error = "could not sync the file to the disk";
         file.cancelWriting();
         return false;
@@ -108,6 +118,30 @@ QString QcbsDocumentSaver::backupName(const QString& fileName) {
     return fileName.left(dot) + "_backup" + fileName.mid(dot);
 }
 
+QcbsDocumentSaver::Failure QcbsDocumentSaver::failureOf(const QString& fileName, int error) {
+    switch (error) {
+        case ENOSPC:
+        case EDQUOT:
+        case EFBIG:
+            return Failure::NoSpace;
+        case EROFS:
+            return Failure::ReadOnlyFileSystem;
+        default:
+            break;
+    }
+    // A refusal (or no error number at all) is told by what may be written.
+    const auto refused = [](int denied, Failure failure) {
+        if (denied == EROFS) return Failure::ReadOnlyFileSystem;
+        return denied == EACCES || denied == EPERM ? failure : Failure::Other;
+    };
+    const QByteArray file = QFile::encodeName(fileName);
+    const QByteArray directory = QFile::encodeName(QFileInfo(fileName).absolutePath());
+    if (QFileInfo::exists(fileName) && ::access(file.constData(), W_OK) != 0)
+        return refused(errno, Failure::ReadOnlyFile);
+    if (::access(directory.constData(), W_OK) != 0) return refused(errno, Failure::ReadOnlyDirectory);
+    return refused(error, Failure::ReadOnlyDirectory);
+}
+
 QcbsDocumentSaver::Result QcbsDocumentSaver::save(const QString& fileName, QByteArrayView bytes, bool backup,
                                                   const Progress& progress) {
     Result result;
@@ -116,12 +150,14 @@ QcbsDocumentSaver::Result QcbsDocumentSaver::save(const QString& fileName, QByte
     // only once the new content is safe, so a failed or cancelled save
     // leaves everything as it was, an older backup included.
     QSaveFile file(fileName);
-    if (!writeAll(file, bytes, progress, result.error, result.cancelled)) return result;
+    if (!writeAll(file, bytes, progress, result)) return result;
     if (backup && QFileInfo::exists(fileName)) {
         result.backupName = backupName(fileName);
         result.backupFailed = !makeBackup(fileName, result.backupName);
     }
+    errno = 0;
     if (!file.commit()) {
+        result.failure = failureOf(fileName, errno);
         result.error = file.errorString();
         return result;
     }

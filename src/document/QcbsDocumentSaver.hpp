@@ -17,6 +17,16 @@
 // and a failed save leaves an older one in place.
 class QcbsDocumentSaver {
 public:
+    // What made a save fail, for the user.
+    enum class Failure {
+        None,
+        NoSpace,             // the device (or the user's quota, or the size limit) is full
+        ReadOnlyDirectory,   // no new file may be made in the directory
+        ReadOnlyFile,        // the file may not be written
+        ReadOnlyFileSystem,  // the file system is mounted read-only
+        Other,
+    };
+
     struct Result {
         bool saved = false;
         // A backup was asked for but could not be made at backupName; the
@@ -27,6 +37,7 @@ public:
         bool cancelled = false;
         // Why the write failed, for the log.
         QString error;
+        Failure failure = Failure::None;
     };
 
     // Told how many bytes are written of how many; returning false stops
@@ -38,6 +49,10 @@ public:
     // ("a.b/c.cif" -> "a_backup.b/c.cif"); a path without such a dot gets
     // "_backup" at its end.
     static QString backupName(const QString& fileName);
+
+    // What failed, from the system's error number (0 when unknown) and the
+    // file and its directory as they are.
+    static Failure failureOf(const QString& fileName, int error);
 
     // Safe on a worker thread: it touches nothing but the file system.
     static Result save(const QString& fileName, QByteArrayView bytes, bool backup,

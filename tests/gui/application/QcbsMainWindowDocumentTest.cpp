@@ -116,10 +116,12 @@ TEST_F(DocumentWindow, OpeningAFileReadsItThenChecksIt) {
 
 TEST_F(DocumentWindow, AFileThatIsNoCifIsLoadedAfterAWarning) {
     const QString path = write("notes.txt", "hello\n");
+    answers_.click("Continue");
     window_.fileOpen(path, true);
     EXPECT_EQ(lastBox(), "Warning: File \"" + path + "\" does not appear to be a valid CIF.");
     EXPECT_EQ(answers_.boxes.last().icon, QMessageBox::Warning);
-    EXPECT_EQ(answers_.boxes.last().buttons, QStringList{"Continue"});
+    const QStringList buttons = answers_.boxes.last().buttons;
+    EXPECT_EQ(QSet<QString>(buttons.begin(), buttons.end()), (QSet<QString>{"Continue", "Cancel"}));
     EXPECT_EQ(editor()->toPlainText(), "hello\n");
     const qsizetype warning =
         output().indexOf("Warning: \"" + path + "\" does not appear to be a valid CIF.");
@@ -129,6 +131,31 @@ TEST_F(DocumentWindow, AFileThatIsNoCifIsLoadedAfterAWarning) {
     QcbsMainWindow quiet(window_.sharedData());
     EXPECT_TRUE(quiet.load(write("more.txt", "x\n"), false, true));
     EXPECT_EQ(answers_.boxes.size(), 1);
+}
+
+// Cancel leaves the window as it was: its document, its text, its output.
+TEST_F(DocumentWindow, AFileThatIsNoCifIsNotLoadedWhenTheWarningIsCancelled) {
+    const QString path = write("quartz.cif", kQuartz);
+    const QString notes = write("notes.txt", "hello\n");
+    for (const bool reuse : {true, false}) {
+        SCOPED_TRACE(reuse ? "this window" : "a new window");
+        changeOptions(window_, [&](QcbsOptions& o) { o.reuse_window = reuse; });
+        openAndEdit(path);
+        const QString before = output();
+        const qsizetype boxes = answers_.boxes.size();
+        answers_.click("Cancel");
+        window_.fileOpen(notes, true);
+        ASSERT_EQ(answers_.boxes.size(), boxes + 1);
+        EXPECT_EQ(lastBox(), "Warning: File \"" + notes + "\" does not appear to be a valid CIF.");
+        EXPECT_EQ(fileName(), path);
+        EXPECT_EQ(editor()->bytes(), kEdited);
+        EXPECT_TRUE(editor()->isModified());
+        EXPECT_EQ(output(), before);
+        EXPECT_TRUE(waitUntil([&] { return otherWindows().isEmpty(); })) << "no window is left behind";
+        editor()->setModified(false);
+        ASSERT_TRUE(window_.fileClose());
+    }
+    changeOptions(window_, [&](QcbsOptions& o) { o.reuse_window = false; });
 }
 
 TEST_F(DocumentWindow, FilesThatCannotBeReadOrAreOpenAlreadyAreRefusedWithAMessage) {
@@ -260,7 +287,8 @@ TEST_F(DocumentWindow, AFailedSaveKeepsTheFileTheTextAndItsModifiedMark) {
         ASSERT_EQ(answers_.boxes.size(), backup ? 2 : 1);
         EXPECT_EQ(
             lastBox(),
-            "Error: Could not write to this file. Check file permissions, or use 'Save As' to make a copy");
+            "Error: Could not write to this file: there is no space left on the device. Free some space, "
+            "or use 'Save As' to make a copy");
         EXPECT_EQ(answers_.boxes.last().icon, QMessageBox::Critical);
         EXPECT_EQ(readBytes(path), kQuartz) << backup;
         EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"quartz.cif"})
@@ -283,7 +311,9 @@ TEST_F(DocumentWindow, ANewDocumentOrOneWhoseFileIsGoneIsSavedThroughSaveAs) {
     EXPECT_FALSE(editor()->isModified());
 
     QFile::remove(path);
+    answers_.click("Save as…");
     window_.fileSave();  // the dialog is cancelled
+    EXPECT_EQ(lastBox(), "Tessary: The file \"" + path + "\" was deleted or moved by another program.");
     EXPECT_EQ(answers_.proposals.value(1), path);
     EXPECT_FALSE(QFileInfo::exists(path));
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A document's file: its text read and written back, saving that keeps the old content, printing.
+#include <errno.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QDirIterator>
 #include <QFontDatabase>
@@ -123,6 +125,49 @@ TEST(DocumentSaver, TheBackupNameTakesTheFirstDotAfterTheFirstCharacter) {
         {"/data/README", "/data/README_backup"},
     };
     for (const auto& [name, backup] : cases) EXPECT_EQ(QcbsDocumentSaver::backupName(name), backup);
+}
+
+// What failed is told from the error number, and a refusal from what may
+// be written: a directory where no file may be made, a file that may not be written.
+TEST(DocumentSaver, AFailureSaysWhatFailed) {
+    using Failure = QcbsDocumentSaver::Failure;
+    QTemporaryDir dir;
+    const QString fresh = dir.filePath("fresh.cif");
+    const QString missingDirectory = dir.filePath("gone/fresh.cif");
+    const struct {
+        int error;
+        QString name;
+        Failure failure;
+    } cases[] = {
+        {ENOSPC, fresh, Failure::NoSpace},
+        {EDQUOT, fresh, Failure::NoSpace},
+        {EFBIG, fresh, Failure::NoSpace},
+        {EROFS, fresh, Failure::ReadOnlyFileSystem},
+        {EACCES, fresh, Failure::ReadOnlyDirectory},
+        {EPERM, fresh, Failure::ReadOnlyDirectory},
+        {EIO, fresh, Failure::Other},
+        {0, fresh, Failure::Other},
+        {ENOENT, missingDirectory, Failure::Other},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(QcbsDocumentSaver::failureOf(c.name, c.error), c.failure) << c.error;
+}
+
+// The same for real, where the permissions hold (not for root).
+TEST(DocumentSaver, SavingIntoAReadOnlyDirectoryOrOverAReadOnlyFileSaysWhich) {
+    if (::geteuid() == 0) GTEST_SKIP() << "root may write anywhere: no directory is read-only to it";
+    using Failure = QcbsDocumentSaver::Failure;
+    QTemporaryDir dir;
+    const QString file = writeBytes(dir.filePath("locked/quartz.cif"), "data_quartz\n");
+    QFile::setPermissions(file, QFile::ReadOwner);
+    EXPECT_EQ(QcbsDocumentSaver::save(file, "data_new\n", false).failure, Failure::ReadOnlyFile);
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    QFile::setPermissions(dir.filePath("locked"), QFile::ReadOwner | QFile::ExeOwner);
+    const QcbsDocumentSaver::Result result = QcbsDocumentSaver::save(file, "data_new\n", false);
+    QFile::setPermissions(dir.filePath("locked"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    EXPECT_FALSE(result.saved);
+    EXPECT_EQ(result.failure, Failure::ReadOnlyDirectory);
+    EXPECT_EQ(readFile(file), "data_quartz\n");
 }
 
 // --- printing ------------------------------------------------------------------------
