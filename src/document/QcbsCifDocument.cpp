@@ -164,13 +164,35 @@ bool QcbsCifDocument::loadFile(const QString& name, const std::function<void(int
     return false;
 }
 
+void QcbsCifDocument::hashInBackground(const QString& name, const QcbsFileIdentity::Stamp& stamp) {
+    // Hashing a big text would hold the event loop (half a second for
+    // 300 MB): the file is hashed again on the worker. Until the hash comes
+    // the identity has none, so that any other stamp counts as a change.
+    identity_ = QcbsFileIdentity(stamp, QByteArray());
+    workers_.start([this, name, stamp] {
+        QByteArray hash = QcbsFileIdentity::hashFile(name);
+        // What was hashed must still be the file that was read.
+        if (!(QcbsFileIdentity::Stamp::of(name) == stamp)) return;
+        // Queued to the document, the call is dropped should it be gone.
+        QMetaObject::invokeMethod(
+            this,
+            [this, stamp, hash] {
+                if (identity_.isKnown() && identity_.stamp() == stamp && identity_.hash().isEmpty())
+                    identity_ = QcbsFileIdentity(stamp, hash);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
 void QcbsCifDocument::finishLoad() {
     newDocument_ = false;
     encoding_ = QcbsDocumentEncoding(
         editor_->isUtf8Text() ? QcbsDocumentEncoding::Utf8 : QcbsDocumentEncoding::Latin1,
         editor_->loadedWithByteOrderMark());
     widened_ = false;
-    if (loadStamp_.exists) {
+    if (loadStamp_.exists && isLarge()) {
+        hashInBackground(fileName_, loadStamp_);
+    } else if (loadStamp_.exists) {
         QCryptographicHash hash = QcbsFileIdentity::hasher();
         hash.addData(QByteArrayView(prefix().data(), static_cast<qsizetype>(prefix().size())));
         const std::string_view text = editor_->byteView();

@@ -117,6 +117,9 @@ public:
     // (Same for an untitled document). A file only touched by another
     // program (the same bytes) is taken as it is and counts as the same.
     QcbsFileIdentity::State diskState();
+    // The file as the document last read or wrote it (a large file's hash
+    // follows its load from the worker).
+    const QcbsFileIdentity& fileIdentity() const { return identity_; }
     // Whether a save of the document is being written.
     bool isSaving() const { return saving_; }
 
@@ -229,6 +232,8 @@ private:
     // before a load, made an identity with the hash of the bytes read.
     QcbsFileIdentity identity_;
     QcbsFileIdentity::Stamp loadStamp_;
+    // A large file's identity gets its hash from the worker.
+    void hashInBackground(const QString& name, const QcbsFileIdentity::Stamp& stamp);
     bool saving_ = false;
     QFileSystemWatcher watcher_;
     // Gathers the burst of notices one change of the file gives.
