@@ -8,6 +8,7 @@
 #include "cif/Cif.hpp"
 #include "cif/CifConcreteDictionary.hpp"
 #include "cif/CifDictionaryAttributes.hpp"
+#include "cif/CifDictionaryText.hpp"
 #include "cif/CifNames.hpp"
 
 namespace {
@@ -55,21 +56,8 @@ CifDdl2Reader::CifDdl2Reader(CifConcreteDictionary& dictionary, THandle<CifError
     : dictionary_(dictionary), errors_(errors), log_(log) {}
 
 void CifDdl2Reader::read(std::string text) {
-    CifParserSettings settings;
-    settings.line_length = 0;
-    settings.check_data_names = false;
-    settings.check_values = false;
-    settings.allow_save_frames = true;
-    settings.max_name_length = 0;  // dictionaries define names of any length
     Cif cif;
-    cif.read_text(std::move(text), settings);
-    for (const CifError& problem : *cif.errors()) {
-        if (problem.type() == CifError::error && !errors_.is_null()) {
-            errors_->add(problem);
-        } else if (log_ != nullptr) {
-            *log_ << problem.complete_message() << '\n';
-        }
-    }
+    cif_read_dictionary_text(cif, std::move(text), errors_, log_);
     for (const THandle<CifDataBlock>& block : cif.blocks()) {
         CifDictionaryAttributes attributes(*block);
         if (dictionary_.descriptor_.name.empty()) {

@@ -8,6 +8,7 @@
 #include "cif/CifCompoundValue.hpp"
 #include "cif/CifConcreteDictionary.hpp"
 #include "cif/CifDictionaryAttributes.hpp"
+#include "cif/CifDictionaryText.hpp"
 #include "cif/CifNames.hpp"
 
 namespace {
@@ -74,21 +75,8 @@ void CifDdlmReader::error(int code, int line, std::string text, std::string deta
 }
 
 void CifDdlmReader::read(std::string text, const std::string& directory) {
-    CifParserSettings settings;
-    settings.line_length = 0;
-    settings.check_data_names = false;
-    settings.check_values = false;
-    settings.allow_save_frames = true;
-    settings.max_name_length = 0;  // dictionaries define names of any length
     Cif cif;
-    cif.read_text(std::move(text), settings);
-    for (const CifError& problem : *cif.errors()) {
-        if (problem.type() == CifError::error && !errors_.is_null()) {
-            errors_->add(problem);
-        } else if (log_ != nullptr) {
-            *log_ << problem.complete_message() << '\n';
-        }
-    }
+    cif_read_dictionary_text(cif, std::move(text), errors_, log_);
     if (!cif.blocks().empty()) {
         const CifDataBlock& head = *cif.blocks().front();
         CifDictionaryAttributes attributes(head);
