@@ -8,12 +8,14 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QStringList>
 #include <QTest>
 #include <QTreeWidgetItem>
+#include <memory>
 
 #include "GuiTestSupport.hpp"
 #include "application/QcbsCommandLine.hpp"
@@ -98,3 +100,37 @@ inline QString pdfText(const QString& pdf) {
     process.waitForFinished(30000);
     return QString::fromUtf8(process.readAllStandardOutput());
 }
+
+// A main window whose dictionaries are the team's test dictionary alone
+// (TESSARY_DICTIONARIES points at a directory holding only it), with its
+// own settings and a directory for the files a test opens.
+class TestDictionaryWindow {
+protected:
+    TestDictionaryWindow() {
+        QFile::copy(TESSARY_SOURCE_DIR "/tests/data/tessary_test.dic",
+                    dictionaries_.filePath("tessary_test.dic"));
+        window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData());
+    }
+    ~TestDictionaryWindow() {
+        window_.reset();
+        qputenv("TESSARY_DICTIONARIES", previous_);
+    }
+    // Writes the text to `fileName`, opens it and waits until it is read and checked.
+    void openText(const QByteArray& text, const QString& fileName) {
+        const QString path = writeBytes(files_.filePath(fileName), text);
+        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
+        ASSERT_TRUE(window_->load(path, false, true));
+        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+        ASSERT_FALSE(window_->currentCif().is_null());
+    }
+
+    ScopedPrefsDir prefs_;
+    QTemporaryDir dictionaries_;
+    QTemporaryDir files_;
+    QByteArray previous_ = [this] {
+        const QByteArray before = qgetenv("TESSARY_DICTIONARIES");
+        qputenv("TESSARY_DICTIONARIES", dictionaries_.path().toUtf8());
+        return before;
+    }();
+    std::unique_ptr<QcbsMainWindow> window_;
+};

@@ -32,36 +32,11 @@ const QByteArray kDocument =
     "loop_\n_atom_site_label\n_atom_site_occupancy\n"  // 12-14
     "N1 1\n";                                          // 15
 
-class MainWindowLoops : public ::testing::Test {
+class MainWindowLoops : public ::testing::Test, protected TestDictionaryWindow {
 protected:
-    MainWindowLoops() {
-        QFile::copy(TESSARY_SOURCE_DIR "/tests/data/tessary_test.dic",
-                    dictionaries_.filePath("tessary_test.dic"));
-        window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData());
-    }
-    ~MainWindowLoops() override {
-        window_.reset();
-        qputenv("TESSARY_DICTIONARIES", previous_);
-    }
-    void open(const QByteArray& text) {
-        const QString path = writeBytes(files_.filePath("loops.cif"), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
-        ASSERT_FALSE(window_->currentCif().is_null());
-    }
+    void open(const QByteArray& text) { openText(text, "loops.cif"); }
     QByteArray bytes() const { return window_->document()->fileBytes(); }
     void cursorTo(int line) { window_->currentEditor()->setCursorPosition(line - 1, 0); }
-
-    ScopedPrefsDir prefs_;
-    QTemporaryDir dictionaries_;
-    QTemporaryDir files_;
-    QByteArray previous_ = [this] {
-        const QByteArray before = qgetenv("TESSARY_DICTIONARIES");
-        qputenv("TESSARY_DICTIONARIES", dictionaries_.path().toUtf8());
-        return before;
-    }();
-    std::unique_ptr<QcbsMainWindow> window_;
 };
 
 TEST_F(MainWindowLoops, AnEditedLoopReplacesOnlyItsOwnTextAsOneUndoStep) {

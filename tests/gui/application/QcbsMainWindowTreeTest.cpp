@@ -41,25 +41,9 @@ const QByteArray kTwoBlocks =
     "_cell_angle_alpha              90\n"              // 12
     "_cell_length_a                 6.0\n";            // 13
 
-class MainWindowTree : public ::testing::Test {
+class MainWindowTree : public ::testing::Test, protected TestDictionaryWindow {
 protected:
-    MainWindowTree() {
-        QFile::copy(TESSARY_SOURCE_DIR "/tests/data/tessary_test.dic",
-                    dictionaries_.filePath("tessary_test.dic"));
-        window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData());
-    }
-    ~MainWindowTree() override {
-        window_.reset();
-        qputenv("TESSARY_DICTIONARIES", previous_);
-    }
-
-    void open(const QByteArray& text) {
-        const QString path = writeBytes(files_.filePath("tree.cif"), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
-        ASSERT_FALSE(window_->currentCif().is_null());
-    }
+    void open(const QByteArray& text) { openText(text, "tree.cif"); }
     QcbsRichTextEdit* editor() const { return window_->currentEditor(); }
     QcbsCifBoxView* tree() const { return window_->boxView(); }
     QString text() const { return QString::fromUtf8(window_->document()->fileBytes()); }
@@ -86,16 +70,6 @@ protected:
         ADD_FAILURE() << "no row " << category.toStdString() << " " << name.toStdString();
         return nullptr;
     }
-
-    ScopedPrefsDir prefs_;
-    QTemporaryDir dictionaries_;
-    QTemporaryDir files_;
-    QByteArray previous_ = [this] {
-        const QByteArray before = qgetenv("TESSARY_DICTIONARIES");
-        qputenv("TESSARY_DICTIONARIES", dictionaries_.path().toUtf8());
-        return before;
-    }();
-    std::unique_ptr<QcbsMainWindow> window_;
 };
 
 TEST_F(MainWindowTree, GoingToAnItemLandsOnItsLineInTheRightBlockWhenTwoBlocksHoldTheName) {
