@@ -2,6 +2,7 @@
 // The launcher: application object, splash screen, shared data, first window, event loop.
 // Everything else lives in libtessarylib.
 #include <QFileInfo>
+#include <QTimer>
 #include <cstdio>
 
 #include "application/QcbsApplication.hpp"
@@ -41,5 +42,7 @@ int main(int argc, char** argv) {
     app.closeSplash();
     // Files named on the command line go to the first window.
     app.processArgs();
+    // Unsaved edits left by a Tessary that ended without saving them.
+    QTimer::singleShot(0, window, &QcbsMainWindow::offerRecoveryAtStart);
     return app.exec();
 }

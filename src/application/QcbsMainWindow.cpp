@@ -414,6 +414,7 @@ void QcbsMainWindow::makeDocument() {
     document_->setCheckSource([this] { return documentCheck(); });
     connect(document_, &QcbsCifDocument::fileNameChanged, this, &QcbsMainWindow::updateCaption);
     connect(document_, &QcbsCifDocument::checked, this, [this](THandle<Cif> cif) { finishCheck(cif, true); });
+    makeRecovery();
 }
 
 QString QcbsMainWindow::fileName() const { return document_ != nullptr ? document_->fileName() : QString(); }

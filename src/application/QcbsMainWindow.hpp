@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <memory>
 #include <optional>
 
 #include "application/QcbsMainWindowSharedData.hpp"
@@ -36,6 +37,8 @@ class QcbsLineNumberedTextEdit;
 class QcbsLoopTableEditorImpl;
 class QcbsMainWindowActions;
 class QcbsPreferencesDialog;
+class QcbsRecoveryRecord;
+class QcbsRecoveryWriter;
 class QcbsRichTextEdit;
 class QcbsVisSorter;
 class QcbsWizard;
@@ -454,6 +457,30 @@ private:
     // window's actions.
     void claimWindowKeys();
     QPointer<QcbsLoopTableEditorImpl> loopEditor_;
+    // --- Recovery of unsaved edits (QcbsMainWindowRecovery.cpp) ---
+public:
+    // Offers, one after another, the unsaved texts that Tessary processes
+    // which ended without saving left behind (once, at start-up).
+    void offerRecoveryAtStart();
+    // Keeps the recovery file of this window's unsaved text.
+    QcbsRecoveryWriter* recoveryWriter() const { return recovery_; }
+
+private:
+    struct PendingRecovery;
+    void makeRecovery();
+    // Offers what was left of the file just loaded, or puts in the text
+    // whose file was loaded to take it.
+    void offerRecoveryFor(const QString& filename);
+    // Asks "Recover", "Compare" or "Discard" about a record (and acts on a
+    // discard); true when the text is to be recovered, with it in `text`.
+    bool askAboutRecord(const QcbsRecoveryRecord& record, QByteArray* text);
+    // Puts a recovered text into this window: over its file once loaded,
+    // or as a document of its own when it has no file (any more).
+    void recoverText(const QcbsRecoveryRecord& record, const QByteArray& text);
+    void applyRecoveredText(const QcbsRecoveryRecord& record, const QByteArray& text);
+    QcbsRecoveryWriter* recovery_ = nullptr;
+    std::shared_ptr<PendingRecovery> pendingRecovery_;
+
     // --- The wizards' launching (QcbsMainWindowWizards.cpp) ---
     // The index of the block at the editor's cursor in a fresh check of the
     // text (the first block when the cursor is above every block), or -1.

@@ -20,6 +20,7 @@ struct QcbsOptions {
     QString mandatory_items_file;
     bool line_numbers = false;
     bool save_backup = false;    // saving keeps the previous file as a backup
+    bool keep_recovery = true;   // unsaved text is kept in a recovery file until saved
     int line_length_limit = 80;  // the reader's long-line warning and the printer's width
     bool consistency_checks = true;
     QcbsContactAuthor contact_author;

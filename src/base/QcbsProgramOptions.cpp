@@ -24,6 +24,7 @@ void QcbsProgramOptions::load() {
     v.mandatory_items_file = settings.readEntry("mandatory filename", QString(""));
     v.line_numbers = settings.readBoolEntry("line numbers", false);
     v.save_backup = settings.readBoolEntry("save backup file", false);
+    v.keep_recovery = settings.readBoolEntry("keep recovery files", true);
     // One limit for the reader and the printer, read once for each.
     v.line_length_limit = settings.readNumEntry("line length limit", 80);
     v.line_length_limit = settings.readNumEntry("line length limit", 80);
@@ -55,6 +56,7 @@ void QcbsProgramOptions::save() const {
     settings.writeEntry("mandatory filename", v.mandatory_items_file);
     settings.writeEntry("line numbers", v.line_numbers);
     settings.writeEntry("save backup file", v.save_backup);
+    settings.writeEntry("keep recovery files", v.keep_recovery);
     settings.writeEntry("line length limit", v.line_length_limit);
     settings.writeEntry("consistency checks", v.consistency_checks);
     settings.writeEntry("contact name", v.contact_author.name);

@@ -27,6 +27,10 @@ const QcbsOptionSwitch kEditorSwitches[] = {
     {"save backup file", "Keep a &backup copy when saving",
      "Saving first renames the old file, with _backup before its extension (name_backup.cif).",
      &QcbsOptions::save_backup},
+    {"keep recovery files", "Keep unsaved edits for &recovery",
+     "A few seconds after each edit the unsaved text is copied to a private recovery file, offered "
+     "again should Tessary end without saving it.",
+     &QcbsOptions::keep_recovery},
     {"folding", "Fo&ld loops, save frames and text fields",
      "A margin left of the text opens and closes loops, save frames and text fields.", &QcbsOptions::folding},
     {"data name completion", "&Offer data names while typing",

@@ -53,6 +53,7 @@ const FolderLicence kLicences[] = {
     {"bench/tree", kGpl},
     {"bench/loop_table", kGpl},
     {"bench/visualiser", kGpl},
+    {"bench/recovery", kGpl},
 };
 
 // One source file: its path in the source tree ("src/editor/QcbsUnicode.cpp") and its folder

@@ -30,6 +30,7 @@ const Setting kSettings[] = {
     {"mandatory filename", "", "/data/mandatory.txt"},
     {"line numbers", "false", "true"},
     {"save backup file", "false", "true"},
+    {"keep recovery files", "true", "false"},
     {"line length limit", "80", "2048"},
     {"consistency checks", "true", "false"},
     {"contact name", "", "A. Author"},

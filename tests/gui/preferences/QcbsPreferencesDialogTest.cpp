@@ -20,6 +20,7 @@
 #include "application/ApplicationTestSupport.hpp"
 #include "dictionaries/DictionaryTestSupport.hpp"
 #include "dictionaries/QcbsDictionaryCheckBox.hpp"
+#include "document/QcbsRecoveryWriter.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "preferences/QcbsCheckingPreferencesPage.hpp"
@@ -136,6 +137,8 @@ TEST_F(PreferencesDialog, EachOptionSetInTheDialogReachesEveryWindowAndTheSettin
          [](const QcbsMainWindow& w) { return w.reuseWindow(); }},
         {"save backup file", check("save backup file"), "true",
          [](const QcbsMainWindow& w) { return w.options().save_backup; }},
+        {"keep recovery files", uncheck("keep recovery files"), "false",
+         [](const QcbsMainWindow& w) { return !w.recoveryWriter()->isEnabled(); }},
         // The editor's own switches, each reaching the editor itself.
         {"folding", uncheck("folding"), "false",
          [](const QcbsMainWindow& w) { return !w.currentEditor()->foldingEnabled(); }},
