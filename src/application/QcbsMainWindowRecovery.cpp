@@ -49,9 +49,13 @@ QString shownName(const QcbsRecoveryRecord& record) {
 
 void QcbsMainWindow::makeRecovery() {
     recovery_ = new QcbsRecoveryWriter(document_, currentEditor(), this);
-    connect(recovery_, &QcbsRecoveryWriter::failed, this, [this](const QString& reason) {
-        statusBarMessage("Could not keep a recovery copy of the unsaved text: " + reason);
-    });
+    // Said once: a directory that cannot be written fails at every edit.
+    connect(recovery_, &QcbsRecoveryWriter::failed, this,
+            [this, told = false](const QString& reason) mutable {
+                if (std::exchange(told, true)) return;
+                writeToOutputPane(
+                    "Could not keep a recovery copy of the unsaved text: " + reason.toHtmlEscaped(), true);
+            });
     connect(this, &QcbsMainWindow::documentLoaded, this, &QcbsMainWindow::offerRecoveryFor);
     recovery_->setEnabled(options().keep_recovery);
     connect(sharedData_->options(), &QcbsProgramOptions::changed, recovery_,
@@ -59,10 +63,12 @@ void QcbsMainWindow::makeRecovery() {
 }
 
 void QcbsMainWindow::offerRecoveryAtStart() {
-    for (const QcbsRecoveryRecord& record : QcbsRecoveryStore::orphans()) {
-        if (offeredRecords().contains(record.id)) continue;
-        // A file opened meanwhile gets the question when its text is in.
-        if (!record.isUntitled() && fileAlreadyOpen(record.fileName)) continue;
+    // A file opened meanwhile gets the question when its text is in.
+    const auto wanted = [](const QcbsRecoveryRecord& record) {
+        return !offeredRecords().contains(record.id) &&
+               (record.isUntitled() || !fileAlreadyOpen(record.fileName));
+    };
+    for (const QcbsRecoveryRecord& record : QcbsRecoveryStore::orphans(wanted)) {
         QByteArray text;
         if (!askAboutRecord(record, &text)) continue;
         QcbsMainWindow* target = this;
@@ -81,10 +87,11 @@ void QcbsMainWindow::offerRecoveryFor(const QString& filename) {
         applyRecoveredText(pending->record, pending->text);
         return;
     }
-    for (const QcbsRecoveryRecord& record : QcbsRecoveryStore::orphans()) {
-        if (record.isUntitled() || offeredRecords().contains(record.id) ||
-            !sameFile(record.fileName, filename))
-            continue;
+    const auto wanted = [&](const QcbsRecoveryRecord& record) {
+        return !record.isUntitled() && !offeredRecords().contains(record.id) &&
+               sameFile(record.fileName, filename);
+    };
+    for (const QcbsRecoveryRecord& record : QcbsRecoveryStore::orphans(wanted)) {
         QByteArray text;
         if (!askAboutRecord(record, &text)) continue;
         applyRecoveredText(record, text);

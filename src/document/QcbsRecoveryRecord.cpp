@@ -54,7 +54,7 @@ QByteArray QcbsRecoveryRecord::header() const {
     return out;
 }
 
-std::optional<QcbsRecoveryRecord> QcbsRecoveryRecord::read(QIODevice& device, QByteArray* text) {
+std::optional<QcbsRecoveryRecord> QcbsRecoveryRecord::readHeader(QIODevice& device) {
     QMap<QByteArray, QByteArray> fields;
     qint64 headerBytes = 0;
     for (bool first = true;; first = false) {
@@ -106,21 +106,28 @@ std::optional<QcbsRecoveryRecord> QcbsRecoveryRecord::read(QIODevice& device, QB
     if (!size || *size < 0 || !hash || hash->isEmpty()) return std::nullopt;
     record.size = *size;
     record.hash = *hash;
+    if (!device.isSequential() && device.size() - device.pos() != record.size) return std::nullopt;
+    return record;
+}
 
+std::optional<QcbsRecoveryRecord> QcbsRecoveryRecord::read(QIODevice& device, QByteArray* text) {
+    std::optional<QcbsRecoveryRecord> record = readHeader(device);
+    if (!record) return std::nullopt;
     // The text: exactly `size` bytes of this hash, and nothing after them.
     if (text != nullptr) {
-        *text = device.read(record.size);
-        if (text->size() != record.size || QcbsFileIdentity::hash(*text) != record.hash) return std::nullopt;
+        *text = device.read(record->size);
+        if (text->size() != record->size || QcbsFileIdentity::hash(*text) != record->hash)
+            return std::nullopt;
     } else {
         QCryptographicHash hasher = QcbsFileIdentity::hasher();
-        qint64 left = record.size;
+        qint64 left = record->size;
         while (left > 0) {
             const QByteArray piece = device.read(std::min<qint64>(left, 4 * 1024 * 1024));
             if (piece.isEmpty()) return std::nullopt;
             hasher.addData(piece);
             left -= piece.size();
         }
-        if (hasher.result() != record.hash) return std::nullopt;
+        if (hasher.result() != record->hash) return std::nullopt;
     }
     if (!device.read(1).isEmpty()) return std::nullopt;
     return record;

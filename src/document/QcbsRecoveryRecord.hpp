@@ -39,6 +39,9 @@ public:
     // which must be whole and match its hash. The text is kept in `text`
     // when asked for, else only checked. Nothing for a damaged record.
     static std::optional<QcbsRecoveryRecord> read(QIODevice& device, QByteArray* text = nullptr);
+    // Only the header, and whether the text after it has the size it gives
+    // (a quick look; read() tells whether the text is good).
+    static std::optional<QcbsRecoveryRecord> readHeader(QIODevice& device);
 
     static constexpr const char* Magic = "TESSARY RECOVERY 1";
 };

@@ -109,7 +109,8 @@ bool QcbsRecoveryStore::ownerAlive(const QString& id) {
     return start && QString::number(*start) == match.captured(3);
 }
 
-QList<QcbsRecoveryRecord> QcbsRecoveryStore::orphans() {
+QList<QcbsRecoveryRecord> QcbsRecoveryStore::orphans(
+    const std::function<bool(const QcbsRecoveryRecord&)>& wanted) {
     QList<QcbsRecoveryRecord> records;
     const QDir dir(directory());
     for (const QFileInfo& entry : dir.entryInfoList(QDir::Files | QDir::Hidden)) {
@@ -125,9 +126,12 @@ QList<QcbsRecoveryRecord> QcbsRecoveryStore::orphans() {
         if (ownerAlive(id)) continue;
         QFile file(entry.filePath());
         if (!file.open(QIODevice::ReadOnly)) continue;
-        std::optional<QcbsRecoveryRecord> record = QcbsRecoveryRecord::read(file);
+        std::optional<QcbsRecoveryRecord> record = QcbsRecoveryRecord::readHeader(file);
         if (!record) continue;
         record->id = id;
+        // Only the records wanted have their whole text read and checked.
+        if (wanted && !wanted(*record)) continue;
+        if (!file.seek(0) || !QcbsRecoveryRecord::read(file)) continue;
         records << *record;
     }
     std::stable_sort(

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QString>
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -34,10 +35,12 @@ public:
     // Whether the process that wrote the record still runs.
     static bool ownerAlive(const QString& id);
 
-    // The good records of processes that no longer run, oldest first. Damaged
-    // records are passed over (and left for the user to look at); temporary
-    // files of dead processes are removed.
-    static QList<QcbsRecoveryRecord> orphans();
+    // The good records of processes that no longer run, oldest first, of
+    // those `wanted` (by their headers) when given. Damaged records are
+    // passed over (and left for the user to look at); temporary files of
+    // dead processes are removed.
+    static QList<QcbsRecoveryRecord> orphans(
+        const std::function<bool(const QcbsRecoveryRecord&)>& wanted = {});
     // One record, with its text; nothing when it is gone or damaged.
     static std::optional<QcbsRecoveryRecord> load(const QString& id, QByteArray* text);
 

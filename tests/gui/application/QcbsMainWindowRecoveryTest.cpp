@@ -134,6 +134,30 @@ TEST_F(WindowRecovery, AWindowThatEndsWithoutItsQuestionLeavesTheRecordOfANewDoc
     EXPECT_EQ(records().value(id), "data_new");
 }
 
+TEST_F(WindowRecovery, ARecordThatCannotBeWrittenIsSaidOnceAndTheSwitchTurnsRecordsOff) {
+    window_->fileNewUntitled();
+    QcbsRecoveryWriter* writer = window_->recoveryWriter();
+    {
+        // The state directory cannot be made: a file stands in its way.
+        const ScopedEnvironment blocked("XDG_STATE_HOME", writeFile("blocker", "x").toUtf8());
+        QSignalSpy failed(writer, &QcbsRecoveryWriter::failed);
+        QTest::keyClicks(window_->currentEditor(), "data_a");
+        ASSERT_TRUE(waitUntil([&] { return failed.count() >= 1; }));
+        QTest::keyClicks(window_->currentEditor(), "b");
+        ASSERT_TRUE(waitUntil([&] { return failed.count() >= 2; }));
+        EXPECT_EQ(window_->outputPane()->toPlainText().count("Could not keep a recovery copy"), 1);
+    }
+    QTest::keyClicks(window_->currentEditor(), "c");
+    ASSERT_TRUE(waitUntil([&] { return records().value(ownRecord()) == "data_abc"; }));
+    changeOptions(*window_, [](QcbsOptions& o) { o.keep_recovery = false; });
+    EXPECT_TRUE(waitUntil([&] { return records().isEmpty(); }));
+    QTest::keyClicks(window_->currentEditor(), "d");
+    QSignalSpy written(writer, &QcbsRecoveryWriter::written);
+    EXPECT_FALSE(written.wait(300));
+    changeOptions(*window_, [](QcbsOptions& o) { o.keep_recovery = true; });
+    EXPECT_TRUE(waitUntil([&] { return records().value(ownRecord()) == "data_abcd"; }));
+}
+
 TEST_F(WindowRecovery, ALargeTextIsKeptWholeAndASaveDuringItsWriteLeavesNoRecord) {
     QByteArray big = "data_big\nloop_\n_a\n_b\n";
     while (big.size() < 24 * 1024 * 1024) big += "1.2345 6.7890 some more text on a line\n";
