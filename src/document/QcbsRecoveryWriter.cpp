@@ -45,8 +45,10 @@ void QcbsRecoveryWriter::adopt(const QString& id) {
 
 void QcbsRecoveryWriter::writeSoon() {
     if (!enabled_) return;
-    firstUnwritten_.start();
-    timer_.start(0);
+    // Not through the timer: starting it with 0 would leave it at 0, and
+    // every later edit would be written at once.
+    timer_.stop();
+    QMetaObject::invokeMethod(this, &QcbsRecoveryWriter::write, Qt::QueuedConnection);
 }
 
 void QcbsRecoveryWriter::edited() {

@@ -154,8 +154,14 @@ TEST_F(WindowRecovery, ARecordThatCannotBeWrittenIsSaidOnceAndTheSwitchTurnsReco
     QTest::keyClicks(window_->currentEditor(), "d");
     QSignalSpy written(writer, &QcbsRecoveryWriter::written);
     EXPECT_FALSE(written.wait(300));
+    // Switched on again, the text is written at once; later edits wait for the quiet time again.
+    writer->setDelay(60000);
     changeOptions(*window_, [](QcbsOptions& o) { o.keep_recovery = true; });
-    EXPECT_TRUE(waitUntil([&] { return records().value(ownRecord()) == "data_abcd"; }));
+    EXPECT_TRUE(
+        waitUntil([&] { return written.count() == 1 && records().value(ownRecord()) == "data_abcd"; }));
+    QTest::keyClicks(window_->currentEditor(), "e");
+    EXPECT_FALSE(written.wait(500));
+    EXPECT_EQ(records().value(ownRecord()), "data_abcd");
 }
 
 TEST_F(WindowRecovery, ALargeTextIsKeptWholeAndASaveDuringItsWriteLeavesNoRecord) {
