@@ -186,9 +186,7 @@ void QcbsMainWindow::applyRecoveredText(const QcbsRecoveryRecord& record, const 
     QcbsRichTextEdit* editor = currentEditor();
     const bool utf8 = document_->encoding().kind() == QcbsDocumentEncoding::Utf8;
     if (utf8 == record.utf8 && document_->encoding().hasByteOrderMark() == record.byteOrderMark) {
-        editor->replaceBytes(0, editor->byteLength(), std::string_view(text.constData(), text.size()));
-        editor->placeCursor(0);
-        parse();
+        document_->replaceText(text);
     } else {
         // The file now has another encoding than the text had: the text as it was.
         connect(

@@ -481,6 +481,15 @@ void QcbsCifDocument::insertText(const QString& text) {
     if (open_ && !isLoading()) editor_->insertPlainText(text);
 }
 
+bool QcbsCifDocument::replaceText(const QByteArray& bytes) {
+    if (!open_ || isLoading()) return false;
+    editor_->replaceBytes(0, editor_->byteLength(),
+                          std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    editor_->placeCursor(0);
+    check();
+    return true;
+}
+
 // --- going places ----------------------------------------------------------------------
 
 bool QcbsCifDocument::goToItem(const QString& dataName, int fromLine) {

@@ -163,6 +163,9 @@ public:
     bool addLoop(const QString& block, const QString& loopText);
     // Inserts text at the cursor, as typing would (no check).
     void insertText(const QString& text);
+    // Replaces the whole text with these bytes, in the document's encoding
+    // (a recovered text): one undo step back to the text before, then a check.
+    bool replaceText(const QByteArray& bytes);
 
     // --- Going places: the line lands in the middle of the view ---
 
