@@ -271,6 +271,19 @@ TEST_F(WindowRecovery, TheAnswersToTheOfferAtStart) {
     }
 }
 
+TEST_F(WindowRecovery, ATextWhoseFileNowHasAnotherEncodingComesBackInItsOwn) {
+    // Kept as UTF-8; the file is Latin-1 now.
+    const QString path = writeFile("e.cif", "data_e\n_name 'caf\xe9'\n");
+    const QByteArray edited = "data_e\n_name 'caf\xc3\xa9 au lait'\n";
+    leaveRecord(path, edited);
+    answers_.click("Recover");
+    window_->offerRecoveryAtStart();
+    ASSERT_TRUE(waitUntil([&] { return text() == edited && !window_->document()->isLoading(); }));
+    EXPECT_EQ(window_->document()->encoding().kind(), QcbsDocumentEncoding::Utf8);
+    EXPECT_TRUE(window_->document()->isModified());
+    EXPECT_EQ(window_->fileName(), path);
+}
+
 TEST_F(WindowRecovery, AFileOpenedAgainOffersItsEditsOnceItIsIn) {
     const QString path = writeFile("c.cif", "data_c\n");
     const QString other = writeFile("d.cif", "data_d\n");
