@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which items and loops of another block would change a block, and the block's text with chosen ones merged.
+// A template block set against a block: what it would add or change, and the merged text.
 #pragma once
 
 #include <cstddef>

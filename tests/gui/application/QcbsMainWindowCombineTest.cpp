@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Merge Template in a main window: the block at the cursor, the preferences' template, one undo step.
+// Merge Template in a window: the block at the cursor, the preferences template, one undo.
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>

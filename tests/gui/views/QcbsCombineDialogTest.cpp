@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The combine dialogue: a template's rows to choose, its problems shown, the merged block handed out.
+// The combine dialogue: rows to choose, a template that cannot serve, the merged block.
 #include <gtest/gtest.h>
 
 #include <QComboBox>
