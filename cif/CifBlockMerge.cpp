@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "cif/CifNames.hpp"
+#include "cif/CifPrinter.hpp"
 #include "cif/CifTextLocator.hpp"
 
 namespace {
@@ -178,6 +179,31 @@ std::string CifBlockMerge::print(const std::vector<THandle<CifDataItem>>& items,
     return text;
 }
 
+std::optional<std::string> CifBlockMerge::in_place(const CifTextSpan& span, const CifDataItem& item) const {
+    const std::string_view old(text_.data() + span.begin, span.end - span.begin);
+    std::size_t name_end = 0;
+    while (name_end < old.size() && old[name_end] != ' ' && old[name_end] != '\t' &&
+           !is_line_end(old[name_end]))
+        ++name_end;
+    std::size_t value_begin = name_end;
+    while (value_begin < old.size() && (old[value_begin] == ' ' || old[value_begin] == '\t')) ++value_begin;
+    // A value on a line of its own (a text field) is written as the printer would.
+    if (value_begin == name_end || value_begin >= old.size() || is_line_end(old[value_begin]) ||
+        !item.has_value())
+        return std::nullopt;
+    const CifPrinter::Form form = CifPrinter::choose_form(item.value_view(0), item.is_quoted(0),
+                                                          item.is_compound(0), settings_.cif_version);
+    if (form == CifPrinter::Form::text_field) return std::nullopt;
+    const std::string value = CifPrinter::format(item.value_view(0), form);
+    if (value.find_first_of("\r\n") != std::string::npos) return std::nullopt;
+    std::size_t line_start = span.begin;
+    while (line_start > 0 && !is_line_end(text_[line_start - 1])) --line_start;
+    const std::size_t width = span.begin - line_start + value_begin + value.size();
+    if (settings_.line_length > 0 && width > static_cast<std::size_t>(settings_.line_length))
+        return std::nullopt;
+    return std::string(old.substr(0, value_begin)) + value;
+}
+
 // What becomes of one stretch of the block's text: the columns of a loop
 // that stay (a loop that loses some), and the merged items and loops put
 // where the first of the block's items they replace stood.
@@ -220,7 +246,10 @@ std::string CifBlockMerge::merged(const std::vector<std::size_t>& chosen) const 
         }
         std::vector<THandle<CifDataItem>> items;
         for (const std::string& name : row.names) items.push_back(incoming_->find(name));
-        std::string text = print(items, row.loop, eol);
+        std::string text;
+        if (!row.loop && first && target_loop_of(row.names.front()) < 0)
+            text = in_place(*first, *items.front()).value_or(std::string());
+        if (text.empty()) text = print(items, row.loop, eol);
         if (first)
             placements[first->begin].inserted.push_back(std::move(text));
         else

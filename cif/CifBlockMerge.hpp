@@ -3,13 +3,14 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "cif/Cif.hpp"
 #include "cif/CifDataBlock.hpp"
+#include "cif/CifTextLocator.hpp"
 #include "cif/CifWriteSettings.hpp"
 #include "support/THandle.hpp"
 
@@ -70,6 +71,10 @@ private:
     CifMergeRow compare_item(const CifDataItem& item) const;
     CifMergeRow compare_loop(const CifDataBlock::ItemList& columns) const;
     int target_loop_of(std::string_view name) const;
+    // A single value replacing the one at the span: the name as the block
+    // writes it and the blanks before the value kept, when the value fits
+    // on the line so; nothing when it must be printed afresh.
+    std::optional<std::string> in_place(const CifTextSpan& span, const CifDataItem& item) const;
     // An item or a loop printed as CIF text, in the block's line ends.
     std::string print(const std::vector<THandle<CifDataItem>>& items, bool loop,
                       const std::string& eol) const;

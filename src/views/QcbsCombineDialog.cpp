@@ -51,8 +51,13 @@ QcbsCombineDialog::QcbsCombineDialog(QWidget* parent)
     fileRow->addWidget(file_, 1);
     fileRow->addWidget(browse_);
     auto* form = new QFormLayout;
-    form->addRow("&File:", fileRow);
-    form->addRow("B&lock:", blocks_);
+    // Labels with their fields as buddies, so that their keys reach them.
+    auto* fileLabel = new QLabel("&File:", this);
+    fileLabel->setBuddy(file_);
+    auto* blockLabel = new QLabel("B&lock:", this);
+    blockLabel->setBuddy(blocks_);
+    form->addRow(fileLabel, fileRow);
+    form->addRow(blockLabel, blocks_);
     auto* choices = new QHBoxLayout;
     choices->addWidget(all_);
     choices->addWidget(none_);

@@ -128,9 +128,9 @@ TEST(CifBlockMerge, ChangesExactlyTheChosenRowsAndKeepsEveryOtherByte) {
     } cases[] = {
         {"nothing chosen", {}, block},
         {"a row that is the same", {1, 5}, block},
-        {"a value filled in place, its comment kept",
+        {"a value filled in place, its blanks and comment kept",
          {0},
-         replaced(block, "_diffrn_radiation_type   ?", "_diffrn_radiation_type 'Mo K\\a'")},
+         replaced(block, "_diffrn_radiation_type   ?", "_diffrn_radiation_type   'Mo K\\a'")},
         {"a value replaced at the block's last token",
          {4},
          replaced(block, "_computing_structure_refinement 'our own'",
@@ -150,6 +150,18 @@ TEST(CifBlockMerge, ChangesExactlyTheChosenRowsAndKeepsEveryOtherByte) {
                   "loop_\n_publ_author_name\n_publ_author_address\n'Doe, J.' ?\n_publ_author_email ?")},
     };
     for (const auto& c : cases) EXPECT_EQ(merge.merged(c.chosen), c.expected) << c.what;
+}
+
+TEST(CifBlockMerge, AValueThatNoLongerFitsItsLineOrNeedsLinesOfItsOwnIsWrittenAfresh) {
+    const std::string mine =
+        "data_a\n"
+        "_short                                  ?\n"
+        "_x_text\n;\nold\n;\n"
+        "_last                                   ?";
+    const std::string wide(45, 'w');
+    const CifBlockMerge merge(
+        mine, incoming("data_t\n_short " + wide + "\n_x_text one\n_last\n;two\nlines\n;\n"), 1, plain());
+    EXPECT_EQ(merge.merged({0, 1, 2}), "data_a\n_short " + wide + "\n_x_text one\n_last\n;two\nlines\n;");
 }
 
 TEST(CifBlockMerge, ALoopTakesInTheBlocksSingleItemsOfItsNames) {
