@@ -42,11 +42,18 @@ CifTextSpan whole_lines(const std::string& text, CifTextSpan span) {
     return {begin, end};
 }
 
+// The code line of CIF 2.0, ended as the text's first line is.
+std::string cif2_code_line(const std::string& text) {
+    const std::size_t at = text.find_first_of("\r\n");
+    if (at == std::string::npos || text[at] == '\n') return "#\\#CIF_2.0\n";
+    return at + 1 < text.size() && text[at + 1] == '\n' ? "#\\#CIF_2.0\r\n" : "#\\#CIF_2.0\r";
+}
+
 }  // namespace
 
 CifBlockMerge::CifBlockMerge(std::string block_text, THandle<CifDataBlock> incoming, int cif_version,
                              const CifWriteSettings& settings)
-    : prefix_(cif_version >= 2 ? "#\\#CIF_2.0\n" : ""),
+    : prefix_(cif_version >= 2 ? cif2_code_line(block_text) : std::string()),
       text_(prefix_ + std::move(block_text)),
       cif_(new Cif()),
       incoming_(incoming),

@@ -179,6 +179,8 @@ TEST(CifBlockMerge, KeepsTheDocumentsLineEndsAndItsCifVersion) {
     EXPECT_EQ(merge.merged({0, 1}), crlf("data_a\n_list [1 2 3]\n_b 'two words'\n_c 1"));
     const CifBlockMerge untouched(mine, incoming("data_t\n_b 1\n"), 2, plain());
     EXPECT_EQ(untouched.merged({}), crlf("data_a\n_list [1 2 3]\n_b ?"));
+    const CifBlockMerge two_lines(crlf("data_a\n_b ?"), incoming("data_t\n_c 1\n"), 2, plain());
+    EXPECT_EQ(two_lines.merged({0}), crlf("data_a\n_b ?\n_c 1"));
 }
 
 TEST(CifBlockMerge, SaysSoWhenThereIsNoBlockToMergeInto) {
