@@ -104,7 +104,7 @@ void QcbsCombineDialog::setTemplateFile(const QString& path) {
     blocks_->clear();
     for (const std::string& name : template_->block_names())
         blocks_->addItem("data_" + QString::fromStdString(name), QString::fromStdString(name));
-    blocks_->setEnabled(blocks_->count() > 1);
+    blocks_->setEnabled(blocks_->count() > 0);
     compare();
 }
 
@@ -113,8 +113,7 @@ QString QcbsCombineDialog::templateFile() const { return file_->text(); }
 bool QcbsCombineDialog::chooseBlock(const QString& name) {
     const int index = blocks_->findData(name, Qt::UserRole, Qt::MatchFixedString);
     if (index < 0) return false;
-    blocks_->setCurrentIndex(index);
-    compare();
+    blocks_->setCurrentIndex(index);  // a new choice compares again
     return true;
 }
 
