@@ -28,8 +28,7 @@ QcbsCombineDialog::QcbsCombineDialog(QWidget* parent)
       table_(new QTableView(this)),
       model_(new QcbsCombineModel(this)),
       summary_(new QLabel(this)),
-      all_(new QPushButton("Choose &All", this)),
-      none_(new QPushButton("Choose &None", this)),
+      choice_(new QComboBox(this)),
       buttons_(new QDialogButtonBox(QDialogButtonBox::Cancel, this)) {
     setWindowTitle("Merge Template");
     setObjectName("combineDialog");
@@ -39,6 +38,12 @@ QcbsCombineDialog::QcbsCombineDialog(QWidget* parent)
     table_->setObjectName("tableItems");
     summary_->setObjectName("labelSummary");
     summary_->setWordWrap(true);
+    choice_->setObjectName("comboChoose");
+    choice_->addItem("New items only", QcbsCombineModel::NewItems);
+    choice_->addItem("New items and unknown values", QcbsCombineModel::NewAndUnknown);
+    choice_->addItem("Everything that differs", QcbsCombineModel::EveryDifference);
+    choice_->addItem("Nothing", QcbsCombineModel::Nothing);
+    choice_->setCurrentIndex(1);
 
     table_->setModel(model_);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -59,8 +64,10 @@ QcbsCombineDialog::QcbsCombineDialog(QWidget* parent)
     form->addRow(fileLabel, fileRow);
     form->addRow(blockLabel, blocks_);
     auto* choices = new QHBoxLayout;
-    choices->addWidget(all_);
-    choices->addWidget(none_);
+    auto* choiceLabel = new QLabel("C&hoose:", this);
+    choiceLabel->setBuddy(choice_);
+    choices->addWidget(choiceLabel);
+    choices->addWidget(choice_);
     choices->addWidget(summary_, 1);
     QPushButton* merge = buttons_->addButton("&Merge", QDialogButtonBox::AcceptRole);
     merge->setObjectName("buttonMerge");
@@ -77,8 +84,8 @@ QcbsCombineDialog::QcbsCombineDialog(QWidget* parent)
         if (!template_ || file_->text() != file_->property("read").toString()) setTemplateFile(file_->text());
     });
     connect(blocks_, &QComboBox::currentIndexChanged, this, [this] { compare(); });
-    connect(all_, &QPushButton::clicked, this, [this] { model_->chooseAll(true); });
-    connect(none_, &QPushButton::clicked, this, [this] { model_->chooseAll(false); });
+    connect(choice_, &QComboBox::activated, this,
+            [this] { model_->choose(QcbsCombineModel::Choice(choice_->currentData().toInt())); });
     connect(model_, &QcbsCombineModel::choiceChanged, this, &QcbsCombineDialog::updateSummary);
     connect(buttons_, &QDialogButtonBox::accepted, this, &QcbsCombineDialog::accept);
     connect(buttons_, &QDialogButtonBox::rejected, this, &QcbsCombineDialog::reject);
@@ -130,6 +137,7 @@ void QcbsCombineDialog::compare() {
                      QString::fromStdString(merge_->block_name()).toHtmlEscaped() +
                      "</b>: choose the rows to merge.");
     model_->setRows(merge_->rows());
+    model_->choose(QcbsCombineModel::Choice(choice_->currentData().toInt()));
     table_->resizeColumnsToContents();
     for (int column = 0; column < QcbsCombineModel::IncomingColumn; ++column)
         table_->setColumnWidth(column, std::min(table_->columnWidth(column), 320));
@@ -141,8 +149,7 @@ void QcbsCombineDialog::showProblem(const QString& problem) {
     buttons_->button(QDialogButtonBox::Cancel)->setFocus();
     for (QAbstractButton* button : buttons_->buttons())
         if (buttons_->buttonRole(button) == QDialogButtonBox::AcceptRole) button->setEnabled(false);
-    all_->setEnabled(false);
-    none_->setEnabled(false);
+    choice_->setEnabled(false);
 }
 
 void QcbsCombineDialog::updateSummary() {
@@ -169,8 +176,7 @@ void QcbsCombineDialog::updateSummary() {
     }
     for (QAbstractButton* button : buttons_->buttons())
         if (buttons_->buttonRole(button) == QDialogButtonBox::AcceptRole) button->setEnabled(chosen > 0);
-    all_->setEnabled(added + changed > 0);
-    none_->setEnabled(chosen > 0);
+    choice_->setEnabled(added + changed > 0);
 }
 
 QString QcbsCombineDialog::summary() const { return summary_->text(); }

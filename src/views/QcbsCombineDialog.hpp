@@ -82,7 +82,6 @@ private:
     QTableView* table_;
     QcbsCombineModel* model_;
     QLabel* summary_;
-    QPushButton* all_;
-    QPushButton* none_;
+    QComboBox* choice_;
     QDialogButtonBox* buttons_;
 };

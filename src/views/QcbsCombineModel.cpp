@@ -44,8 +44,14 @@ std::vector<std::size_t> QcbsCombineModel::chosen() const {
     return result;
 }
 
-void QcbsCombineModel::chooseAll(bool chosen) {
-    for (std::size_t i = 0; i < rows_.size(); ++i) chosen_[i] = chosen && rows_[i].kind != CifMergeRow::same;
+void QcbsCombineModel::choose(Choice choice) {
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const CifMergeRow& row = rows_[i];
+        chosen_[i] = choice == NewItems          ? row.kind == CifMergeRow::added
+                     : choice == NewAndUnknown   ? row.proposed
+                     : choice == EveryDifference ? row.kind != CifMergeRow::same
+                                                 : false;
+    }
     if (!rows_.empty()) emit dataChanged(index(0, ItemColumn), index(rowCount() - 1, ItemColumn));
     emit choiceChanged();
 }

@@ -18,13 +18,17 @@ public:
 
     explicit QcbsCombineModel(QObject* parent = nullptr);
 
-    // New rows, each chosen as proposed.
+    // Rows chosen at once, after what a merge of whole blocks would take:
+    // the block's values kept, its unknown values filled, or every value
+    // the template has replacing the block's.
+    enum Choice { NewItems, NewAndUnknown, EveryDifference, Nothing };
+
+    // New rows, chosen as NewAndUnknown chooses.
     void setRows(std::vector<CifMergeRow> rows);
     const std::vector<CifMergeRow>& rows() const { return rows_; }
     // The indices of the chosen rows.
     std::vector<std::size_t> chosen() const;
-    // Chooses every row that can be chosen, or none.
-    void chooseAll(bool chosen);
+    void choose(Choice choice);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;

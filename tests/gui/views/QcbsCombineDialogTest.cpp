@@ -80,22 +80,39 @@ TEST_F(CombineDialog, ShowsEachRowWithItsValuesGreysWhatIsTheSameAndMergesOnlyTh
     EXPECT_FALSE(dialog_.isVisible());
 }
 
-TEST_F(CombineDialog, AnotherBlockOfTheTemplateGivesItsOwnRowsAndNothingChosenCannotBeMerged) {
+TEST_F(CombineDialog, TheChoiceBoxChoosesRowsAsAWholeBlockMergeWouldTakeThemForEveryBlockShown) {
     dialog_.setTemplateFile(templateFile_);
-    auto* blocks = dialog_.findChild<QComboBox*>("comboBlock");
-    EXPECT_EQ(blocks->count(), 2);
-    EXPECT_EQ(blocks->itemText(1), "data_other");
-    blocks->setCurrentIndex(1);
-    ASSERT_EQ(model()->rowCount(), 1);
-    EXPECT_EQ(cell(0, 0), "_cell_length_b");
-    EXPECT_TRUE(mergeButton()->isEnabled());
-    model()->chooseAll(false);
+    auto* choice = dialog_.findChild<QComboBox*>("comboChoose");
+    choice->setFocus();
+    const struct {
+        Qt::Key key;
+        const char* choice;
+        std::vector<std::size_t> chosen;
+    } steps[] = {
+        {Qt::Key_Up, "New items only", {3}},
+        {Qt::Key_Down, "New items and unknown values", {0, 3}},
+        {Qt::Key_Down, "Everything that differs", {0, 2, 3}},
+        {Qt::Key_Down, "Nothing", {}},
+    };
+    for (const auto& step : steps) {
+        QTest::keyClick(choice, step.key);
+        EXPECT_EQ(choice->currentText(), step.choice);
+        EXPECT_EQ(model()->chosen(), step.chosen) << step.choice;
+    }
     EXPECT_FALSE(mergeButton()->isEnabled());
     QSignalSpy merged(&dialog_, &QcbsCombineDialog::blockMerged);
     dialog_.accept();
-    EXPECT_EQ(merged.count(), 0);
-    EXPECT_TRUE(dialog_.chooseBlock("LAB"));
-    EXPECT_EQ(model()->rowCount(), 4);
+    EXPECT_EQ(merged.count(), 0) << "nothing chosen, nothing merged";
+
+    // Another block of the template keeps the choice made.
+    QTest::keyClick(choice, Qt::Key_Up);
+    auto* blocks = dialog_.findChild<QComboBox*>("comboBlock");
+    EXPECT_EQ(blocks->itemText(1), "data_other");
+    EXPECT_TRUE(dialog_.chooseBlock("OTHER"));
+    ASSERT_EQ(model()->rowCount(), 1);
+    EXPECT_EQ(cell(0, 0), "_cell_length_b");
+    EXPECT_EQ(model()->chosen(), (std::vector<std::size_t>{0}));
+    EXPECT_TRUE(mergeButton()->isEnabled());
     EXPECT_FALSE(dialog_.chooseBlock("absent"));
 }
 
