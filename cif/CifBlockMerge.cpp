@@ -42,6 +42,47 @@ CifTextSpan whole_lines(const std::string& text, CifTextSpan span) {
     return {begin, end};
 }
 
+// Where the value of the single item at the span starts, counted from the
+// span's beginning: after the name and the blanks on its line; nothing for
+// a value on a line of its own.
+std::optional<std::size_t> value_offset(std::string_view item) {
+    std::size_t name_end = 0;
+    while (name_end < item.size() && item[name_end] != ' ' && item[name_end] != '\t' &&
+           !is_line_end(item[name_end]))
+        ++name_end;
+    std::size_t value = name_end;
+    while (value < item.size() && (item[value] == ' ' || item[value] == '\t')) ++value;
+    if (value == name_end || value >= item.size() || is_line_end(item[value])) return std::nullopt;
+    return value;
+}
+
+std::size_t line_start(const std::string& text, std::size_t offset) {
+    while (offset > 0 && !is_line_end(text[offset - 1])) --offset;
+    return offset;
+}
+
+// The column (from 1) in which most of the block's single values start,
+// when at least two agree; 0 when the block has no such layout.
+int layout_column(const std::string& text, const CifDataBlock& block) {
+    const CifTextLocator locator(text);
+    std::map<std::size_t, int> columns;
+    int counted = 0;
+    for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it) {
+        if ((*it)->is_looped()) continue;
+        const std::optional<CifTextSpan> span = locator.item(block.name(), (*it)->name());
+        if (!span || line_start(text, span->begin) != span->begin) continue;
+        const auto value = value_offset(std::string_view(text).substr(span->begin, span->end - span->begin));
+        if (!value) continue;
+        ++columns[*value + 1];
+        ++counted;
+    }
+    std::size_t best = 0;
+    int votes = 0;
+    for (const auto& [column, count] : columns)
+        if (count > votes) best = column, votes = count;
+    return votes >= 2 && 2 * votes >= counted ? static_cast<int>(best) : 0;
+}
+
 // The code line of CIF 2.0, ended as the text's first line is.
 std::string cif2_code_line(const std::string& text) {
     const std::size_t at = text.find_first_of("\r\n");
@@ -80,6 +121,8 @@ CifBlockMerge::CifBlockMerge(std::string block_text, THandle<CifDataBlock> incom
     const CifTextLocator locator(text_);
     if (const std::optional<CifTextSpan> span = locator.block(target_->name()))
         text_ = prefix_ + text_.substr(span->begin, span->end - span->begin);
+    // New items line up with the block's own.
+    if (const int column = layout_column(text_, *target_)) settings_.value_column = column;
     compare();
 }
 
@@ -188,27 +231,18 @@ std::string CifBlockMerge::print(const std::vector<THandle<CifDataItem>>& items,
 
 std::optional<std::string> CifBlockMerge::in_place(const CifTextSpan& span, const CifDataItem& item) const {
     const std::string_view old(text_.data() + span.begin, span.end - span.begin);
-    std::size_t name_end = 0;
-    while (name_end < old.size() && old[name_end] != ' ' && old[name_end] != '\t' &&
-           !is_line_end(old[name_end]))
-        ++name_end;
-    std::size_t value_begin = name_end;
-    while (value_begin < old.size() && (old[value_begin] == ' ' || old[value_begin] == '\t')) ++value_begin;
     // A value on a line of its own (a text field) is written as the printer would.
-    if (value_begin == name_end || value_begin >= old.size() || is_line_end(old[value_begin]) ||
-        !item.has_value())
-        return std::nullopt;
+    const std::optional<std::size_t> value_begin = value_offset(old);
+    if (!value_begin || !item.has_value()) return std::nullopt;
     const CifPrinter::Form form = CifPrinter::choose_form(item.value_view(0), item.is_quoted(0),
                                                           item.is_compound(0), settings_.cif_version);
     if (form == CifPrinter::Form::text_field) return std::nullopt;
     const std::string value = CifPrinter::format(item.value_view(0), form);
     if (value.find_first_of("\r\n") != std::string::npos) return std::nullopt;
-    std::size_t line_start = span.begin;
-    while (line_start > 0 && !is_line_end(text_[line_start - 1])) --line_start;
-    const std::size_t width = span.begin - line_start + value_begin + value.size();
+    const std::size_t width = span.begin - line_start(text_, span.begin) + *value_begin + value.size();
     if (settings_.line_length > 0 && width > static_cast<std::size_t>(settings_.line_length))
         return std::nullopt;
-    return std::string(old.substr(0, value_begin)) + value;
+    return std::string(old.substr(0, *value_begin)) + value;
 }
 
 // What becomes of one stretch of the block's text: the columns of a loop

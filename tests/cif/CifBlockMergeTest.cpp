@@ -152,7 +152,9 @@ TEST(CifBlockMerge, ChangesExactlyTheChosenRowsAndKeepsEveryOtherByte) {
     for (const auto& c : cases) EXPECT_EQ(merge.merged(c.chosen), c.expected) << c.what;
 }
 
-TEST(CifBlockMerge, AValueThatNoLongerFitsItsLineOrNeedsLinesOfItsOwnIsWrittenAfresh) {
+// Values written afresh start in the column the block's values start in,
+// unless they no longer fit the line or need lines of their own.
+TEST(CifBlockMerge, ValuesWrittenAfreshLineUpWithTheBlocksOwn) {
     const std::string mine =
         "data_a\n"
         "_short                                  ?\n"
@@ -160,8 +162,14 @@ TEST(CifBlockMerge, AValueThatNoLongerFitsItsLineOrNeedsLinesOfItsOwnIsWrittenAf
         "_last                                   ?";
     const std::string wide(45, 'w');
     const CifBlockMerge merge(
-        mine, incoming("data_t\n_short " + wide + "\n_x_text one\n_last\n;two\nlines\n;\n"), 1, plain());
-    EXPECT_EQ(merge.merged({0, 1, 2}), "data_a\n_short " + wide + "\n_x_text one\n_last\n;two\nlines\n;");
+        mine, incoming("data_t\n_short " + wide + "\n_x_text one\n_last\n;two\nlines\n;\n_new 5\n"), 1,
+        plain());
+    const std::string to_column_41(33, ' ');
+    EXPECT_EQ(merge.merged({0, 1, 2, 3}), "data_a\n_short " + wide + "\n_x_text" + to_column_41 +
+                                              "one\n_last\n;two\nlines\n;\n_new   " + to_column_41 + "5");
+    // Without a layout of its own (no two values in one column) a block gets the printer's.
+    const CifBlockMerge unaligned("data_a\n_a 1\n_bb  2\n_ccc   3", incoming("data_t\n_new 5\n"), 1, plain());
+    EXPECT_EQ(unaligned.merged({0}), "data_a\n_a 1\n_bb  2\n_ccc   3\n_new 5");
 }
 
 TEST(CifBlockMerge, ALoopTakesInTheBlocksSingleItemsOfItsNames) {
