@@ -168,7 +168,9 @@ void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes,
     std::printf("  %-8s %8.0f MB above the process before opening: %.2f x the file\n", "memory",
                 (afterOpen - before) / 1024.0, (afterOpen - before) * 1024.0 / fileBytes);
 
+    profiling("check", "enable");
     line("check", measure(side.check, side.checked));
+    profiling("check", "disable");
     const long afterCheck = residentKiB();
     std::printf("  %-8s %8.0f MB with the check's result: %.2f x the file\n", "memory",
                 (afterCheck - before) / 1024.0, (afterCheck - before) * 1024.0 / fileBytes);
@@ -193,7 +195,7 @@ void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes,
     };
     // One keystroke per turn of the event loop, as a user types. Under
     // `perf record --control fifo:CTL -D -1`, EDITOR_BENCH_PERF_CTL=CTL
-    // profiles the typing, Ctrl+End and the jump (EDITOR_BENCH_PERF_STEP: one of them).
+    // profiles the check, the typing, Ctrl+End, the jump and the save (EDITOR_BENCH_PERF_STEP: one of them).
     profiling("type", "enable");
     const Timing typing = measure(typeOne, [&] { return keys.size() == keystrokes; });
     profiling("type", "disable");
@@ -235,12 +237,14 @@ void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes,
                      [] { return true; }));
     profiling("jump", "disable");
     bool saved = false;
+    profiling("save", "enable");
     line("save", measure(
                      [&] {
                          side.save(copy);
                          saved = true;
                      },
                      [&] { return saved; }));
+    profiling("save", "disable");
     side.viewport->removeEventFilter(&watch);
 }
 
