@@ -14,6 +14,7 @@
 //   end      Ctrl+End and the repaint at the end of the text
 //   jump     from the middle to the last line, cursor and view, with the repaint
 //   save     the text written to a new file (the editor's from the worker thread)
+//   styled   the rest of the text coloured in idle time (the peer colours nothing)
 // and the memory the process holds above what it held before the file was opened (VmRSS).
 //
 //   editor_bench [--file PATH | --rows N] [--side editor|peer] [--keys N]
@@ -139,6 +140,8 @@ struct Side {
     std::function<void(int)> goToLine;
     std::function<int()> lines;
     std::function<void(const QString&)> save;
+    // Whether the whole text is coloured (the peer colours nothing).
+    std::function<bool()> styled = [] { return true; };
 };
 
 void profiling(const char* step, const char* command) {
@@ -245,6 +248,8 @@ void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes,
                      },
                      [&] { return saved; }));
     profiling("save", "disable");
+    // The rest of the styling, in idle time, from the edits on.
+    line("styled", measure([] {}, side.styled));
     side.viewport->removeEventFilter(&watch);
 }
 
@@ -300,6 +305,9 @@ int main(int argc, char** argv) {
                     [&](const QString& name) {
                         if (!document.save(name, false).saved) std::abort();
                     }};
+        editor.styled = [&] {
+            return edit->SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED) >= edit->byteLength();
+        };
         run(editor, file, copy, fileBytes, keystrokes);
     }
     if (only.isEmpty() || only == "peer") {
