@@ -55,6 +55,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     index_.clear();
     members_.clear();
     by_length_.clear();
+    facts_.clear();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     language_ = language_of(text);
     switch (language_) {
@@ -69,6 +70,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
             break;
     }
     index_by_length();
+    gather_facts();
     return errors.is_null() || errors->size() == before;
 }
 
@@ -138,8 +140,23 @@ void CifConcreteDictionary::index_by_length() {
         const std::string& name = definitions_[i].name;
         if (name.find('[') != std::string::npos) continue;  // a category overview
         if (by_length_.size() <= name.size()) by_length_.resize(name.size() + 1);
-        by_length_[name.size()].push_back(i);
+        by_length_[name.size()].push_back({i, cif_letter_set(name)});
     }
+}
+
+void CifConcreteDictionary::gather_facts() {
+    for (const auto& [category, members] : members_)
+        facts_.emplace(category, CifCategoryFacts::of(*this, category));
+}
+
+const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string& category) const {
+    // A definition's own category is usually a plain name already, found
+    // without a lower-case copy (the table's comparison ignores case).
+    const bool plain =
+        !category.empty() && category.front() != '_' && category.find('[') == std::string::npos;
+    auto found = plain ? facts_.find(category) : facts_.find(plain_category_name(category));
+    static const CifCategoryFacts none;  // a category without members
+    return found == facts_.end() ? &none : &found->second;
 }
 
 std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,
@@ -149,9 +166,11 @@ std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std
     const std::size_t edits = static_cast<std::size_t>(max_edits);
     const std::size_t shortest = data_name.size() > edits ? data_name.size() - edits : 0;
     const std::size_t longest = std::min(data_name.size() + edits + 1, by_length_.size());
+    const std::uint64_t letters = cif_letter_set(data_name);
     std::vector<std::pair<std::size_t, int>> found;  // definition index, edits
     for (std::size_t length = shortest; length < longest; ++length) {
-        for (std::size_t index : by_length_[length]) {
+        for (const auto& [index, other] : by_length_[length]) {
+            if (cif_edit_distance_floor(letters, other) > max_edits) continue;
             const int distance = cif_edit_distance(data_name, definitions_[index].name, max_edits);
             if (distance <= max_edits) found.emplace_back(index, distance);
         }

@@ -2,6 +2,7 @@
 // One dictionary file (DDL1, DDLm or DDL2) read into memory: its descriptor and definitions.
 #pragma once
 
+#include <cstdint>
 #include <istream>
 #include <ostream>
 #include <string>
@@ -60,6 +61,7 @@ public:
     std::vector<std::string> data_names() const override;
     std::vector<std::string> mandatory_items(const std::string& category) const override;
     std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
+    const CifCategoryFacts* category_facts(const std::string& category) const override;
 
     // Every definition, in the dictionary's order (one per data name).
     const std::vector<CifItemDefinition>& definitions() const { return definitions_; }
@@ -73,6 +75,8 @@ private:
     bool read_text(std::string text, const std::string& directory, THandle<CifErrorContainer> errors,
                    std::ostream* log);
     void index_by_length();
+    // Works out every category's facts (facts_).
+    void gather_facts();
     // Appends a definition; one of a name already defined is an error (350) and is dropped.
     void add_definition(CifItemDefinition definition, const THandle<CifErrorContainer>& errors);
     // Lets the definitions' aliases find them (a name defined itself keeps its own definition).
@@ -93,8 +97,15 @@ private:
     std::unordered_map<std::string, std::vector<std::size_t>> members_;
     // Name length -> indexes of the definitions of data names that long
     // (category overviews left out), so that a search for similar names
-    // looks only at names of about the right length.
-    std::vector<std::vector<std::size_t>> by_length_;
+    // looks only at names of about the right length; each with its letter
+    // set (cif_letter_set), which rules most of them out without a count.
+    struct Sized {
+        std::size_t index;
+        std::uint64_t letters;
+    };
+    std::vector<std::vector<Sized>> by_length_;
+    // Lower-case plain category name -> its facts, for every category with members.
+    std::unordered_map<std::string, CifCategoryFacts, CifNameHash, CifNameEqual> facts_;
 };
 
 // The library's name for a handle of a concrete dictionary.

@@ -42,20 +42,12 @@ std::string joined(const std::vector<std::string>& parts) {
 
 }  // namespace
 
-const std::vector<std::string>& CifLoopKeys::targets(const std::string& category) {
-    auto found = targets_.find(category);
-    if (found != targets_.end()) return found->second;
-    std::vector<std::string> result;
-    for (const std::string& name : dictionary_.category_items(category)) {
-        const CifItemDefinition* definition = dictionary_.definition(name);
-        if (definition == nullptr) continue;
-        for (const std::string& reference : definition->list_reference) {
-            bool known = std::any_of(result.begin(), result.end(),
-                                     [&](const std::string& other) { return cif_iequals(other, reference); });
-            if (!known) result.push_back(reference);
-        }
-    }
-    return targets_.emplace(category, std::move(result)).first->second;
+const CifCategoryFacts& CifLoopKeys::facts(const std::string& category) {
+    if (const CifCategoryFacts* kept = dictionary_.category_facts(category)) return *kept;
+    auto found = gathered_.find(category);
+    if (found == gathered_.end())
+        found = gathered_.emplace(category, CifCategoryFacts::of(dictionary_, category)).first;
+    return found->second;
 }
 
 std::vector<std::size_t> CifLoopKeys::named_key(const CifDataBlock::ItemList& loop,
@@ -99,7 +91,8 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
             add(std::move(key));
             continue;
         }
-        for (const std::string& target : targets(category)) {
+        const CifCategoryFacts& category_facts = facts(category);
+        for (const std::string& target : category_facts.references) {
             Key key;
             if (!is_family(target)) {
                 std::size_t column = column_of(loop, target);
@@ -109,7 +102,7 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
             }
             // A family is a key only with all of its members.
             bool complete = true;
-            for (const std::string& member : dictionary_.category_items(category)) {
+            for (const std::string& member : category_facts.items) {
                 if (!cif_istarts_with(member, target)) continue;
                 std::size_t column = column_of(loop, member);
                 complete = complete && column < loop.size();
@@ -124,11 +117,8 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
             }
             add(std::move(key));
         }
-        auto found = mandatory_.find(category);
-        if (found == mandatory_.end())
-            found = mandatory_.emplace(category, dictionary_.mandatory_items(category)).first;
         Key mandatory;
-        for (const std::string& name : found->second) mandatory.push_back(column_of(loop, name));
+        for (const std::string& name : category_facts.mandatory) mandatory.push_back(column_of(loop, name));
         std::sort(mandatory.begin(), mandatory.end());
         if (mandatory.empty() || mandatory.back() >= loop.size()) continue;
         bool covered = std::any_of(result.begin(), result.end(), [&](const Key& key) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <fstream>
 
 #include "tests/cif/CifTestSupport.hpp"
@@ -236,3 +237,44 @@ TEST(CifDictionaryPool, AnEmptyPoolChecksNothingSoReadingIsASyntaxCheck) {
 }
 
 }  // namespace
+
+namespace {
+
+// The facts a dictionary keeps for every category, under every form of
+// the category's name, are those its own answers give; a pool of one
+// member hands them on, a pool of several keeps none.
+void expect_kept_facts_agree(const THandle<CifConcreteDictionary>& dictionary) {
+    auto same = [](const CifCategoryFacts& a, const CifCategoryFacts& b) {
+        return a.items == b.items && a.references == b.references && a.mandatory == b.mandatory;
+    };
+    std::size_t with_references = 0;
+    for (const std::string& category : dictionary->categories()) {
+        const std::string plain = CifDictionary::plain_category_name(category);
+        std::string upper = plain;
+        for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        for (const std::string& form : {category, plain, "_" + plain, upper, "_" + upper + "_[]"}) {
+            const CifCategoryFacts* kept = dictionary->category_facts(form);
+            ASSERT_NE(kept, nullptr) << form;
+            EXPECT_TRUE(same(*kept, CifCategoryFacts::of(*dictionary, form))) << form;
+        }
+        with_references += dictionary->category_facts(plain)->references.empty() ? 0 : 1;
+    }
+    EXPECT_GT(with_references, 0u);
+    EXPECT_TRUE(dictionary->category_facts("no_such_category")->items.empty());
+    CifDictionaryPool pool;
+    pool.insert(dictionary);
+    const std::string first = dictionary->categories().front();
+    EXPECT_EQ(pool.category_facts(first), dictionary->category_facts(first));
+    pool.insert(test_dictionary("tessary_extra.dic"));
+    EXPECT_EQ(pool.category_facts(first), nullptr);
+}
+
+}  // namespace
+
+TEST(CifConcreteDictionary, CategoryFactsKeptAtReadingAgreeWithItsOwnAnswers) {
+    expect_kept_facts_agree(test_dictionary());
+    THandle<CifConcreteDictionary> core = cif_test::core_dictionary();
+    if (core.is_null())
+        GTEST_SKIP() << "the IUCr core dictionary is not at " << cif_test::core_dictionary_path();
+    expect_kept_facts_agree(core);
+}
