@@ -56,6 +56,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     members_.clear();
     by_length_.clear();
     facts_.clear();
+    similar_memo_->answers.clear();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     language_ = language_of(text);
     switch (language_) {
@@ -161,6 +162,21 @@ const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string&
 
 std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,
                                                                              int max_edits) const {
+    std::string key = std::to_string(max_edits) + ' ' + cif_lowercase(data_name);
+    {
+        std::lock_guard<std::mutex> lock(similar_memo_->mutex);
+        auto found = similar_memo_->answers.find(key);
+        if (found != similar_memo_->answers.end()) return found->second;
+    }
+    std::vector<SimilarName> result = find_similar_names(data_name, max_edits);
+    std::lock_guard<std::mutex> lock(similar_memo_->mutex);
+    if (similar_memo_->answers.size() >= 4096) similar_memo_->answers.clear();
+    similar_memo_->answers.emplace(std::move(key), result);
+    return result;
+}
+
+std::vector<CifDictionary::SimilarName> CifConcreteDictionary::find_similar_names(std::string_view data_name,
+                                                                                  int max_edits) const {
     std::vector<SimilarName> result;
     if (max_edits < 0) return result;
     const std::size_t edits = static_cast<std::size_t>(max_edits);

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <istream>
+#include <memory>
+#include <mutex>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -104,6 +106,14 @@ private:
         std::uint64_t letters;
     };
     std::vector<std::vector<Sized>> by_length_;
+    // The similar names already found, by bound and lower-case name: files
+    // checked one after another lack the same few names. Shared by threads.
+    struct SimilarMemo {
+        std::mutex mutex;
+        std::unordered_map<std::string, std::vector<SimilarName>> answers;
+    };
+    std::unique_ptr<SimilarMemo> similar_memo_ = std::make_unique<SimilarMemo>();
+    std::vector<SimilarName> find_similar_names(std::string_view data_name, int max_edits) const;
     // Lower-case plain category name -> its facts, for every category with members.
     std::unordered_map<std::string, CifCategoryFacts, CifNameHash, CifNameEqual> facts_;
 };

@@ -40,6 +40,24 @@ std::string joined(const std::vector<std::string>& parts) {
     return result;
 }
 
+// Whether no two rows share a fingerprint: a table of twice as many slots
+// as rows, probed in turn.
+bool all_distinct(const std::vector<std::pair<std::uint64_t, std::uint32_t>>& fingerprints) {
+    std::size_t size = 16;
+    while (size < 2 * fingerprints.size()) size *= 2;
+    std::vector<std::uint64_t> slots(size);
+    std::vector<bool> used(size);
+    for (const auto& [hash, row] : fingerprints) {
+        std::size_t at = (hash ^ (hash >> 29)) & (size - 1);
+        for (; used[at]; at = (at + 1) & (size - 1)) {
+            if (slots[at] == hash) return false;
+        }
+        used[at] = true;
+        slots[at] = hash;
+    }
+    return true;
+}
+
 }  // namespace
 
 const CifCategoryFacts& CifLoopKeys::facts(const std::string& category) {
@@ -240,6 +258,7 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
             hash = (hash ^ std::hash<std::string_view>()(value)) * 1099511628211ull;
         fingerprints.emplace_back(hash, static_cast<std::uint32_t>(row));
     }
+    if (all_distinct(fingerprints)) return;  // the usual case, told without sorting
     std::sort(fingerprints.begin(), fingerprints.end());
     auto same = [&](std::size_t a, std::size_t b) {
         return std::all_of(key.begin(), key.end(),

@@ -158,14 +158,24 @@ TEST(CifConcreteDictionary, TextWithoutDefinitionsIsNoDictionaryAndReadingAgainS
     ASSERT_EQ(errors->size(), 1u);  // the warning that there is no block goes to the log only
     EXPECT_EQ(errors->begin()->id(), CifError::not_a_dictionary);
 
-    std::istringstream first("data_a\n_name '_a'\n");
+    std::istringstream first("data_a\n_name '_abcdefgh'\n");
     THandle<CifErrorContainer> clean(new CifErrorContainer());
     CifConcreteDictionary reread;
     EXPECT_TRUE(reread.read(first, clean, nullptr));
-    std::istringstream second("data_b\n_name '_b'\n");
+    // Similar names are kept once found, whatever the case of the question,
+    // and forgotten with the definitions they came from.
+    auto similar = [&](const char* name) {
+        std::vector<CifDictionary::SimilarName> found = reread.similar_names(name, 2);
+        return found.empty() ? std::string() : found.front().name + " " + std::to_string(found.front().edits);
+    };
+    EXPECT_EQ(similar("_abcdefg"), "_abcdefgh 1");
+    EXPECT_EQ(similar("_ABCDEFG"), "_abcdefgh 1");
+    EXPECT_EQ(reread.similar_names("_ABCDEFG", 0).size(), 0u);
+    std::istringstream second("data_b\n_name '_abcdefgx'\n");
     EXPECT_TRUE(reread.read(second, clean, nullptr));
-    EXPECT_FALSE(reread.is_defined("_a"));
-    EXPECT_TRUE(reread.is_defined("_b"));
+    EXPECT_FALSE(reread.is_defined("_abcdefgh"));
+    EXPECT_TRUE(reread.is_defined("_abcdefgx"));
+    EXPECT_EQ(similar("_ABCDEFG"), "_abcdefgx 1");
     EXPECT_TRUE(clean->empty());
 }
 
