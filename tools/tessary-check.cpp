@@ -3,14 +3,13 @@
 
 #include <unistd.h>
 
-#include <ext/stdio_filebuf.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <ext/stdio_filebuf.h>
 #include <fstream>
 #include <iostream>
 #include <mutex>
