@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <gemmi/symmetry.hpp>
 #include <memory>
 #include <mutex>
@@ -44,10 +45,14 @@ std::optional<gemmi::GroupOps> from_triplets(const std::vector<std::string>& ope
 // written is read once per process (thread-safe; the cache starts afresh
 // when it has grown large).
 std::shared_ptr<const gemmi::GroupOps> shared_from_triplets(const std::vector<std::string>& operators) {
+    // Each operator's length in front of it keeps the lists apart.
+    std::size_t size = 0;
+    for (const std::string& text : operators) size += sizeof(std::uint32_t) + text.size();
     std::string key;
+    key.reserve(size);
     for (const std::string& text : operators) {
-        key += std::to_string(text.size());
-        key += ':';
+        const auto length = static_cast<std::uint32_t>(text.size());
+        key.append(reinterpret_cast<const char*>(&length), sizeof length);
         key += text;
     }
     static std::mutex mutex;

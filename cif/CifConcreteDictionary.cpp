@@ -53,6 +53,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     definitions_.clear();
     categories_.clear();
     index_.clear();
+    lookup_.clear();
     members_.clear();
     by_length_.clear();
     facts_.clear();
@@ -72,6 +73,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     }
     index_by_length();
     gather_facts();
+    build_lookup();
     return errors.is_null() || errors->size() == before;
 }
 
@@ -104,7 +106,28 @@ bool CifConcreteDictionary::is_defined(const std::string& data_name) const {
     return definition(data_name) != nullptr;
 }
 
+void CifConcreteDictionary::build_lookup() {
+    std::size_t size = 16;
+    while (size < 2 * index_.size()) size *= 2;
+    lookup_.assign(size, Slot());
+    for (const auto& [name, index] : index_) {
+        const std::uint64_t hash = cif_name_hash(name);
+        std::size_t at = hash & (size - 1);
+        while (lookup_[at].name != nullptr) at = (at + 1) & (size - 1);
+        lookup_[at] = Slot{hash, &name, index};
+    }
+}
+
 const CifItemDefinition* CifConcreteDictionary::definition(const std::string& data_name) const {
+    if (!lookup_.empty()) {
+        const std::uint64_t hash = cif_name_hash(data_name);
+        const std::size_t mask = lookup_.size() - 1;
+        for (std::size_t at = hash & mask; lookup_[at].name != nullptr; at = (at + 1) & mask) {
+            const Slot& slot = lookup_[at];
+            if (slot.hash == hash && cif_iequals(*slot.name, data_name)) return &definitions_[slot.index];
+        }
+        return nullptr;
+    }
     auto found = index_.find(data_name);
     return found == index_.end() ? nullptr : &definitions_[found->second];
 }

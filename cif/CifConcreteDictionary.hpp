@@ -79,6 +79,8 @@ private:
     void index_by_length();
     // Works out every category's facts (facts_).
     void gather_facts();
+    // Fills lookup_ from index_ once the reading is done.
+    void build_lookup();
     // Appends a definition; one of a name already defined is an error (350) and is dropped.
     void add_definition(CifItemDefinition definition, const THandle<CifErrorContainer>& errors);
     // Lets the definitions' aliases find them (a name defined itself keeps its own definition).
@@ -95,6 +97,15 @@ private:
     // Lower-case data name -> index into definitions_; looked up without
     // regard to case, so a query needs no lower-case copy.
     std::unordered_map<std::string, std::size_t, CifNameHash, CifNameEqual> index_;
+    // The same as one flat table (open addressing, twice as many slots as
+    // names), which definition() searches once the reading is done: the
+    // checks look names up several times for every item of every file.
+    struct Slot {
+        std::uint64_t hash = 0;
+        const std::string* name = nullptr;  // a key of index_; null: a free slot
+        std::size_t index = 0;
+    };
+    std::vector<Slot> lookup_;
     // Lower-case plain category name -> indexes of its definitions.
     std::unordered_map<std::string, std::vector<std::size_t>> members_;
     // Name length -> indexes of the definitions of data names that long

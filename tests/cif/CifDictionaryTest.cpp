@@ -288,3 +288,18 @@ TEST(CifConcreteDictionary, CategoryFactsKeptAtReadingAgreeWithItsOwnAnswers) {
         GTEST_SKIP() << "the IUCr core dictionary is not at " << cif_test::core_dictionary_path();
     expect_kept_facts_agree(core);
 }
+
+TEST(CifConcreteDictionary, EveryNameIsFoundInAnyCaseAndNothingElse) {
+    THandle<CifConcreteDictionary> core = cif_test::core_dictionary();
+    for (const THandle<CifConcreteDictionary>& dictionary : {test_dictionary(), core}) {
+        if (dictionary.is_null()) continue;  // the core dictionary is absent
+        for (const CifItemDefinition& definition : dictionary->definitions()) {
+            std::string upper = definition.name;
+            for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+            EXPECT_EQ(dictionary->definition(upper), &definition) << upper;
+            EXPECT_EQ(dictionary->definition(definition.name + "~"), nullptr);
+        }
+        EXPECT_EQ(dictionary->definition(""), nullptr);
+        EXPECT_EQ(dictionary->definition("_no_such_name"), nullptr);
+    }
+}

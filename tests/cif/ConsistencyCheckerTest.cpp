@@ -203,6 +203,19 @@ TEST(ConsistencyChecker, SpaceGroupSymbolsAreCheckedAgainstOperatorsAndNumber) {
     EXPECT_TRUE(full->errors()->empty());
 }
 
+TEST(ConsistencyChecker, OperatorListsReadOnceAreToldApartByEveryOperator) {
+    // The group of a list is kept for the process: the same list again, the
+    // same operators in another order, and the same characters split into
+    // other operators must each get their own answer.
+    EXPECT_TRUE(checked(consistent)->errors()->empty());
+    EXPECT_TRUE(checked(consistent)->errors()->empty());
+    THandle<Cif> reordered =
+        checked(with("'x, y, z'\n'-x, y+1/2, -z+1/2'", "'-x, y+1/2, -z+1/2'\n'x, y, z'"));
+    EXPECT_TRUE(reordered->errors()->empty());
+    THandle<Cif> split = checked(with("'x, y, z'\n'-x, y+1/2, -z+1/2'", "'x, y, z-x'\n', y+1/2, -z+1/2'"));
+    EXPECT_FALSE(split->errors()->empty());
+}
+
 TEST(ConsistencyChecker, AtomLabelsAreUniqueAndEveryReferenceToOneExists) {
     std::string text = with("O1 0.3 ", "C1 0.3 ");
     text = text.substr(0, text.find("N1 O1 1.40")) + "N1 O2 1.40\nN1 O2 1.41\n";
