@@ -159,6 +159,7 @@ void CifLoopKeys::check(const CifDataBlock::ItemList& loop,
 
 void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, std::size_t rows,
                             const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const {
+    if (rows < 2) return;  // nothing can repeat
     // Values straight from the text where they were read.
     const char* text = loop.front()->store()->text().data();
     auto view = [text](const CifDataItem& item, std::size_t row) {

@@ -140,6 +140,7 @@ void CheckReport::add(const FileCheckResult& result) {
     // together first and written at once.
     const std::string file = terminal_text(result.file);
     std::string lines;
+    lines.reserve((file.size() + 96) * (result.messages.size() + 1));
     for (const CifError& message : result.messages) {
         lines += file;
         lines += ':';
