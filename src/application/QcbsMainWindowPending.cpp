@@ -9,7 +9,3 @@
 // --- editing and search ----------------------------------------------------------------
 
 void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }
-
-// --- checking, views and wizards -------------------------------------------------------
-
-void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }
