@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The publication wizard's page of the reference to the published paper: journal, pages, volume, year.
+// The publication wizard's page of the reference to the paper: journal, pages, volume, year.
 #include "wizards/QcbsWizardJournalPage.hpp"
 
 #include <QCompleter>
