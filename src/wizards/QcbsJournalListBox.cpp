@@ -9,6 +9,9 @@ QcbsJournalListBox::QcbsJournalListBox(QWidget* parent) : QListWidget(parent) {
     setObjectName("journals");
     setSelectionMode(QAbstractItemView::SingleSelection);
     setUniformItemSizes(true);
+    // Long names end in an ellipsis; the tool tip gives the whole name.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTextElideMode(Qt::ElideRight);
     connect(this, &QListWidget::itemClicked, this, &QcbsJournalListBox::choose);
     connect(this, &QListWidget::itemActivated, this, &QcbsJournalListBox::choose);
     updateJournalList(QString());

@@ -76,7 +76,12 @@ QcbsWizardAuthorPage::QcbsWizardAuthorPage(QPixmap* splash, QcbsWizard* wizard)
         button->setFixedSize(button->sizeHint());
         row->addWidget(button);
         // The first names share the family name's data item: one help button for both.
-        if (help == nullptr) button->setVisible(false);
+        if (help == nullptr) {
+            QSizePolicy policy = button->sizePolicy();
+            policy.setRetainSizeWhenHidden(true);  // the fields line up
+            button->setSizePolicy(policy);
+            button->setVisible(false);
+        }
         rows->addLayout(row);
     }
     for (QLabel* label : labels) label->setMinimumWidth(labelWidth);

@@ -16,7 +16,8 @@ const char* const kName = "_journal_name_full";
 std::vector<QcbsWizardField> pageFields() {
     using F = QcbsWizardField;
     return {
-        {"Journal name :", kName, F::Line, true, true},
+        // Journal names run past the usual field length.
+        {"Journal name :", kName, F::Line, false, true},
         {"First Page :", "_journal_page_first", F::Line, true, true},
         {"Last Page :", "_journal_page_last", F::Line, true, true},
         {"Volume :", "_journal_volume", F::Line, true, true},

@@ -16,7 +16,8 @@ const char* const kJournal = "_publ_requested_journal";
 std::vector<QcbsWizardField> pageFields() {
     using F = QcbsWizardField;
     return {
-        {"Requested journal name :", kJournal, F::Line, true, true},
+        // Journal names run past the usual field length.
+        {"Requested journal name :", kJournal, F::Line, false, true},
         // The program's own item: no dictionary defines it.
         {"Journal manuscript code (if known) :", "_orma_journal_manuscript_code", F::Line, true, false},
     };
@@ -34,7 +35,10 @@ QcbsWizardRequestedJournalPage::QcbsWizardRequestedJournalPage(QPixmap* splash, 
         rows->insertWidget(1, journals_, 1);
     QLineEdit* journal = lineEdit(kJournal);
     connect(journal, &QLineEdit::textChanged, journals_, &QcbsJournalListBox::updateJournalList);
-    connect(journals_, &QcbsJournalListBox::selected, journal, &QLineEdit::setText);
+    connect(journals_, &QcbsJournalListBox::selected, journal, [journal](const QString& name) {
+        journal->setText(name);
+        journal->home(false);  // the name's beginning in view
+    });
 }
 
 void QcbsWizardRequestedJournalPage::showPage() {

@@ -123,6 +123,14 @@ TEST(PublicationWizard, TypingNarrowsTheJournalListAndChoosingFillsTheField) {
     const QRect row = list->visualItemRect(list->item(0));
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
     EXPECT_EQ(field->text(), "Dalton Transactions");
+    // The longest names are taken whole.
+    field->clear();
+    QTest::keyClicks(field, "Acta Cryst. B");
+    ASSERT_EQ(list->count(), 1);
+    emit list->itemActivated(list->item(0));
+    EXPECT_EQ(field->text(),
+              "Acta Crystallographica Section B: Structural Science, Crystal Engineering and Materials");
+    field->setText("Dalton Transactions");
     page->lineEdit("_orma_journal_manuscript_code")->setText("DT-2026-0042");
     wizard.press(QWizard::NextButton);
     EXPECT_EQ(value(wizard, "_publ_requested_journal"), "Dalton Transactions");
