@@ -389,7 +389,6 @@ private:
     void applyEditorOptions();
     void updateCrystalWizard();
     void updateCaption();
-    void showNotAvailable(const QString& function);
     void writeHtmlToOutputPane(const QString& html);
 
     THandle<QcbsMainWindowSharedData> sharedData_;
