@@ -214,7 +214,7 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
         CifValueRef ref;
         ref.offset = static_cast<std::uint32_t>(p - begin_);
         ref.bits = static_cast<std::uint32_t>(length);
-        columns[column]->push_back(ref);
+        columns[column]->push_plain(ref);
         if (++column == width) column = 0;
         ++count;
         last_end_line_ = line;
@@ -240,7 +240,7 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
         CifValueRef ref;
         ref.offset = static_cast<std::uint32_t>(start - begin_);
         ref.bits = static_cast<std::uint32_t>(length);
-        columns[column]->push_back(ref);
+        columns[column]->push_plain(ref);
         if (++column == width) column = 0;
         ++count;
         last_end_line_ = line;

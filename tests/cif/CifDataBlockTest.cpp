@@ -251,15 +251,15 @@ TEST(CifDataItem, ValuesCanBeSetAddedInsertedAndRemoved) {
     EXPECT_EQ(item.validate("anything"), 0);
 }
 
-TEST(CifDataItem, LongColumnsKeepEveryValueAcrossChunks) {
+TEST(CifDataItem, LongColumnsKeepEveryValueAcrossGroups) {
     CifDataItem item("_x");
-    const unsigned int count = 3 * CifValueColumn::chunk_size / 2;
+    const unsigned int count = 3 * CifValueColumn::group_size + 7;
     for (unsigned int n = 0; n < count; ++n) item.add_value(std::to_string(n));
     item.remove_value(10);
-    item.insert_value(static_cast<unsigned int>(CifValueColumn::chunk_size), "inserted");
+    item.insert_value(static_cast<unsigned int>(CifValueColumn::group_size), "inserted");
     EXPECT_EQ(item.size(), count);
     EXPECT_EQ(item.value(10), "11");
-    EXPECT_EQ(item.value(static_cast<unsigned int>(CifValueColumn::chunk_size)), "inserted");
+    EXPECT_EQ(item.value(static_cast<unsigned int>(CifValueColumn::group_size)), "inserted");
     EXPECT_EQ(item.value(count - 1), std::to_string(count - 1));
 }
 
