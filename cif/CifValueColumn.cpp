@@ -34,16 +34,21 @@ std::uint32_t CifValueColumn::word_length(const char* p) {
 
 CifValueColumn::Chunk CifValueColumn::make_chunk(std::size_t capacity) {
     const std::size_t bytes = capacity * sizeof(std::uint16_t);
-    const std::size_t alignment = bytes % huge_page == 0 ? huge_page : 64;
-    void* memory = ::operator new(bytes, std::align_val_t(alignment));
+    if (bytes % huge_page != 0)
+        return Chunk(static_cast<std::uint16_t*>(::operator new(bytes)), ChunkDelete{0});
+    void* memory = ::operator new(bytes, std::align_val_t(huge_page));
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
-    if (alignment == huge_page) ::madvise(memory, bytes, MADV_HUGEPAGE);
+    ::madvise(memory, bytes, MADV_HUGEPAGE);
 #endif
-    return Chunk(static_cast<std::uint16_t*>(memory), ChunkDelete{alignment});
+    return Chunk(static_cast<std::uint16_t*>(memory), ChunkDelete{huge_page});
 }
 
 void CifValueColumn::ChunkDelete::operator()(std::uint16_t* chunk) const {
-    ::operator delete(chunk, std::align_val_t(alignment));
+    if (alignment == 0) {
+        ::operator delete(chunk);
+    } else {
+        ::operator delete(chunk, std::align_val_t(alignment));
+    }
 }
 
 CifValueColumn::~CifValueColumn() = default;
@@ -114,7 +119,7 @@ void CifValueColumn::push(CifValueRef ref, bool plain) {
     if (group.wide == compact) {
         store.distance(n) = static_cast<std::uint16_t>(ref.offset - group.base);
     } else {
-        store.wide[group.wide - 1][i] = ref;
+        store.wide[group.wide - 1].push_back(ref);
     }
     ++size_;
     resume();
@@ -122,7 +127,7 @@ void CifValueColumn::push(CifValueRef ref, bool plain) {
 
 void CifValueColumn::make_wide(std::size_t g, std::size_t count) {
     Store& store = *store_;
-    auto refs = std::make_unique<CifValueRef[]>(group_size);
+    std::vector<CifValueRef> refs(count);
     const std::size_t first = g << group_bits;
     for (std::size_t i = 0; i < count; ++i) refs[i] = store.at(first + i, text_);
     store.wide.push_back(std::move(refs));
@@ -156,7 +161,7 @@ void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef
         const Group& group = store.groups[n >> group_bits];
         const std::size_t stop = std::min(last, ((n >> group_bits) + 1) << group_bits);
         if (group.wide != compact) {
-            const CifValueRef* refs = store.wide[group.wide - 1].get();
+            const CifValueRef* refs = store.wide[group.wide - 1].data();
             for (; n < stop; ++n) *out++ = refs[n & (group_size - 1)];
         } else {
             for (; n < stop; ++n) {
@@ -220,8 +225,9 @@ void CifValueColumn::pop_back() {
     --size_;
     if (store_ == nullptr) return;
     Store& store = *store_;
+    const Group group = store.groups.back();
+    if (group.wide != compact) store.wide[group.wide - 1].pop_back();
     if ((size_ & (group_size - 1)) == 0) {
-        const Group group = store.groups.back();
         store.groups.pop_back();
         if (group.wide != compact && group.wide == store.wide.size()) store.wide.pop_back();
     }
@@ -237,8 +243,8 @@ void CifValueColumn::clear() {
 std::size_t CifValueColumn::heap_bytes() const {
     if (store_ == nullptr) return 0;
     const Store& store = *store_;
-    std::size_t bytes = sizeof(Store) + store.groups.capacity() * sizeof(Group) +
-                        store.wide.size() * group_size * sizeof(CifValueRef);
+    std::size_t bytes = sizeof(Store) + store.groups.capacity() * sizeof(Group);
+    for (const std::vector<CifValueRef>& refs : store.wide) bytes += refs.capacity() * sizeof(CifValueRef);
     bytes += store.chunks.size() == 1 ? store.first_capacity * 2 : store.chunks.size() * chunk_size * 2;
     return bytes;
 }

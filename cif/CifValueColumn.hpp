@@ -80,7 +80,7 @@ private:
     static constexpr std::uint32_t compact = 0;  // Group::wide of a group of distances
 
     struct ChunkDelete {
-        std::size_t alignment = 64;
+        std::size_t alignment = 0;  // 0: the default one
         void operator()(std::uint16_t* chunk) const;
     };
     using Chunk = std::unique_ptr<std::uint16_t[], ChunkDelete>;
@@ -96,7 +96,7 @@ private:
         std::vector<Group> groups;
         std::vector<Chunk> chunks;  // distances; the first grows by doubling up to chunk_size
         std::size_t first_capacity = 0;
-        std::vector<std::unique_ptr<CifValueRef[]>> wide;
+        std::vector<std::vector<CifValueRef>> wide;  // grown as values come
         // Where the next plain value of the last group goes while it is short.
         std::uint16_t* next = nullptr;
         std::uint16_t* limit = nullptr;
