@@ -288,22 +288,26 @@ CifValueRef CifReader::reference(const CifToken& token) const {
 }
 
 int CifReader::first_block_line(std::string_view name, std::size_t index) {
-    if ((block_names_ + 1) * 2 > block_slots_.size()) {
-        std::vector<std::uint32_t> old(block_slots_.empty() ? 16 : block_slots_.size() * 2, 0);
+    // A slot holds the upper half of the name's hash (which places it) and
+    // 1 + the block's place: the blocks are looked at only on a match.
+    if ((block_names_ + 1) * 4 > block_slots_.size() * 3) {
+        std::vector<std::uint64_t> old(block_slots_.empty() ? 16 : block_slots_.size() * 2, 0);
         old.swap(block_slots_);
-        for (std::uint32_t kept : old) {
+        for (std::uint64_t kept : old) {
             if (kept == 0) continue;
-            std::size_t i = cif_name_hash(cif_.blocks_[kept - 1]->name()) & (block_slots_.size() - 1);
+            std::size_t i = static_cast<std::size_t>(kept >> 32) & (block_slots_.size() - 1);
             while (block_slots_[i] != 0) i = (i + 1) & (block_slots_.size() - 1);
             block_slots_[i] = kept;
         }
     }
-    std::size_t i = cif_name_hash(name) & (block_slots_.size() - 1);
+    const std::uint64_t tag = cif_name_hash(name) >> 32;
+    std::size_t i = static_cast<std::size_t>(tag) & (block_slots_.size() - 1);
     for (; block_slots_[i] != 0; i = (i + 1) & (block_slots_.size() - 1)) {
-        const CifDataBlock& block = *cif_.blocks_[block_slots_[i] - 1];
+        if (block_slots_[i] >> 32 != tag) continue;
+        const CifDataBlock& block = *cif_.blocks_[(block_slots_[i] & 0xffffffffu) - 1];
         if (cif_iequals(block.name(), name)) return block.line();
     }
-    block_slots_[i] = static_cast<std::uint32_t>(index + 1);
+    block_slots_[i] = (tag << 32) | static_cast<std::uint64_t>(index + 1);
     ++block_names_;
     return -1;
 }

@@ -93,10 +93,10 @@ private:
     bool outside_reported_ = false;
     bool unknown_added_ = false;
     CifValueRef unknown_;
-    // The blocks read so far by name, case ignored: 1 + their place in the
-    // document's list, in a flat table at most half full (files of millions
-    // of blocks exist).
-    std::vector<std::uint32_t> block_slots_;
+    // The blocks read so far by name, case ignored, by their place in the
+    // document's list, in a flat table at most three quarters full (files
+    // of millions of blocks exist).
+    std::vector<std::uint64_t> block_slots_;
     std::size_t block_names_ = 0;
     std::unique_ptr<CifLineIndex> lines_;  // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Columns of values: plain values kept short, everything else in full, at group and chunk boundaries.
+// Value columns: plain values kept short, the rest in full, at group and chunk boundaries.
 #include <gtest/gtest.h>
 
 #include <string>
