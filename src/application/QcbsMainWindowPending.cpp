@@ -6,10 +6,6 @@
 
 #include "application/QcbsMainWindow.hpp"
 
-// --- editing and search ----------------------------------------------------------------
-
-void QcbsMainWindow::combine() { showNotAvailable("Merging a template"); }
-
 // --- checking, views and wizards -------------------------------------------------------
 
 void QcbsMainWindow::publicationWizard() { showNotAvailable("The publication wizard"); }

@@ -151,14 +151,12 @@ TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorIconAndMenu) {
 // Actions whose work is still to come tell the user so; none does nothing.
 // Take an action off this list when its work lands.
 TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
-    for (A::Id id : {A::Combine, A::PublicationWizard}) {
+    for (A::Id id : {A::PublicationWizard}) {
         windowAction(window_, id)->setEnabled(true);  // some start disabled
         window_.statusBar()->clearMessage();
         trigger(id);
         EXPECT_TRUE(statusMessage(window_).endsWith(" is not available yet.")) << id;
     }
-    trigger(A::Combine);
-    EXPECT_EQ(statusMessage(window_), "Merging a template is not available yet.");
 }
 
 TEST_F(MainWindowActions, EditingAndViewActionsWorkOnTheEditor) {
