@@ -104,7 +104,7 @@ void write_empty(const std::string& path, long blocks) {
     std::ofstream out(path, std::ios::binary);
     std::string chunk;
     for (long b = 0; b < blocks; ++b) {
-        chunk += "data_b" + std::to_string(b) + "\n";
+        chunk.append("data_b").append(std::to_string(b)).append("\n");
         if (chunk.size() > (1 << 20)) {
             out << chunk;
             chunk.clear();

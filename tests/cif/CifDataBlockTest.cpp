@@ -260,7 +260,8 @@ TEST(CifDataBlock, EmptyBlocksAnswerAndTakeItemsLoopsAndFrames) {
 
         block->set_value("_single", "1");
         block->create_loop({"_l.a", "_l.b"});
-        for (int i = 0; i < 10; ++i) block->set_value("_many_" + std::to_string(i), std::to_string(i));
+        for (int i = 0; i < 10; ++i)
+            block->set_value(std::string("_many_").append(std::to_string(i)), std::to_string(i));
         block->add_save_frame(THandle<CifDataBlock>(new CifDataBlock(THandle<CifDictionary>(), "f")));
         EXPECT_EQ(block->value("_SINGLE"), "1");
         EXPECT_EQ(block->value("_many_9"), "9");

@@ -145,7 +145,7 @@ TEST(CifReader, DataNamesWithoutValuesAndValuesWithoutNames) {
 TEST(CifReader, RepeatedBlockNamesAreFoundAmongManyBlocks) {
     // Enough blocks for the table of names to grow several times.
     std::string text;
-    for (int b = 0; b < 300; ++b) text += "data_b" + std::to_string(b) + "\n";
+    for (int b = 0; b < 300; ++b) text.append("data_b").append(std::to_string(b)).append("\n");
     text += "data_B7\ndata_b299\ndata_b2999\ndata_b30\n";
     THandle<Cif> cif = read(text);
     std::vector<std::string> repeated;

@@ -18,7 +18,8 @@ struct Words {
         for (std::size_t n = 0; n < count; ++n) {
             CifValueRef ref;
             ref.offset = static_cast<std::uint32_t>(text.size());
-            const std::string word = "w" + std::to_string(n);
+            std::string word(1, 'w');
+            word += std::to_string(n);
             ref.bits = static_cast<std::uint32_t>(word.size());
             text += word;
             text += n % 7 == 0 ? '\n' : ' ';
@@ -106,7 +107,7 @@ TEST(CifValueColumn, ValuesThatCannotBeShortAreKeptInFull) {
             refs[at] = c.odd;
             CifValueColumn column(text.c_str());
             for (const CifValueRef& ref : refs) column.push_back(ref);
-            SCOPED_TRACE(std::string(c.what) + " at " + std::to_string(at));
+            SCOPED_TRACE(std::string(c.what).append(" at ").append(std::to_string(at)));
             expect_same(column, refs);
         }
     }
