@@ -4,9 +4,13 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <gemmi/symmetry.hpp>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <unordered_map>
 
 #include "cif/CifCheckValues.hpp"
 
@@ -36,6 +40,37 @@ std::optional<gemmi::GroupOps> from_triplets(const std::vector<std::string>& ope
     return group;
 }
 
+// The group an operator list forms, or null when an operator cannot be
+// read. Files checked together mostly repeat a few lists, so each list as
+// written is read once per process (thread-safe; the cache starts afresh
+// when it has grown large).
+std::shared_ptr<const gemmi::GroupOps> shared_from_triplets(const std::vector<std::string>& operators) {
+    // Each operator's length in front of it keeps the lists apart.
+    std::size_t size = 0;
+    for (const std::string& text : operators) size += sizeof(std::uint32_t) + text.size();
+    std::string key;
+    key.reserve(size);
+    for (const std::string& text : operators) {
+        const auto length = static_cast<std::uint32_t>(text.size());
+        key.append(reinterpret_cast<const char*>(&length), sizeof length);
+        key += text;
+    }
+    static std::mutex mutex;
+    static std::unordered_map<std::string, std::shared_ptr<const gemmi::GroupOps>> groups;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        auto found = groups.find(key);
+        if (found != groups.end()) return found->second;
+    }
+    std::optional<gemmi::GroupOps> read = from_triplets(operators);
+    std::shared_ptr<const gemmi::GroupOps> group;
+    if (read) group = std::make_shared<const gemmi::GroupOps>(std::move(*read));
+    std::lock_guard<std::mutex> lock(mutex);
+    if (groups.size() >= 4096) groups.clear();
+    groups.emplace(std::move(key), group);
+    return group;
+}
+
 std::optional<gemmi::GroupOps> from_hall(const std::string& hall) {
     if (hall.empty()) return std::nullopt;
     try {
@@ -61,7 +96,9 @@ std::optional<gemmi::GroupOps> from_number(int number) {
 }  // namespace
 
 struct CifBlockSymmetry::Ops {
-    std::optional<gemmi::GroupOps> operators, hall, chosen;
+    std::shared_ptr<const gemmi::GroupOps> operators;  // shared with other blocks of the same list
+    std::optional<gemmi::GroupOps> hall, other;        // other: from the symbol or the number
+    const gemmi::GroupOps* chosen = nullptr;
     bool hall_built = false;
     // Every operation of the chosen group with its centrings, as the rows of
     // a 3x4 matrix of doubles (rotation, then translation).
@@ -99,22 +136,23 @@ const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
 const gemmi::GroupOps* CifBlockSymmetry::operations() const {
     if (!ops_) {
         ops_ = std::make_unique<Ops>();
-        ops_->operators = from_triplets(operators_);
-        if (ops_->operators)
-            ops_->chosen = ops_->operators;
-        else if (operations_of_hall() != nullptr)
-            ops_->chosen = ops_->hall;
-        else if (auto symbol = from_symbol(symbol_))
-            ops_->chosen = symbol;
-        else
-            ops_->chosen = from_number(number_);
+        if (!operators_.empty()) ops_->operators = shared_from_triplets(operators_);
+        if (ops_->operators) {
+            ops_->chosen = ops_->operators.get();
+        } else if (const gemmi::GroupOps* hall = operations_of_hall()) {
+            ops_->chosen = hall;
+        } else {
+            ops_->other = from_symbol(symbol_);
+            if (!ops_->other) ops_->other = from_number(number_);
+            if (ops_->other) ops_->chosen = &*ops_->other;
+        }
     }
-    return ops_->chosen ? &*ops_->chosen : nullptr;
+    return ops_->chosen;
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations_of_operators() const {
     operations();  // the operators are read first
-    return ops_->operators ? &*ops_->operators : nullptr;
+    return ops_->operators.get();
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations_of_hall() const {

@@ -305,7 +305,5 @@ std::size_t CifBlockValidator::sound_rows(const CifDataItem& item) const {
 }
 
 const std::vector<std::string>& CifBlockValidator::mandatory_items(const std::string& category) {
-    auto found = mandatory_.find(category);
-    if (found != mandatory_.end()) return found->second;
-    return mandatory_.emplace(category, dictionary_.mandatory_items(category)).first->second;
+    return keys_.facts(category).mandatory;
 }

@@ -72,7 +72,6 @@ private:
     bool values_;
     const std::unordered_set<const CifDataItem*>* checked_;
     const Notes* notes_;
-    std::unordered_map<std::string, std::vector<std::string>> mandatory_;  // category -> its mandatory items
     CifLoopKeys keys_;
     const CifDataBlock* block_ = nullptr;
     // Items of the current block that name a parent, with their definitions

@@ -53,8 +53,11 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     definitions_.clear();
     categories_.clear();
     index_.clear();
+    lookup_.clear();
     members_.clear();
     by_length_.clear();
+    facts_.clear();
+    similar_memo_->answers.clear();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     language_ = language_of(text);
     switch (language_) {
@@ -69,6 +72,8 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
             break;
     }
     index_by_length();
+    gather_facts();
+    build_lookup();
     return errors.is_null() || errors->size() == before;
 }
 
@@ -101,7 +106,28 @@ bool CifConcreteDictionary::is_defined(const std::string& data_name) const {
     return definition(data_name) != nullptr;
 }
 
+void CifConcreteDictionary::build_lookup() {
+    std::size_t size = 16;
+    while (size < 2 * index_.size()) size *= 2;
+    lookup_.assign(size, Slot());
+    for (const auto& [name, index] : index_) {
+        const std::uint64_t hash = cif_name_hash(name);
+        std::size_t at = hash & (size - 1);
+        while (lookup_[at].name != nullptr) at = (at + 1) & (size - 1);
+        lookup_[at] = Slot{hash, &name, index};
+    }
+}
+
 const CifItemDefinition* CifConcreteDictionary::definition(const std::string& data_name) const {
+    if (!lookup_.empty()) {
+        const std::uint64_t hash = cif_name_hash(data_name);
+        const std::size_t mask = lookup_.size() - 1;
+        for (std::size_t at = hash & mask; lookup_[at].name != nullptr; at = (at + 1) & mask) {
+            const Slot& slot = lookup_[at];
+            if (slot.hash == hash && cif_iequals(*slot.name, data_name)) return &definitions_[slot.index];
+        }
+        return nullptr;
+    }
     auto found = index_.find(data_name);
     return found == index_.end() ? nullptr : &definitions_[found->second];
 }
@@ -138,20 +164,52 @@ void CifConcreteDictionary::index_by_length() {
         const std::string& name = definitions_[i].name;
         if (name.find('[') != std::string::npos) continue;  // a category overview
         if (by_length_.size() <= name.size()) by_length_.resize(name.size() + 1);
-        by_length_[name.size()].push_back(i);
+        by_length_[name.size()].push_back({i, cif_letter_set(name)});
     }
+}
+
+void CifConcreteDictionary::gather_facts() {
+    for (const auto& [category, members] : members_)
+        facts_.emplace(category, CifCategoryFacts::of(*this, category));
+}
+
+const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string& category) const {
+    // A definition's own category is usually a plain name already, found
+    // without a lower-case copy (the table's comparison ignores case).
+    const bool plain =
+        !category.empty() && category.front() != '_' && category.find('[') == std::string::npos;
+    auto found = plain ? facts_.find(category) : facts_.find(plain_category_name(category));
+    static const CifCategoryFacts none;  // a category without members
+    return found == facts_.end() ? &none : &found->second;
 }
 
 std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,
                                                                              int max_edits) const {
+    std::string key = std::to_string(max_edits) + ' ' + cif_lowercase(data_name);
+    {
+        std::lock_guard<std::mutex> lock(similar_memo_->mutex);
+        auto found = similar_memo_->answers.find(key);
+        if (found != similar_memo_->answers.end()) return found->second;
+    }
+    std::vector<SimilarName> result = find_similar_names(data_name, max_edits);
+    std::lock_guard<std::mutex> lock(similar_memo_->mutex);
+    if (similar_memo_->answers.size() >= 4096) similar_memo_->answers.clear();
+    similar_memo_->answers.emplace(std::move(key), result);
+    return result;
+}
+
+std::vector<CifDictionary::SimilarName> CifConcreteDictionary::find_similar_names(std::string_view data_name,
+                                                                                  int max_edits) const {
     std::vector<SimilarName> result;
     if (max_edits < 0) return result;
     const std::size_t edits = static_cast<std::size_t>(max_edits);
     const std::size_t shortest = data_name.size() > edits ? data_name.size() - edits : 0;
     const std::size_t longest = std::min(data_name.size() + edits + 1, by_length_.size());
+    const std::uint64_t letters = cif_letter_set(data_name);
     std::vector<std::pair<std::size_t, int>> found;  // definition index, edits
     for (std::size_t length = shortest; length < longest; ++length) {
-        for (std::size_t index : by_length_[length]) {
+        for (const auto& [index, other] : by_length_[length]) {
+            if (cif_edit_distance_floor(letters, other) > max_edits) continue;
             const int distance = cif_edit_distance(data_name, definitions_[index].name, max_edits);
             if (distance <= max_edits) found.emplace_back(index, distance);
         }

@@ -2,7 +2,10 @@
 // One dictionary file (DDL1, DDLm or DDL2) read into memory: its descriptor and definitions.
 #pragma once
 
+#include <cstdint>
 #include <istream>
+#include <memory>
+#include <mutex>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -60,6 +63,7 @@ public:
     std::vector<std::string> data_names() const override;
     std::vector<std::string> mandatory_items(const std::string& category) const override;
     std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
+    const CifCategoryFacts* category_facts(const std::string& category) const override;
 
     // Every definition, in the dictionary's order (one per data name).
     const std::vector<CifItemDefinition>& definitions() const { return definitions_; }
@@ -73,6 +77,10 @@ private:
     bool read_text(std::string text, const std::string& directory, THandle<CifErrorContainer> errors,
                    std::ostream* log);
     void index_by_length();
+    // Works out every category's facts (facts_).
+    void gather_facts();
+    // Fills lookup_ from index_ once the reading is done.
+    void build_lookup();
     // Appends a definition; one of a name already defined is an error (350) and is dropped.
     void add_definition(CifItemDefinition definition, const THandle<CifErrorContainer>& errors);
     // Lets the definitions' aliases find them (a name defined itself keeps its own definition).
@@ -89,12 +97,36 @@ private:
     // Lower-case data name -> index into definitions_; looked up without
     // regard to case, so a query needs no lower-case copy.
     std::unordered_map<std::string, std::size_t, CifNameHash, CifNameEqual> index_;
+    // The same as one flat table (open addressing, twice as many slots as
+    // names), which definition() searches once the reading is done: the
+    // checks look names up several times for every item of every file.
+    struct Slot {
+        std::uint64_t hash = 0;
+        const std::string* name = nullptr;  // a key of index_; null: a free slot
+        std::size_t index = 0;
+    };
+    std::vector<Slot> lookup_;
     // Lower-case plain category name -> indexes of its definitions.
     std::unordered_map<std::string, std::vector<std::size_t>> members_;
     // Name length -> indexes of the definitions of data names that long
     // (category overviews left out), so that a search for similar names
-    // looks only at names of about the right length.
-    std::vector<std::vector<std::size_t>> by_length_;
+    // looks only at names of about the right length; each with its letter
+    // set (cif_letter_set), which rules most of them out without a count.
+    struct Sized {
+        std::size_t index;
+        std::uint64_t letters;
+    };
+    std::vector<std::vector<Sized>> by_length_;
+    // The similar names already found, by bound and lower-case name: files
+    // checked one after another lack the same few names. Shared by threads.
+    struct SimilarMemo {
+        std::mutex mutex;
+        std::unordered_map<std::string, std::vector<SimilarName>> answers;
+    };
+    std::unique_ptr<SimilarMemo> similar_memo_ = std::make_unique<SimilarMemo>();
+    std::vector<SimilarName> find_similar_names(std::string_view data_name, int max_edits) const;
+    // Lower-case plain category name -> its facts, for every category with members.
+    std::unordered_map<std::string, CifCategoryFacts, CifNameHash, CifNameEqual> facts_;
 };
 
 // The library's name for a handle of a concrete dictionary.

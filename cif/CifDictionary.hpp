@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cif/CifCategoryFacts.hpp"
 #include "cif/CifEnumeration.hpp"
 #include "cif/CifItemDefinition.hpp"
 
@@ -76,6 +77,14 @@ public:
         (void)data_name;
         (void)max_edits;
         return {};
+    }
+
+    // The category's members, references and mandatory items worked out in
+    // advance, or null when the dictionary keeps none (callers then gather
+    // them with CifCategoryFacts::of). Same category forms as category_items().
+    virtual const CifCategoryFacts* category_facts(const std::string& category) const {
+        (void)category;
+        return nullptr;
     }
 
     // Shorthands over definition(); empty answers for undefined names.

@@ -59,6 +59,7 @@ std::vector<std::string> CifDictionaryPool::categories() const {
 }
 
 std::vector<std::string> CifDictionaryPool::category_items(const std::string& category) const {
+    if (members_.size() == 1) return members_.front()->category_items(category);
     std::vector<std::string> result;
     std::unordered_set<std::string> seen;
     for (const THandle<CifConcreteDictionary>& member : members_) {
@@ -84,6 +85,10 @@ std::vector<std::string> CifDictionaryPool::mandatory_items(const std::string& c
     // One member answers alone; several go through the merged category.
     if (members_.size() == 1) return members_.front()->mandatory_items(category);
     return CifDictionary::mandatory_items(category);
+}
+
+const CifCategoryFacts* CifDictionaryPool::category_facts(const std::string& category) const {
+    return members_.size() == 1 ? members_.front()->category_facts(category) : nullptr;
 }
 
 std::vector<CifDictionary::SimilarName> CifDictionaryPool::similar_names(std::string_view data_name,

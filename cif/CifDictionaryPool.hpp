@@ -46,6 +46,8 @@ public:
     std::vector<std::string> mandatory_items(const std::string& category) const override;
     // The members' similar names merged: nearest first, each name once.
     std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
+    // One member's own facts; a pool of several keeps none.
+    const CifCategoryFacts* category_facts(const std::string& category) const override;
 
 private:
     std::vector<THandle<CifConcreteDictionary>> members_;

@@ -52,3 +52,19 @@ int cif_edit_distance(std::string_view a, std::string_view b, int bound) {
     }
     return std::min(previous[m], beyond);
 }
+
+std::uint64_t cif_letter_set(std::string_view name) {
+    std::uint64_t set = 0;
+    for (char c : name) {
+        const auto u = static_cast<unsigned char>(cif_lower(c));
+        unsigned bit = 0;
+        if (u >= 'a' && u <= 'z')
+            bit = u - 'a';
+        else if (u >= '0' && u <= '9')
+            bit = 26 + (u - '0');
+        else
+            bit = 36 + u % 28;
+        set |= std::uint64_t(1) << bit;
+    }
+    return set;
+}

@@ -40,22 +40,32 @@ std::string joined(const std::vector<std::string>& parts) {
     return result;
 }
 
+// Whether no two rows share a fingerprint: a table of twice as many slots
+// as rows, probed in turn.
+bool all_distinct(const std::vector<std::pair<std::uint64_t, std::uint32_t>>& fingerprints) {
+    std::size_t size = 16;
+    while (size < 2 * fingerprints.size()) size *= 2;
+    std::vector<std::uint64_t> slots(size);
+    std::vector<bool> used(size);
+    for (const auto& [hash, row] : fingerprints) {
+        std::size_t at = (hash ^ (hash >> 29)) & (size - 1);
+        for (; used[at]; at = (at + 1) & (size - 1)) {
+            if (slots[at] == hash) return false;
+        }
+        used[at] = true;
+        slots[at] = hash;
+    }
+    return true;
+}
+
 }  // namespace
 
-const std::vector<std::string>& CifLoopKeys::targets(const std::string& category) {
-    auto found = targets_.find(category);
-    if (found != targets_.end()) return found->second;
-    std::vector<std::string> result;
-    for (const std::string& name : dictionary_.category_items(category)) {
-        const CifItemDefinition* definition = dictionary_.definition(name);
-        if (definition == nullptr) continue;
-        for (const std::string& reference : definition->list_reference) {
-            bool known = std::any_of(result.begin(), result.end(),
-                                     [&](const std::string& other) { return cif_iequals(other, reference); });
-            if (!known) result.push_back(reference);
-        }
-    }
-    return targets_.emplace(category, std::move(result)).first->second;
+const CifCategoryFacts& CifLoopKeys::facts(const std::string& category) {
+    if (const CifCategoryFacts* kept = dictionary_.category_facts(category)) return *kept;
+    auto found = gathered_.find(category);
+    if (found == gathered_.end())
+        found = gathered_.emplace(category, CifCategoryFacts::of(dictionary_, category)).first;
+    return found->second;
 }
 
 std::vector<std::size_t> CifLoopKeys::named_key(const CifDataBlock::ItemList& loop,
@@ -99,7 +109,8 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
             add(std::move(key));
             continue;
         }
-        for (const std::string& target : targets(category)) {
+        const CifCategoryFacts& category_facts = facts(category);
+        for (const std::string& target : category_facts.references) {
             Key key;
             if (!is_family(target)) {
                 std::size_t column = column_of(loop, target);
@@ -109,7 +120,7 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
             }
             // A family is a key only with all of its members.
             bool complete = true;
-            for (const std::string& member : dictionary_.category_items(category)) {
+            for (const std::string& member : category_facts.items) {
                 if (!cif_istarts_with(member, target)) continue;
                 std::size_t column = column_of(loop, member);
                 complete = complete && column < loop.size();
@@ -124,11 +135,8 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
             }
             add(std::move(key));
         }
-        auto found = mandatory_.find(category);
-        if (found == mandatory_.end())
-            found = mandatory_.emplace(category, dictionary_.mandatory_items(category)).first;
         Key mandatory;
-        for (const std::string& name : found->second) mandatory.push_back(column_of(loop, name));
+        for (const std::string& name : category_facts.mandatory) mandatory.push_back(column_of(loop, name));
         std::sort(mandatory.begin(), mandatory.end());
         if (mandatory.empty() || mandatory.back() >= loop.size()) continue;
         bool covered = std::any_of(result.begin(), result.end(), [&](const Key& key) {
@@ -151,6 +159,7 @@ void CifLoopKeys::check(const CifDataBlock::ItemList& loop,
 
 void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, std::size_t rows,
                             const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const {
+    if (rows < 2) return;  // nothing can repeat
     // Values straight from the text where they were read.
     const char* text = loop.front()->store()->text().data();
     auto view = [text](const CifDataItem& item, std::size_t row) {
@@ -250,6 +259,7 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
             hash = (hash ^ std::hash<std::string_view>()(value)) * 1099511628211ull;
         fingerprints.emplace_back(hash, static_cast<std::uint32_t>(row));
     }
+    if (all_distinct(fingerprints)) return;  // the usual case, told without sorting
     std::sort(fingerprints.begin(), fingerprints.end());
     auto same = [&](std::size_t a, std::size_t b) {
         return std::all_of(key.begin(), key.end(),

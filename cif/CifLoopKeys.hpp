@@ -36,14 +36,15 @@ public:
     void check(const CifDataBlock::ItemList& loop, const std::vector<const CifItemDefinition*>& definitions,
                std::size_t rows, CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven = {});
 
+    // The category's facts: the dictionary's own, or gathered here once.
+    const CifCategoryFacts& facts(const std::string& category);
+
 private:
     // The columns of the category's named key, empty when the dictionary
     // names none or the loop lacks one of them.
     std::vector<std::size_t> named_key(const CifDataBlock::ItemList& loop,
                                        const std::vector<const CifItemDefinition*>& definitions,
                                        const std::string& category) const;
-    // The _list_reference values of every definition of the category.
-    const std::vector<std::string>& targets(const std::string& category);
     void check_key(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key, std::size_t rows,
                    const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const;
     // Reports the key values of the row; false once the sink keeps no more.
@@ -51,6 +52,6 @@ private:
                        std::size_t row, CifValueReporter& reporter);
 
     const CifDictionary& dictionary_;
-    std::unordered_map<std::string, std::vector<std::string>> targets_;
-    std::unordered_map<std::string, std::vector<std::string>> mandatory_;
+    // Categories whose facts the dictionary does not keep.
+    std::unordered_map<std::string, CifCategoryFacts> gathered_;
 };

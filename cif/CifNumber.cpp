@@ -71,9 +71,14 @@ CifNumber CifNumber::parse(std::string_view text) {
     number.status = classify(text, number.has_uncertainty);
     if (!number.ok()) return number;
     Shape shape = number_shape(text);
-    // strtod needs a terminated copy; numbers are short.
-    std::string mantissa(text.substr(0, shape.length));
-    number.value = std::strtod(mantissa.c_str(), nullptr);
+    // from_chars rounds as strtod does, without a terminated copy; it takes
+    // no '+' and leaves values beyond the range of a double to strtod.
+    const char* first = text.data() + (text[0] == '+' ? 1 : 0);
+    const auto [end, error] = std::from_chars(first, text.data() + shape.length, number.value);
+    if (error != std::errc() || end != text.data() + shape.length) {
+        std::string mantissa(text.substr(0, shape.length));
+        number.value = std::strtod(mantissa.c_str(), nullptr);
+    }
     number.unit = std::pow(10.0, static_cast<double>(shape.exponent - shape.decimals));
     if (number.has_uncertainty) {
         std::string_view digits = text.substr(shape.length + 1, text.size() - shape.length - 2);

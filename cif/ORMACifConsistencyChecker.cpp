@@ -311,17 +311,20 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
         const CifItemDefinition* definition = dictionary->definition(name);
         return definition != nullptr && (!definition->list_link_parent.empty() || definition->list_mandatory);
     };
-    std::unordered_map<std::string, std::size_t> rows;  // labels are compared as written
+    // Labels are compared as written, as views of the block's values.
+    std::unordered_map<std::string_view, std::size_t> rows;
     const std::size_t sound_sites = findings_->sound_rows(block, *sites);
+    rows.reserve(sound_sites);
     bool keyed = linked(sites->name());
     for (std::size_t n = 0; n < sound_sites; ++n) {
-        std::string label(sites->value_view(n));
+        const std::string_view label = sites->value_view(n);
         if (is_unknown(label)) continue;
         auto [found, inserted] = rows.emplace(label, n);
         // Each repeated label once, on the line of its first repetition.
         if (!inserted && !keyed && found->second != static_cast<std::size_t>(-1)) {
             findings_->add(CifError(CifError::duplicate_key_value,
-                                    findings_->value_line(block, sites->name(), n), sites->name(), label));
+                                    findings_->value_line(block, sites->name(), n), sites->name(),
+                                    std::string(label)));
             found->second = static_cast<std::size_t>(-1);
         }
     }
@@ -341,13 +344,14 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
     for (const char* child : children) {
         THandle<CifDataItem> item = block.find(child);
         if (item.is_null() || linked(child)) continue;
-        std::unordered_set<std::string> reported;
+        std::unordered_set<std::string_view> reported;
         const std::size_t sound = findings_->sound_rows(block, *item);
         for (std::size_t n = 0; n < sound; ++n) {
-            std::string label(item->value_view(n));
+            const std::string_view label = item->value_view(n);
             if (is_unknown(label) || rows.count(label) != 0 || !reported.insert(label).second) continue;
             findings_->add(CifError(CifError::parent_value_missing,
-                                    findings_->value_line(block, item->name(), n), item->name(), label));
+                                    findings_->value_line(block, item->name(), n), item->name(),
+                                    std::string(label)));
         }
     }
 }

@@ -16,6 +16,8 @@ packages=(
   gemmi-dev
   # tests, benchmarks and fuzzing
   libgtest-dev libgmock-dev googletest libbenchmark-dev
+  # profiling the benchmarks (editor_bench's EDITOR_BENCH_PERF_CTL)
+  linux-perf
   clang libclang-rt-14-dev
   # the text of printed PDF files (the print tests)
   poppler-utils

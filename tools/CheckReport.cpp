@@ -10,6 +10,14 @@ std::string counted(long count, const char* singular, const char* plural) {
     return std::to_string(count) + " " + (count == 1 ? singular : plural);
 }
 
+// Whether the text is printable ASCII throughout, which terminal_text keeps as it is.
+bool plain(const std::string& text) {
+    for (char c : text) {
+        if (c < 0x20 || c == 0x7F) return false;  // char is signed: bytes from 0x80 are negative
+    }
+    return true;
+}
+
 }  // namespace
 
 std::string CheckReport::kind_name(CifError::ErrorType type) {
@@ -128,15 +136,36 @@ void CheckReport::add(const FileCheckResult& result) {
         return;
     }
     // Names and values come from the file: printed raw, an escape sequence in
-    // a data name would drive the user's terminal.
+    // a data name would drive the user's terminal. A file's lines are put
+    // together first and written at once.
     const std::string file = terminal_text(result.file);
+    std::string lines;
+    lines.reserve((file.size() + 96) * (result.messages.size() + 1));
     for (const CifError& message : result.messages) {
-        out_ << file << ':' << message.line() << ": " << kind_name(message.type()) << " [" << message.id()
-             << "]: " << terminal_text(message.message()) << '\n';
+        lines += file;
+        lines += ':';
+        lines += std::to_string(message.line());
+        lines += ": ";
+        lines += kind_name(message.type());
+        lines += " [";
+        lines += std::to_string(message.id());
+        lines += "]: ";
+        const std::string text = message.message();
+        if (plain(text))
+            lines += text;
+        else
+            lines += terminal_text(text);
+        lines += '\n';
     }
-    out_ << file << ": " << counted(result.errors, "error", "errors") << ", "
-         << counted(result.warnings, "warning", "warnings") << ", "
-         << counted(result.remarks, "remark", "remarks") << '\n';
+    lines += file;
+    lines += ": ";
+    lines += counted(result.errors, "error", "errors");
+    lines += ", ";
+    lines += counted(result.warnings, "warning", "warnings");
+    lines += ", ";
+    lines += counted(result.remarks, "remark", "remarks");
+    lines += '\n';
+    out_.write(lines.data(), static_cast<std::streamsize>(lines.size()));
 }
 
 void CheckReport::end() {

@@ -4,28 +4,17 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 
 #include "cif/Cif.hpp"
+#include "cif/CifFileText.hpp"
 #include "tools/SharedDictionary.hpp"
 
 namespace {
 
 // A device or a pipe may never end (/dev/zero): it is read up to this size.
 constexpr std::size_t kStreamCap = 256u * 1024 * 1024;
-
-// The stream's bytes up to `cap`; false when there were more.
-bool read_capped(std::istream& stream, std::string& text, std::size_t cap) {
-    char buffer[1 << 16];
-    while (stream.read(buffer, sizeof buffer) || stream.gcount() > 0) {
-        const auto count = static_cast<std::size_t>(stream.gcount());
-        if (text.size() + count > cap) return false;
-        text.append(buffer, count);
-    }
-    return true;
-}
 
 const char* const kCapProblem =
     "not a regular file, and longer than 256 MB: stopped reading (save it to a file to check it)";
@@ -43,25 +32,30 @@ FileCheckResult FileCheck::check(const std::string& file, THandle<Cif>* keep) co
     if (file == "-") {
         document = check.run(std::cin);
     } else {
-        std::error_code error;
-        if (std::filesystem::is_directory(file, error)) {
-            result.io_problem = "is a directory";
-            return result;
-        }
-        std::ifstream stream(file, std::ios::binary);
-        if (!stream) {
-            result.io_problem = std::strerror(errno);
-            return result;
-        }
-        if (std::filesystem::is_regular_file(file, error)) {
-            document = check.run(stream);
-        } else {
-            std::string text;
-            if (!read_capped(stream, text, kStreamCap)) {
+        std::string text;
+        switch (cif_read_file(file, text, kStreamCap)) {
+            case CifFileRead::read:
+                document = check.run(std::move(text));
+                break;
+            case CifFileRead::directory:
+                result.io_problem = "is a directory";
+                return result;
+            case CifFileRead::not_opened:
+                result.io_problem = std::strerror(errno);
+                return result;
+            case CifFileRead::too_long:
                 result.io_problem = kCapProblem;
                 return result;
+            case CifFileRead::read_error: {
+                // The stream's reading tells what it kept and on which line it stopped.
+                std::ifstream stream(file, std::ios::binary);
+                if (!stream) {
+                    result.io_problem = std::strerror(errno);
+                    return result;
+                }
+                document = check.run(stream);
+                break;
             }
-            document = check.run(std::move(text));
         }
     }
     for (const CifError& message : *document->errors()) {

@@ -35,6 +35,9 @@ public:
     std::vector<SimilarName> similar_names(std::string_view name, int max_edits) const override {
         return target_.similar_names(name, max_edits);
     }
+    const CifCategoryFacts* category_facts(const std::string& category) const override {
+        return target_.category_facts(category);
+    }
 
 private:
     const CifDictionary& target_;

@@ -8,13 +8,16 @@
 // longest stall of the event loop:
 //   open     the file read into the view: the first screen painted, the whole text in
 //   check    the whole check of the text (the editor's runs on the worker thread)
-//   type     20 keystrokes on the middle line, each with its repaint
+//   type     20 keystrokes (--keys) on the middle line, each with its repaint, typed from 0.3 s
+//            after the jump there (the user looks at the line first)
+//   far key  one keystroke with its repaint at once after a jump from there to a quarter of the text
 //   end      Ctrl+End and the repaint at the end of the text
 //   jump     from the middle to the last line, cursor and view, with the repaint
 //   save     the text written to a new file (the editor's from the worker thread)
+//   styled   the rest of the text coloured in idle time (the peer colours nothing)
 // and the memory the process holds above what it held before the file was opened (VmRSS).
 //
-//   editor_bench [--file PATH | --rows N] [--side editor|peer]
+//   editor_bench [--file PATH | --rows N] [--side editor|peer] [--keys N]
 //
 // Without --file a reflection file of N rows (2,000,000: 70 MB) is written to a temporary
 // directory. Run each side in a process of its own for the memory figures.
@@ -137,7 +140,17 @@ struct Side {
     std::function<void(int)> goToLine;
     std::function<int()> lines;
     std::function<void(const QString&)> save;
+    // Whether the whole text is coloured (the peer colours nothing).
+    std::function<bool()> styled = [] { return true; };
 };
+
+void profiling(const char* step, const char* command) {
+    const QByteArray control = qgetenv("EDITOR_BENCH_PERF_CTL");
+    const QByteArray only = qgetenv("EDITOR_BENCH_PERF_STEP");
+    if (control.isEmpty() || (!only.isEmpty() && only != step)) return;
+    QFile fifo(QString::fromLocal8Bit(control));
+    if (fifo.open(QIODevice::WriteOnly)) fifo.write(QByteArray(command) + '\n');
+}
 
 void line(const char* step, const Timing& timing, const char* note = "") {
     std::printf("  %-8s %8lld ms   longest stall %6lld ms", step, static_cast<long long>(timing.total),
@@ -147,7 +160,7 @@ void line(const char* step, const Timing& timing, const char* note = "") {
     std::printf("%s\n", note);
 }
 
-void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes) {
+void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes, std::size_t keystrokes) {
     std::printf("%s\n", side.name);
     PaintWatch watch(side.hasText);
     side.viewport->installEventFilter(&watch);
@@ -158,7 +171,9 @@ void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes)
     std::printf("  %-8s %8.0f MB above the process before opening: %.2f x the file\n", "memory",
                 (afterOpen - before) / 1024.0, (afterOpen - before) * 1024.0 / fileBytes);
 
+    profiling("check", "enable");
     line("check", measure(side.check, side.checked));
+    profiling("check", "disable");
     const long afterCheck = residentKiB();
     std::printf("  %-8s %8.0f MB with the check's result: %.2f x the file\n", "memory",
                 (afterCheck - before) / 1024.0, (afterCheck - before) * 1024.0 / fileBytes);
@@ -167,46 +182,74 @@ void run(Side& side, const QString& file, const QString& copy, qint64 fileBytes)
     const int middle = side.lines() / 2;
     side.goToLine(middle);
     side.viewport->repaint();
+    // The user looks at the line before typing.
+    QTest::qWait(300);
     std::vector<qint64> keys;
+    std::vector<qint64> paints;
     std::function<void()> typeOne = [&] {
         QElapsedTimer one;
         one.start();
         QTest::keyClick(side.view, Qt::Key_X);
+        const qint64 key = one.nsecsElapsed();
         side.viewport->repaint();
         keys.push_back(one.nsecsElapsed() / 1000);
-        if (keys.size() < 20) QTimer::singleShot(0, typeOne);
+        paints.push_back((one.nsecsElapsed() - key) / 1000);
+        if (keys.size() < keystrokes) QTimer::singleShot(0, typeOne);
     };
-    // One keystroke per turn of the event loop, as a user types.
-    const Timing typing = measure(typeOne, [&] { return keys.size() == 20; });
+    // One keystroke per turn of the event loop, as a user types. Under
+    // `perf record --control fifo:CTL -D -1`, EDITOR_BENCH_PERF_CTL=CTL
+    // profiles the check, the typing, Ctrl+End, the jump and the save (EDITOR_BENCH_PERF_STEP: one of them).
+    profiling("type", "enable");
+    const Timing typing = measure(typeOne, [&] { return keys.size() == keystrokes; });
+    profiling("type", "disable");
     if (qEnvironmentVariableIsSet("EDITOR_BENCH_KEYS"))
-        for (const qint64 key : keys) std::printf("    key %.1f ms\n", key / 1000.0);
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            std::printf("    key %.1f ms (repaint %.1f ms)\n", keys[i] / 1000.0, paints[i] / 1000.0);
     std::sort(keys.begin(), keys.end());
     char note[96];
     std::snprintf(note, sizeof note, "   a keystroke: median %.1f ms, slowest %.1f ms",
                   keys[keys.size() / 2] / 1000.0, keys.back() / 1000.0);
     line("type", typing, note);
 
+    // A keystroke at once after a jump of a quarter of the text (no pause).
+    side.goToLine(middle / 2);
+    side.viewport->repaint();
+    line("far key", measure(
+                        [&] {
+                            QTest::keyClick(side.view, Qt::Key_X);
+                            side.viewport->repaint();
+                        },
+                        [] { return true; }));
+
+    profiling("end", "enable");
     line("end", measure(
                     [&] {
                         QTest::keyClick(side.view, Qt::Key_End, Qt::ControlModifier);
                         side.viewport->repaint();
                     },
                     [] { return true; }));
+    profiling("end", "disable");
     side.goToLine(middle);
     side.viewport->repaint();
+    profiling("jump", "enable");
     line("jump", measure(
                      [&] {
                          side.goToLine(side.lines() - 1);
                          side.viewport->repaint();
                      },
                      [] { return true; }));
+    profiling("jump", "disable");
     bool saved = false;
+    profiling("save", "enable");
     line("save", measure(
                      [&] {
                          side.save(copy);
                          saved = true;
                      },
                      [&] { return saved; }));
+    profiling("save", "disable");
+    // The rest of the styling, in idle time, from the edits on.
+    line("styled", measure([] {}, side.styled));
     side.viewport->removeEventFilter(&watch);
 }
 
@@ -216,11 +259,13 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QString file;
     long rows = 2000000;
+    std::size_t keystrokes = 20;
     QString only;
     for (int i = 1; i + 1 < argc; i += 2) {
         if (std::strcmp(argv[i], "--file") == 0) file = argv[i + 1];
         if (std::strcmp(argv[i], "--rows") == 0) rows = std::atol(argv[i + 1]);
         if (std::strcmp(argv[i], "--side") == 0) only = argv[i + 1];
+        if (std::strcmp(argv[i], "--keys") == 0) keystrokes = std::max(1, std::atoi(argv[i + 1]));
     }
     QApplication app(argc, argv);
     QTemporaryDir dir;
@@ -260,7 +305,10 @@ int main(int argc, char** argv) {
                     [&](const QString& name) {
                         if (!document.save(name, false).saved) std::abort();
                     }};
-        run(editor, file, copy, fileBytes);
+        editor.styled = [&] {
+            return edit->SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED) >= edit->byteLength();
+        };
+        run(editor, file, copy, fileBytes, keystrokes);
     }
     if (only.isEmpty() || only == "peer") {
         QPlainTextEdit bare;
@@ -293,7 +341,7 @@ int main(int argc, char** argv) {
                       out.write(bare.toPlainText().toUtf8());
                       out.commit();
                   }};
-        run(peer, file, copy, fileBytes);
+        run(peer, file, copy, fileBytes, keystrokes);
     }
     return 0;
 }

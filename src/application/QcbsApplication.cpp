@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QScreen>
 #include <algorithm>
+#include <clocale>
 
 #include "application/QcbsMainWindow.hpp"
 #include "base/ORMALogQString.hpp"
@@ -30,6 +31,9 @@ const char* const basePixmapProperty = "tessarySplashImage";
 QcbsApplication::QcbsApplication(int& argc, char** argv) : QtServerApplication("Tessary", argc, argv) {
     // The desktop's menu entry and the windows of the program belong together.
     setDesktopFileName("tessary");
+    // Qt takes the user's locale for everything; numbers in a CIF always have a point, and
+    // the C library's strtod reads "1.5" as 1 under a comma-decimal locale.
+    std::setlocale(LC_NUMERIC, "C");
 }
 
 QcbsApplication::~QcbsApplication() { debugLine(1, "QcbsApplication::~QcbsApplication finished"); }

@@ -2,11 +2,15 @@
 // The one document of a main window and the edits views and wizards ask for.
 #include "document/QcbsCifDocument.hpp"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QMetaObject>
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <string_view>
 
@@ -29,6 +33,21 @@ int countLines(const QByteArray& bytes) {
         if (i + 1 >= bytes.size() || bytes[i + 1] != '\n') ++ends;
     const char last = bytes.back();
     return static_cast<int>(last == '\n' || last == '\r' ? ends : ends + 1);
+}
+
+// Checks, saves and hashes on the worker give way to the window's thread: on a
+// busy machine the event loop otherwise waited for a core behind a check of
+// 300 MB (stalls of 130-220 ms with two cores). Linux keeps a nice value per
+// thread; a worker's is raised once and stays so, as its pool serves only
+// background work.
+void yieldToTheWindow() {
+    thread_local bool lowered = false;
+    if (lowered) return;
+    lowered = true;
+    const pid_t thread = gettid();
+    errno = 0;
+    const int nice = getpriority(PRIO_PROCESS, static_cast<id_t>(thread));
+    if (errno == 0) setpriority(PRIO_PROCESS, static_cast<id_t>(thread), std::min(nice + 5, 19));
 }
 
 }  // namespace
@@ -170,6 +189,7 @@ void QcbsCifDocument::hashInBackground(const QString& name, const QcbsFileIdenti
     // the identity has none, so that any other stamp counts as a change.
     identity_ = QcbsFileIdentity(stamp, QByteArray());
     workers_.start([this, name, stamp] {
+        yieldToTheWindow();
         QByteArray hash = QcbsFileIdentity::hashFile(name);
         // What was hashed must still be the file that was read.
         if (!(QcbsFileIdentity::Stamp::of(name) == stamp)) return;
@@ -270,6 +290,7 @@ QcbsDocumentSaver::Result QcbsCifDocument::saveInBackground(const QString& name,
         auto bytes = std::make_shared<std::string>(std::move(snapshot.bytes()));
         finishText(*bytes);
         workers_.start([this, bytes, name, backup, &result, &loop, hash] {
+            yieldToTheWindow();
             const auto progress = [this](qint64 written, qint64 all) {
                 QMetaObject::invokeMethod(
                     this, [this, written, all] { emit saveProgress(written, all); }, Qt::QueuedConnection);
@@ -385,6 +406,7 @@ void QcbsCifDocument::submitCheck() {
     job->settings = source.settings();
     checkRunning_ = true;
     workers_.start([this, job]() mutable {
+        yieldToTheWindow();
         // Only this thread touches the job until it goes back.
         std::shared_ptr<CheckJob> mine = std::move(job);
         {

@@ -46,6 +46,18 @@ public:
         return target_->category_items(category);
     }
     std::vector<std::string> data_names() const override { return target_->data_names(); }
+    // Both are worked out when the dictionary is read (the suggestions kept under a lock),
+    // so the worker may ask them too; without them a large document's check lost its
+    // "did you mean" and gathered every category's facts again.
+    std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override {
+        return target_->similar_names(data_name, max_edits);
+    }
+    const CifCategoryFacts* category_facts(const std::string& category) const override {
+        return target_->category_facts(category);
+    }
+    std::vector<std::string> mandatory_items(const std::string& category) const override {
+        return target_->mandatory_items(category);
+    }
 
 private:
     explicit QcbsWorkerDictionary(THandle<CifDictionary> target) : target_(std::move(target)) {}

@@ -183,6 +183,10 @@ void QcbsRichTextEdit::setUpEngine() {
     for (int margin = 0; margin < 3; ++margin) setMarginWidth(margin, 0);
     SendScintilla(SCI_SETSCROLLWIDTH, 1L);
     SendScintilla(SCI_SETSCROLLWIDTHTRACKING, 1L);
+    // The lines in view keep their layout from one paint to the next; by
+    // default only the cursor's line does, and every paint measured the
+    // text of all the others again.
+    SendScintilla(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
     gapWalk_ = new QTimer(this);
     gapWalk_->setSingleShot(true);
     gapWalk_->setInterval(0);
@@ -1126,9 +1130,8 @@ void QcbsRichTextEdit::showCompletion() {
     int para = 0;
     int index = 0;
     paragraphIndexOf(caret - 1, &para, &index);
-    const int incoming = para > 0 ? static_cast<int>(SendScintilla(SCI_GETLINESTATE, para - 1))
-                                  : QcbsSyntaxHighlighter_CIF::FreshState;
     QcbsSyntaxHighlighter_CIF& lexer = *highlighter_;
+    const int incoming = para > 0 ? lexer.lineState(para - 1) : QcbsSyntaxHighlighter_CIF::FreshState;
     const QString upTo = lineText(para).left(index + 1);
     if (index > 0 && !upTo[index - 1].isSpace()) return;
     lexer.highlightParagraph(upTo, incoming);
@@ -1199,6 +1202,12 @@ void QcbsRichTextEdit::keyPressEvent(QKeyEvent* event) {
     QsciScintilla::keyPressEvent(event);
     flushChange();
     followCursor();
+}
+
+void QcbsRichTextEdit::paintEvent(QPaintEvent* event) {
+    if (highlighter_ != nullptr) highlighter_->setPainting(true);
+    QsciScintilla::paintEvent(event);
+    if (highlighter_ != nullptr) highlighter_->setPainting(false);
 }
 
 void QcbsRichTextEdit::inputMethodEvent(QInputMethodEvent* event) {

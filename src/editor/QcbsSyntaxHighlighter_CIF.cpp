@@ -25,6 +25,8 @@ constexpr int kPreviewLimit = 4 * 1024 * 1024;
 // again for the rest. Its own measure of a line's cost is thrown far off by
 // the lines skipped after an edit, so it cannot be left to bound the work.
 constexpr qint64 kBudgetNanoseconds = 8 * 1000 * 1000;
+// The same during a paint, which the user waits for: a minimal step.
+constexpr qint64 kPaintBudgetNanoseconds = 0;
 
 bool inTextField(int state) {
     return state != QcbsSyntaxHighlighter_CIF::FreshState &&
@@ -106,6 +108,12 @@ int QcbsSyntaxHighlighter_CIF::highlightParagraph(const QString& text, int endSt
     return classifier_.classify(text, incoming);
 }
 
+int QcbsSyntaxHighlighter_CIF::lineState(int line) const {
+    const QsciScintilla* view = editor();
+    if (view == nullptr || line < 0 || line >= view->SendScintilla(Sci::SCI_GETMAXLINESTATE)) return 0;
+    return static_cast<int>(view->SendScintilla(Sci::SCI_GETLINESTATE, line));
+}
+
 // --- following edits ---------------------------------------------------------------------
 
 void QcbsSyntaxHighlighter_CIF::textAboutToChange(int position, int delta) {
@@ -118,9 +126,7 @@ void QcbsSyntaxHighlighter_CIF::textAboutToChange(int position, int delta) {
     const auto lineStart = [view](int line) {
         return static_cast<int>(view->SendScintilla(Sci::SCI_POSITIONFROMLINE, line));
     };
-    const auto stateOf = [view](int line) {
-        return static_cast<int>(view->SendScintilla(Sci::SCI_GETLINESTATE, line));
-    };
+    const auto stateOf = [this](int line) { return lineState(line); };
     // The last line the change touches, and where the untouched lines after it start.
     const int lastLine = lineOf(delta > 0 ? position : position + length);
     const int lineCount = static_cast<int>(view->SendScintilla(Sci::SCI_GETLINECOUNT));
@@ -173,15 +179,14 @@ void QcbsSyntaxHighlighter_CIF::styleText(int start, int end) {
         const long lastShown = view->SendScintilla(Sci::SCI_POSITIONFROMLINE,
                                                    view->SendScintilla(Sci::SCI_DOCLINEFROMVISIBLE, bottom));
         bounded_ = end < firstShown || end > lastShown + 1 || lastShown < 0;
+        budget_ = painting_ ? kPaintBudgetNanoseconds : kBudgetNanoseconds;
         clock_.start();
         const int lastLine = static_cast<int>(view->SendScintilla(Sci::SCI_LINEFROMPOSITION, end - 1));
         const int to = lastLine + 1 < lineCount
                            ? static_cast<int>(view->SendScintilla(Sci::SCI_POSITIONFROMLINE, lastLine + 1))
                            : length;
         while (from < to) {
-            const int state = line > 0
-                                  ? static_cast<int>(view->SendScintilla(Sci::SCI_GETLINESTATE, line - 1))
-                                  : FreshState;
+            const int state = line > 0 ? lineState(line - 1) : FreshState;
             int skipTo = -1;
             const int stopped = classifyLines(line, from, to, state, false, &skipTo);
             if (stopped > from) {
@@ -224,8 +229,7 @@ void QcbsSyntaxHighlighter_CIF::previewVisibleLines() {
     const int line = static_cast<int>(view->SendScintilla(Sci::SCI_LINEFROMPOSITION, from));
     // The state the line above holds now: right when that line is styled,
     // a fair guess otherwise.
-    const int state =
-        line > 0 ? static_cast<int>(view->SendScintilla(Sci::SCI_GETLINESTATE, line - 1)) : FreshState;
+    const int state = line > 0 ? lineState(line - 1) : FreshState;
     classifyLines(line, from, to, state, true, nullptr);
     view->SendScintilla(Sci::SCI_STARTSTYLING, static_cast<long>(from));
     view->SendScintilla(Sci::SCI_SETSTYLINGEX, static_cast<unsigned long>(to - from), styleBuffer_.data());
@@ -246,8 +250,7 @@ int QcbsSyntaxHighlighter_CIF::classifyLines(int firstLine, int from, int to, in
     int line = firstLine;
     std::size_t next = 0;  // the first clean stretch that may lie ahead
     for (int i = 0; i < length; ++line) {
-        if (!preview && bounded_ && i > 0 && (line - firstLine) % 256 == 0 &&
-            clock_.nsecsElapsed() > kBudgetNanoseconds)
+        if (!preview && bounded_ && i > 0 && (line - firstLine) % 256 == 0 && clock_.nsecsElapsed() > budget_)
             return from + i;  // the rest when Scintilla asks again
         if (!preview && i > 0) {
             // Where a clean stretch goes on from a line that ends as it did
@@ -336,7 +339,7 @@ int QcbsSyntaxHighlighter_CIF::classifyLines(int firstLine, int from, int to, in
                 QcbsCifFolding::fold(QStringView(line_.data(), static_cast<qsizetype>(line_.size())),
                                      foldContext(state), inTextField(state), inTextField(outgoing));
             const int packed = outgoing | (fold.context << QcbsCifFolding::StateShift);
-            lastOld = static_cast<int>(view->SendScintilla(Sci::SCI_GETLINESTATE, line));
+            lastOld = lineState(line);
             if (lastOld != packed) view->SendScintilla(Sci::SCI_SETLINESTATE, line, packed);
             int level = QsciScintilla::SC_FOLDLEVELBASE + fold.depth;
             if (fold.header) level |= QsciScintilla::SC_FOLDLEVELHEADERFLAG;

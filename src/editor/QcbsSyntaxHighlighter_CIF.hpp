@@ -82,6 +82,18 @@ public:
     // number of bytes inserted (positive) or deleted (negative).
     void textAboutToChange(int position, int delta);
 
+    // While the editor paints, styling that the lines in view do not wait
+    // for gets a much smaller slice of time: the paint after a keystroke
+    // would otherwise carry a slice of the styling of the rest of the text.
+    void setPainting(bool painting) { painting_ = painting; }
+
+    // The state `line` ended in when it was last styled, 0 for a line never
+    // styled. Asked for a line beyond the last one with a state, Scintilla
+    // grows its table of states up to that line first (a fifth of a second
+    // when the view jumps to the end of a text of millions of lines); this
+    // answers such a line without asking.
+    int lineState(int line) const;
+
     // The classifier's state within a line state.
     static int classifierState(int lineState) { return lineState & 0x3ff; }
     // Lines classified for real (not for a preview of the lines in view), for tests.
@@ -115,6 +127,8 @@ private:
     std::vector<Clean> clean_;
     bool inStyleText_ = false;
     bool bounded_ = false;  // the styling under way may stop after a while
+    bool painting_ = false;
+    qint64 budget_ = 0;  // how long bounded styling may run, in nanoseconds
     QElapsedTimer clock_;
     long long linesStyled_ = 0;
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <fstream>
 
 #include "tests/cif/CifTestSupport.hpp"
@@ -157,14 +158,24 @@ TEST(CifConcreteDictionary, TextWithoutDefinitionsIsNoDictionaryAndReadingAgainS
     ASSERT_EQ(errors->size(), 1u);  // the warning that there is no block goes to the log only
     EXPECT_EQ(errors->begin()->id(), CifError::not_a_dictionary);
 
-    std::istringstream first("data_a\n_name '_a'\n");
+    std::istringstream first("data_a\n_name '_abcdefgh'\n");
     THandle<CifErrorContainer> clean(new CifErrorContainer());
     CifConcreteDictionary reread;
     EXPECT_TRUE(reread.read(first, clean, nullptr));
-    std::istringstream second("data_b\n_name '_b'\n");
+    // Similar names are kept once found, whatever the case of the question,
+    // and forgotten with the definitions they came from.
+    auto similar = [&](const char* name) {
+        std::vector<CifDictionary::SimilarName> found = reread.similar_names(name, 2);
+        return found.empty() ? std::string() : found.front().name + " " + std::to_string(found.front().edits);
+    };
+    EXPECT_EQ(similar("_abcdefg"), "_abcdefgh 1");
+    EXPECT_EQ(similar("_ABCDEFG"), "_abcdefgh 1");
+    EXPECT_EQ(reread.similar_names("_ABCDEFG", 0).size(), 0u);
+    std::istringstream second("data_b\n_name '_abcdefgx'\n");
     EXPECT_TRUE(reread.read(second, clean, nullptr));
-    EXPECT_FALSE(reread.is_defined("_a"));
-    EXPECT_TRUE(reread.is_defined("_b"));
+    EXPECT_FALSE(reread.is_defined("_abcdefgh"));
+    EXPECT_TRUE(reread.is_defined("_abcdefgx"));
+    EXPECT_EQ(similar("_ABCDEFG"), "_abcdefgx 1");
     EXPECT_TRUE(clean->empty());
 }
 
@@ -236,3 +247,59 @@ TEST(CifDictionaryPool, AnEmptyPoolChecksNothingSoReadingIsASyntaxCheck) {
 }
 
 }  // namespace
+
+namespace {
+
+// The facts a dictionary keeps for every category, under every form of
+// the category's name, are those its own answers give; a pool of one
+// member hands them on, a pool of several keeps none.
+void expect_kept_facts_agree(const THandle<CifConcreteDictionary>& dictionary) {
+    auto same = [](const CifCategoryFacts& a, const CifCategoryFacts& b) {
+        return a.items == b.items && a.references == b.references && a.mandatory == b.mandatory;
+    };
+    std::size_t with_references = 0;
+    for (const std::string& category : dictionary->categories()) {
+        const std::string plain = CifDictionary::plain_category_name(category);
+        std::string upper = plain;
+        for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        for (const std::string& form : {category, plain, "_" + plain, upper, "_" + upper + "_[]"}) {
+            const CifCategoryFacts* kept = dictionary->category_facts(form);
+            ASSERT_NE(kept, nullptr) << form;
+            EXPECT_TRUE(same(*kept, CifCategoryFacts::of(*dictionary, form))) << form;
+        }
+        with_references += dictionary->category_facts(plain)->references.empty() ? 0 : 1;
+    }
+    EXPECT_GT(with_references, 0u);
+    EXPECT_TRUE(dictionary->category_facts("no_such_category")->items.empty());
+    CifDictionaryPool pool;
+    pool.insert(dictionary);
+    const std::string first = dictionary->categories().front();
+    EXPECT_EQ(pool.category_facts(first), dictionary->category_facts(first));
+    pool.insert(test_dictionary("tessary_extra.dic"));
+    EXPECT_EQ(pool.category_facts(first), nullptr);
+}
+
+}  // namespace
+
+TEST(CifConcreteDictionary, CategoryFactsKeptAtReadingAgreeWithItsOwnAnswers) {
+    expect_kept_facts_agree(test_dictionary());
+    THandle<CifConcreteDictionary> core = cif_test::core_dictionary();
+    if (core.is_null())
+        GTEST_SKIP() << "the IUCr core dictionary is not at " << cif_test::core_dictionary_path();
+    expect_kept_facts_agree(core);
+}
+
+TEST(CifConcreteDictionary, EveryNameIsFoundInAnyCaseAndNothingElse) {
+    THandle<CifConcreteDictionary> core = cif_test::core_dictionary();
+    for (const THandle<CifConcreteDictionary>& dictionary : {test_dictionary(), core}) {
+        if (dictionary.is_null()) continue;  // the core dictionary is absent
+        for (const CifItemDefinition& definition : dictionary->definitions()) {
+            std::string upper = definition.name;
+            for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+            EXPECT_EQ(dictionary->definition(upper), &definition) << upper;
+            EXPECT_EQ(dictionary->definition(definition.name + "~"), nullptr);
+        }
+        EXPECT_EQ(dictionary->definition(""), nullptr);
+        EXPECT_EQ(dictionary->definition("_no_such_name"), nullptr);
+    }
+}

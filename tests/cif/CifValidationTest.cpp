@@ -5,12 +5,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "cif/CifLoopKeys.hpp"
 #include "cif/CifEditDistance.hpp"
+#include "cif/CifLoopKeys.hpp"
 #include "cif/CifNumber.hpp"
 #include "tests/cif/CifTestSupport.hpp"
 #include "tests/cif/DictionaryTestSupport.hpp"
@@ -123,6 +125,18 @@ TEST(CifEditDistance, CountsInsertionsRemovalsReplacementsAndSwapsUpToTheBound) 
         const int bound = static_cast<int>(random() % 4);
         EXPECT_EQ(cif_edit_distance(a, b, bound), std::min(whole(a, b), bound + 1))
             << a << " " << b << " " << bound;
+    }
+    // The letter sets never rule out a name that is near: their floor stays
+    // at or under the count, also over more letters than sets have classes.
+    const auto long_word = [&random] {
+        std::string text(random() % 12, ' ');
+        for (char& c : text) c = "aB_9.-~zQ\x80"[random() % 10];
+        return text;
+    };
+    for (int n = 0; n < 3000; ++n) {
+        const std::string a = long_word(), b = n % 2 == 0 ? long_word() : a.substr(0, a.size() / 2) + "xY";
+        EXPECT_LE(cif_edit_distance_floor(cif_letter_set(a), cif_letter_set(b)), whole(a, b))
+            << a << " " << b;
     }
 }
 
@@ -398,6 +412,36 @@ TEST(CifNumber, ReadsValueUncertaintyAndLastDigit) {
     EXPECT_EQ(CifNumber::parse("1.2(").status, CifNumber::Status::bad_uncertainty);
     EXPECT_EQ(CifNumber::parse("x1").status, CifNumber::Status::not_a_number);
     EXPECT_EQ(CifNumber::parse("").status, CifNumber::Status::not_a_number);
+}
+
+TEST(CifNumber, ValuesAreTheNearestDoubleAsTheCLibraryReadsThem) {
+    // Signs, bare points, halfway cases, more digits than a double holds,
+    // and values beyond its range (infinity, zero or the smallest).
+    const char* texts[] = {"+1.5",
+                           "-0",
+                           "+.5",
+                           "5.",
+                           "0.1",
+                           "2.675",
+                           "9007199254740993",
+                           "0.1000000000000000055511151231257827021181583404541015625",
+                           "123456789012345678901234567890e-5",
+                           "1e308",
+                           "1.8e308",
+                           "-1e400",
+                           "1e-320",
+                           "4.9e-324",
+                           "2e-324",
+                           "1e-400",
+                           "+7E+02",
+                           "3.14159(2)"};
+    for (const char* text : texts) {
+        const CifNumber number = CifNumber::parse(text);
+        ASSERT_TRUE(number.ok()) << text;
+        const std::string written(text);
+        const double expected = std::strtod(written.substr(0, written.find('(')).c_str(), nullptr);
+        EXPECT_EQ(std::memcmp(&number.value, &expected, sizeof expected), 0) << text << " " << number.value;
+    }
 }
 
 }  // namespace

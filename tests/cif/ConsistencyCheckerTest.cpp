@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "cif/CifBlockSymmetry.hpp"
 #include "cif/ORMACifConsistencyChecker.hpp"
 #include "tests/cif/CifTestSupport.hpp"
 #include "tests/cif/DictionaryTestSupport.hpp"
@@ -201,6 +202,26 @@ TEST(ConsistencyChecker, SpaceGroupSymbolsAreCheckedAgainstOperatorsAndNumber) {
     THandle<Cif> full = checked(
         with("_symmetry_space_group_name_H-M 'P 21/c'", "_symmetry_space_group_name_H-M 'P 1 21/c 1'"));
     EXPECT_TRUE(full->errors()->empty());
+}
+
+TEST(CifBlockSymmetry, OperatorListsReadOnceAreToldApartByEveryOperator) {
+    // The group of a list is kept for the process: the same list again, the
+    // same operators in another order, and the same characters split into
+    // other operators must each get their own answer.
+    auto laue_and_readable = [](const std::string& operators) {
+        THandle<Cif> cif = cif_test::read("data_a\nloop_\n_symmetry_equiv_pos_as_xyz\n" + operators);
+        const CifBlockSymmetry symmetry(*cif->blocks().front());
+        return std::to_string(symmetry.laue_order()) +
+               (symmetry.operations_of_operators() ? " read" : " unread");
+    };
+    const std::string monoclinic = "'x, y, z'\n'-x, y+1/2, -z+1/2'\n'-x, -y, -z'\n'x, -y-1/2, z-1/2'\n";
+    EXPECT_EQ(laue_and_readable(monoclinic), "4 read");
+    EXPECT_EQ(laue_and_readable(monoclinic), "4 read");
+    EXPECT_EQ(laue_and_readable("'-x, -y, -z'\n'x, y, z'\n'-x, y+1/2, -z+1/2'\n'x, -y-1/2, z-1/2'\n"),
+              "4 read");
+    EXPECT_EQ(laue_and_readable("'x, y, z-x'\n', y+1/2, -z+1/2'\n'-x, -y, -z'\n'x, -y-1/2, z-1/2'\n"),
+              "0 unread");
+    EXPECT_EQ(laue_and_readable("'x, y, z'\n'-x, -y, -z'\n"), "2 read");
 }
 
 TEST(ConsistencyChecker, AtomLabelsAreUniqueAndEveryReferenceToOneExists) {

@@ -192,6 +192,21 @@ TEST_F(LargeDocument, IsCheckedOnTheWorkerAndATypedChangeMarksTheResultStale) {
     EXPECT_EQ(document.lastCheck()->block(0)->name(), "bigx");
 }
 
+// The worker's check asks the same dictionary as the event loop's: a misspelt name in a large
+// document is still met with the names it may have meant.
+TEST_F(LargeDocument, AMisspeltNameCheckedOnTheWorkerGetsItsSuggestion) {
+    editor.setSelection(4, 10, 4, 11);  // "_refln_index_l" -> "_refln_indx_l"
+    editor.removeSelectedText();
+    QSignalSpy checked(&document, &QcbsCifDocument::checked);
+    document.check();
+    ASSERT_TRUE(checked.wait(30000));
+    const THandle<Cif> cif = document.lastCheck();
+    ASSERT_FALSE(cif.is_null());
+    std::string messages;
+    for (const CifError& error : *cif->errors()) messages += error.complete_message() + "\n";
+    EXPECT_NE(messages.find("did you mean _refln_index_l?"), std::string::npos) << messages;
+}
+
 TEST_F(LargeDocument, IsSavedFromTheWorkerTellingItsProgressAndACancelLeavesTheOldFile) {
     QTemporaryDir dir;
     const QString name = dir.filePath("big.cif");

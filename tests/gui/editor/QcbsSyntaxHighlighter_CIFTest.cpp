@@ -196,6 +196,28 @@ TEST_F(Highlighting, TheLinesInViewAreColouredBeforeTheStylingFromTheTopReachesT
     EXPECT_TRUE(sameAsAtOnce(Blanks::Ignored));
 }
 
+TEST_F(Highlighting, APaintFarBelowTheStyledPartColoursTheViewAndLeavesTheRestToIdleTime) {
+    edit.resize(600, 400);
+    edit.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&edit));
+    edit.setPlainText(sampleCif(20000));  // 240,000 lines, nothing styled yet
+    edit.setContentsPos(0, 239004);  // "data_block19917"
+    const long long before = edit.highlighter()->linesStyled();
+    edit.viewport()->repaint();
+    // The paint the user waits for styles a minimal slice from the top (a
+    // slice of idle time's size is thousands of lines) ...
+    EXPECT_LT(edit.highlighter()->linesStyled() - before, 1000);
+    // ... and colours the lines in view without making Scintilla grow its
+    // table of line states down to them.
+    EXPECT_LT(edit.SendScintilla(Sci::SCI_GETMAXLINESTATE), 10000);
+    EXPECT_EQ(lineLetters(edit, 239004), "TTTTTTTTTTTTTTT");
+    EXPECT_EQ(lineLetters(edit, 239005).substr(0, 14), "DDDDDDDDDDDDDD");
+    // Idle time brings the rest.
+    ASSERT_TRUE(runUntil([this] { return everythingStyled(edit); }));
+    EXPECT_EQ(lineLetters(edit, 239004), "TTTTTTTTTTTTTTT");
+    EXPECT_EQ(lineState(edit, 239011), InField);
+}
+
 TEST_F(Highlighting, NewStylesAndDictionariesRecolourWithoutTouchingTextOrHistory) {
     edit.setPlainText("data_x\n_cell_length_a 5.1 \n_custom_thing 3 \n# note\n");
     styleEverything(edit);

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+// The whole text of a file in one read through the operating system.
+#include "cif/CifFileText.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace {
+
+// Closes the file on every way out, keeping errno as the failure left it.
+struct OpenFile {
+    int fd;
+    ~OpenFile() {
+        const int saved = errno;
+        if (fd >= 0) ::close(fd);
+        errno = saved;
+    }
+};
+
+// Reads up to count bytes at data; the number read, or -1 on an error.
+long read_some(int fd, char* data, std::size_t count) {
+    for (;;) {
+        const ssize_t got = ::read(fd, data, count);
+        if (got >= 0 || errno != EINTR) return static_cast<long>(got);
+    }
+}
+
+// A device or a pipe: read until it ends, fails or passes the cap.
+CifFileRead read_stream(int fd, std::string& text, std::size_t cap) {
+    char buffer[1 << 16];
+    for (;;) {
+        const long got = read_some(fd, buffer, sizeof buffer);
+        if (got <= 0) return CifFileRead::read;
+        if (text.size() + static_cast<std::size_t>(got) > cap) {
+            text.clear();
+            return CifFileRead::too_long;
+        }
+        text.append(buffer, static_cast<std::size_t>(got));
+    }
+}
+
+}  // namespace
+
+CifFileRead cif_read_file(const std::string& path, std::string& text, std::size_t cap) {
+    text.clear();
+    OpenFile file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+    struct stat status {};
+    if (file.fd < 0) {
+        // A directory one may not open is still a directory.
+        const int saved = errno;
+        if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return CifFileRead::directory;
+        errno = saved;
+        return CifFileRead::not_opened;
+    }
+    if (::fstat(file.fd, &status) != 0) return CifFileRead::read_error;
+    if (S_ISDIR(status.st_mode)) return CifFileRead::directory;
+    if (!S_ISREG(status.st_mode)) return read_stream(file.fd, text, cap);
+    // One byte more than the size, so that the first read usually meets the end.
+    text.resize(static_cast<std::size_t>(status.st_size) + 1);
+    std::size_t filled = 0;
+    for (;;) {
+        if (filled == text.size()) text.resize(text.size() * 2);
+        const long got = read_some(file.fd, text.data() + filled, text.size() - filled);
+        if (got < 0) {
+            text.clear();
+            return CifFileRead::read_error;
+        }
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    text.resize(filled);
+    return CifFileRead::read;
+}
