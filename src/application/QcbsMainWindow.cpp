@@ -564,10 +564,6 @@ void QcbsMainWindow::editorLineChanged(int /*paragraph*/) {
 
 void QcbsMainWindow::editorTextChanged() { statusLineNumber(); }
 
-void QcbsMainWindow::showNotAvailable(const QString& function) {
-    statusBarMessage(function + " is not available yet.");
-}
-
 // --- closing, activation, drops --------------------------------------------------------
 
 void QcbsMainWindow::fileCloseRequested() {

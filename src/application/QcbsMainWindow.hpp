@@ -389,7 +389,6 @@ private:
     void applyEditorOptions();
     void updateCrystalWizard();
     void updateCaption();
-    void showNotAvailable(const QString& function);
     void writeHtmlToOutputPane(const QString& html);
 
     THandle<QcbsMainWindowSharedData> sharedData_;
@@ -460,5 +459,14 @@ private:
     int blockIndexAtCursor(const THandle<Cif>& cif) const;
     // The crystal wizard on the block at the cursor of a checked document.
     void openCrystalWizard(const THandle<Cif>& cif);
+    // The publication wizard on the block at the cursor, or on a new block
+    // before the first block when the cursor is in none; without a check
+    // of the text (null `cif`) on a new block of a document of its own.
+    void openPublicationWizard(const THandle<Cif>& cif);
+    // Calls `open` with a check of the text as it stands (the last one when
+    // it is current); a check on the worker calls it when it ends. A text
+    // that cannot be checked gives a null handle. False when the text is
+    // still being read or a wizard is open already.
+    bool withCurrentCheck(const QString& waiting, void (QcbsMainWindow::*open)(const THandle<Cif>&));
     QPointer<QcbsWizard> wizard_;
 };

@@ -125,6 +125,14 @@ void QcbsWizard::startPages(int total) {
     pageTotal_ = total;
 }
 
+void QcbsWizard::startNewBlock(const std::string& name) {
+    const THandle<CifDictionary> blockDictionary =
+        !document_.is_null() && !document_->dictionary().is_null() ? document_->dictionary() : dictionary_;
+    block_ = THandle<CifDataBlock>(new CifDataBlock(blockDictionary, name, -1));
+    utf8_ = true;
+    originalText_ = blockText();
+}
+
 void QcbsWizard::setupPages() {
     setupIntroPage();
     setupErrorPage();

@@ -91,6 +91,10 @@ signals:
 protected:
     // Called by a wizard's constructor before it sets up its pages.
     void startPages(int total);
+    // Makes the working block a new, empty block of this name (with or
+    // without "data_"), for a wizard whose text becomes a new block. It
+    // counts as changed only once a page writes into it.
+    void startNewBlock(const std::string& name);
     // The welcome, syntax-check and finish pages; wizards put theirs between.
     virtual void setupPages();
     virtual void setupIntroPage();

@@ -9,9 +9,10 @@
 // the data name's value and, when asked, a help button for the data name.
 struct QcbsWizardField {
     enum Kind {
-        Line,           // a line edit
-        Choice,         // a list to choose from (choices)
-        EditableChoice  // a list to choose from or type into
+        Line,            // a line edit
+        Choice,          // a list to choose from (choices)
+        EditableChoice,  // a list to choose from or type into
+        Text             // several lines (an address, a title)
     };
     QString label;
     QString dataName;

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -57,6 +58,11 @@ QcbsWizardFormPage::QcbsWizardFormPage(QPixmap* splash, QcbsWizard* wizard, cons
         if (field.kind == QcbsWizardField::Line) {
             auto* edit = new QLineEdit(this);
             if (field.limited) edit->setMaxLength(wizard->maxFieldLength());
+            widget = edit;
+        } else if (field.kind == QcbsWizardField::Text) {
+            auto* edit = new QPlainTextEdit(this);
+            edit->setTabChangesFocus(true);
+            edit->setFixedHeight(edit->fontMetrics().lineSpacing() * 4 + 12);
             widget = edit;
         } else {
             auto* box = new QComboBox(this);
@@ -126,12 +132,15 @@ std::string QcbsWizardFormPage::nameInBlock(const CifDataBlock& block, const Qcb
 
 QString QcbsWizardFormPage::fieldText(std::size_t index) const {
     if (auto* edit = qobject_cast<QLineEdit*>(widgets_[qsizetype(index)])) return edit->text();
+    if (auto* text = qobject_cast<QPlainTextEdit*>(widgets_[qsizetype(index)])) return text->toPlainText();
     return static_cast<QComboBox*>(widgets_[qsizetype(index)])->currentText();
 }
 
 void QcbsWizardFormPage::setFieldText(std::size_t index, const QString& text) {
     if (auto* edit = qobject_cast<QLineEdit*>(widgets_[qsizetype(index)]))
         edit->setText(text);
+    else if (auto* lines = qobject_cast<QPlainTextEdit*>(widgets_[qsizetype(index)]))
+        lines->setPlainText(text);
     else
         selectEntry(static_cast<QComboBox*>(widgets_[qsizetype(index)]), text);
 }

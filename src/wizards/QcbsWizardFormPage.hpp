@@ -31,7 +31,7 @@ public:
                        std::vector<QcbsWizardField> fields, bool stripValues);
 
     const std::vector<QcbsWizardField>& fields() const { return fields_; }
-    // The widget of a data name's field (a QLineEdit or a QComboBox), or null.
+    // The widget of a data name's field (a QLineEdit, QComboBox or QPlainTextEdit), or null.
     QWidget* field(const QString& dataName) const;
     QLineEdit* lineEdit(const QString& dataName) const;
     QComboBox* choice(const QString& dataName) const;

@@ -148,17 +148,6 @@ TEST_F(MainWindowActions, EveryActionHasItsTextTipNameAcceleratorIconAndMenu) {
     EXPECT_TRUE(owner.contains("Ctrl++") && owner.contains("Ctrl+-")) << "zoom has accelerators";
 }
 
-// Actions whose work is still to come tell the user so; none does nothing.
-// Take an action off this list when its work lands.
-TEST_F(MainWindowActions, ActionsStillToComeSaySoInTheStatusBar) {
-    for (A::Id id : {A::PublicationWizard}) {
-        windowAction(window_, id)->setEnabled(true);  // some start disabled
-        window_.statusBar()->clearMessage();
-        trigger(id);
-        EXPECT_TRUE(statusMessage(window_).endsWith(" is not available yet.")) << id;
-    }
-}
-
 TEST_F(MainWindowActions, EditingAndViewActionsWorkOnTheEditor) {
     typeLines(editor(), {"data_a"});
     QTest::keyClicks(editor(), "_cell_volume 10");

@@ -23,20 +23,24 @@ inline THandle<Cif> readCif(const std::string& text) {
     return cif;
 }
 
-// A crystal wizard on one block of a document, shown. The wizard deletes
-// itself when it closes; one still open is deleted with the holder.
-class ShownWizard {
+// A wizard on one block of a document, shown; `extra` goes to the
+// wizard's constructor after the write settings. The wizard deletes itself
+// when it closes; one still open is deleted with the holder.
+template <class Wizard>
+class ShownWizardOf {
 public:
-    ShownWizard(const std::string& text, int block = 0)
+    template <class... Extra>
+    ShownWizardOf(const std::string& text, int block = 0, Extra&&... extra)
         : document_(readCif(text)),
-          wizard_(new QcbsDataWizard(document_, block, THandle<CifDictionary>(), CifWriteSettings())),
+          wizard_(new Wizard(document_, block, THandle<CifDictionary>(), CifWriteSettings(),
+                             std::forward<Extra>(extra)...)),
           updates_(new QSignalSpy(wizard_.data(), &QcbsWizard::blockUpdated)) {
         wizard_->show();
     }
-    ~ShownWizard() { delete wizard_.data(); }
+    ~ShownWizardOf() { delete wizard_.data(); }
 
-    QcbsDataWizard* operator->() const { return wizard_.data(); }
-    QcbsDataWizard* get() const { return wizard_.data(); }
+    Wizard* operator->() const { return wizard_.data(); }
+    Wizard* get() const { return wizard_.data(); }
     bool closed() const { return wizard_.isNull(); }
     const THandle<Cif>& document() const { return document_; }
     // The texts blockUpdated() carried.
@@ -77,8 +81,10 @@ public:
 
 private:
     THandle<Cif> document_;
-    QPointer<QcbsDataWizard> wizard_;
+    QPointer<Wizard> wizard_;
     std::unique_ptr<QSignalSpy> updates_;
 };
+
+using ShownWizard = ShownWizardOf<QcbsDataWizard>;
 
 }  // namespace wizard_test
