@@ -27,6 +27,16 @@ CifDataBlock::CifDataBlock(THandle<CifDictionary> dictionary, const std::string&
 
 void CifDataBlock::set_name(const std::string& name) { name_ = cif_block_code(name); }
 
+CifDataBlock::Contents& CifDataBlock::contents() {
+    if (contents_ == nullptr) contents_ = std::make_unique<Contents>();
+    return *contents_;
+}
+
+const CifDataBlock::Contents& CifDataBlock::contents() const {
+    static const Contents nothing;
+    return contents_ == nullptr ? nothing : *contents_;
+}
+
 THandle<CifDataItem> CifDataBlock::find(std::string_view tag) const { return lookup(tag); }
 
 THandle<CifDataItem> CifDataBlock::obtain(const std::string& tag) {
@@ -62,9 +72,9 @@ void CifDataBlock::set_value(const std::string& tag, const std::string& value) {
 void CifDataBlock::remove(const std::string& tag) {
     THandle<CifDataItem> item = lookup(tag);
     if (item.is_null()) return;
-    if (indexed_) index_.erase(std::string_view(item->name()));
+    if (contents().indexed) contents().index.erase(std::string_view(item->name()));
     if (item->is_looped()) take_out_of_loop(item);
-    order_.erase(std::find(order_.begin(), order_.end(), item));
+    contents().order.erase(std::find(contents().order.begin(), contents().order.end(), item));
 }
 
 void CifDataBlock::remove(const std::vector<std::string>& tags) {
@@ -74,7 +84,7 @@ void CifDataBlock::remove(const std::vector<std::string>& tags) {
 bool CifDataBlock::has_item_with_category(const std::string& category) const {
     std::string prefix = cif_lowercase(category);
     if (prefix.empty() || prefix[0] != '_') prefix.insert(prefix.begin(), '_');
-    for (const THandle<CifDataItem>& item : order_) {
+    for (const THandle<CifDataItem>& item : contents().order) {
         const std::string& name = item->name();
         if (!cif_istarts_with(name, prefix)) continue;
         if (name.size() == prefix.size() || name[prefix.size()] == '_' || name[prefix.size()] == '.')
@@ -89,7 +99,7 @@ void CifDataBlock::loop_columns(const std::string& tag, std::vector<std::string>
     if (item.is_null()) return;
     int loop = loop_of(item.get());
     if (loop < 0) return;
-    for (const THandle<CifDataItem>& column : loops_[loop]) out.push_back(column->name());
+    for (const THandle<CifDataItem>& column : contents().loops[loop]) out.push_back(column->name());
 }
 
 void CifDataBlock::create_loop(const std::vector<std::string>& tags) {
@@ -109,7 +119,7 @@ void CifDataBlock::create_loop(const std::vector<std::string>& tags) {
         while (item->size() < rows) item->add_value("?");
         item->set_looped(true);
     }
-    loops_.push_back(columns);
+    contents().loops.push_back(columns);
     set_write_order(names, order_in_place);
 }
 
@@ -168,10 +178,10 @@ void CifDataBlock::fill_unknown_loop(const std::vector<THandle<CifDataItem>>& so
         if (its_loop < 0 || (loop >= 0 && its_loop != loop)) return;
         loop = its_loop;
     }
-    std::size_t rows = loops_[loop].front()->size();
+    std::size_t rows = contents().loops[loop].front()->size();
     if (sources.front()->size() != rows) return;
     std::vector<std::string> names;
-    for (const THandle<CifDataItem>& column : loops_[loop]) names.push_back(column->name());
+    for (const THandle<CifDataItem>& column : contents().loops[loop]) names.push_back(column->name());
     for (const THandle<CifDataItem>& source : sources) {
         THandle<CifDataItem> mine = find(source->name());
         if (mine.is_null()) {
@@ -200,7 +210,7 @@ void CifDataBlock::append_loop_rows(const std::vector<THandle<CifDataItem>>& sou
     // items themselves), widened by the source's new names.
     int loop = loop_of(anchor.get());
     if (loop >= 0) {
-        for (const THandle<CifDataItem>& column : loops_[loop]) names.push_back(column->name());
+        for (const THandle<CifDataItem>& column : contents().loops[loop]) names.push_back(column->name());
     }
     for (const THandle<CifDataItem>& source : sources) {
         if (std::find_if(names.begin(), names.end(), [&](const std::string& n) {
@@ -236,40 +246,41 @@ void CifDataBlock::copy(const CifDataBlock& other) {
     line_ = other.line_;
     last_line_ = other.last_line_;
     end_line_ = other.end_line_;
-    order_.clear();
-    index_.clear();
-    indexed_ = false;
-    loops_.clear();
-    frames_.clear();
+    contents().order.clear();
+    contents().index.clear();
+    contents().indexed = false;
+    contents().loops.clear();
+    contents().frames.clear();
     std::unordered_map<const CifDataItem*, THandle<CifDataItem>> copies;
-    for (const THandle<CifDataItem>& item : other.order_) {
+    for (const THandle<CifDataItem>& item : other.contents().order) {
         THandle<CifDataItem> copy = adopt(*item);
         copy->set_looped(item->is_looped());
         copies[item.get()] = copy;
-        order_.push_back(copy);
+        contents().order.push_back(copy);
     }
-    if (order_.size() > small_block) build_index();
-    for (const ItemList& loop : other.loops_) {
+    if (contents().order.size() > small_block) build_index();
+    for (const ItemList& loop : other.contents().loops) {
         ItemList columns;
         for (const THandle<CifDataItem>& item : loop) columns.push_back(copies[item.get()]);
-        loops_.push_back(columns);
+        contents().loops.push_back(columns);
     }
-    for (const THandle<CifDataBlock>& frame : other.frames_) {
+    for (const THandle<CifDataBlock>& frame : other.contents().frames) {
         THandle<CifDataBlock> copy(new CifDataBlock(dictionary_, frame->name(), frame->line(), store_));
         copy->copy(*frame);
-        frames_.push_back(copy);
+        contents().frames.push_back(copy);
     }
 }
 
 void CifDataBlock::merge(const CifDataBlock& other, OverwriteMode mode) {
     if (this == &other) return;
     std::unordered_set<int> loops_done;
-    for (const THandle<CifDataItem>& item : other.order_) {
+    for (const THandle<CifDataItem>& item : other.contents().order) {
         int loop = other.loop_of(item.get());
         if (loop >= 0) {
             if (!loops_done.insert(loop).second) continue;
             std::vector<std::string> names;
-            for (const THandle<CifDataItem>& column : other.loops_[loop]) names.push_back(column->name());
+            for (const THandle<CifDataItem>& column : other.contents().loops[loop])
+                names.push_back(column->name());
             copy_loop(names, other, mode);
             continue;
         }
@@ -281,10 +292,10 @@ void CifDataBlock::merge(const CifDataBlock& other, OverwriteMode mode) {
         if (mode == overwrite_existing) {
             THandle<CifDataItem> copy = adopt(*item);
             if (mine->is_looped()) take_out_of_loop(mine);
-            *std::find(order_.begin(), order_.end(), mine) = copy;
-            if (indexed_) {
-                index_.erase(std::string_view(mine->name()));
-                index_.emplace(copy->name(), copy);
+            *std::find(contents().order.begin(), contents().order.end(), mine) = copy;
+            if (contents().indexed) {
+                contents().index.erase(std::string_view(mine->name()));
+                contents().index.emplace(copy->name(), copy);
             }
         } else if (mode == fill_unknown && !mine->is_looped() &&
                    (!mine->has_value() || is_unknown(mine->value_view(0), mine->is_quoted(0)))) {
@@ -292,14 +303,14 @@ void CifDataBlock::merge(const CifDataBlock& other, OverwriteMode mode) {
             if (item->has_value()) mine->copy_value_from(0, *item, 0);
         }
     }
-    for (const THandle<CifDataBlock>& frame : other.frames_) {
+    for (const THandle<CifDataBlock>& frame : other.contents().frames) {
         bool present = false;
-        for (const THandle<CifDataBlock>& mine : frames_)
+        for (const THandle<CifDataBlock>& mine : contents().frames)
             present = present || cif_iequals(mine->name(), frame->name());
         if (present) continue;
         THandle<CifDataBlock> copy(new CifDataBlock(dictionary_, frame->name(), frame->line(), store_));
         copy->copy(*frame);
-        frames_.push_back(copy);
+        contents().frames.push_back(copy);
     }
 }
 
@@ -316,7 +327,7 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
     };
 
     // Within each loop the named columns take the slots they held, in the given order.
-    for (ItemList& loop : loops_) {
+    for (ItemList& loop : contents().loops) {
         std::vector<std::size_t> slots;
         for (std::size_t i = 0; i < loop.size(); ++i) {
             if (is_moved(loop[i])) slots.push_back(i);
@@ -331,7 +342,7 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
     std::size_t position = 0;
     std::size_t kept_before = 0;
     bool found_first = false;
-    for (const THandle<CifDataItem>& item : order_) {
+    for (const THandle<CifDataItem>& item : contents().order) {
         if (is_moved(item)) {
             if (mode == order_in_place && !found_first) position = kept_before;
             if (mode == order_at_last) position = kept_before;
@@ -341,43 +352,45 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
         }
     }
     ItemList rest;
-    for (const THandle<CifDataItem>& item : order_) {
+    for (const THandle<CifDataItem>& item : contents().order) {
         if (!is_moved(item)) rest.push_back(item);
     }
     if (mode == order_at_front) position = 0;
     if (mode == order_at_end) position = rest.size();
     position = std::min(position, rest.size());
     rest.insert(rest.begin() + static_cast<std::ptrdiff_t>(position), moved.begin(), moved.end());
-    order_.swap(rest);
+    contents().order.swap(rest);
 }
 
 bool CifDataBlock::add_item(THandle<CifDataItem> item) {
     if (!lookup(item->name()).is_null()) return false;
-    order_.push_back(item);
-    if (indexed_) {
-        index_.emplace(item->name(), item);
-    } else if (order_.size() > small_block) {
+    contents().order.push_back(item);
+    if (contents().indexed) {
+        contents().index.emplace(item->name(), item);
+    } else if (contents().order.size() > small_block) {
         build_index();
     }
     return true;
 }
 
 THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
-    if (indexed_) {
-        const THandle<CifDataItem>* found = index_.find(tag);
+    if (contents_ == nullptr) return THandle<CifDataItem>();
+    const Contents& c = *contents_;
+    if (c.indexed) {
+        const THandle<CifDataItem>* found = c.index.find(tag);
         return found == nullptr ? THandle<CifDataItem>() : *found;
     }
-    for (const THandle<CifDataItem>& item : order_) {
+    for (const THandle<CifDataItem>& item : c.order) {
         if (cif_iequals(item->name(), tag)) return item;
     }
     return THandle<CifDataItem>();
 }
 
 void CifDataBlock::build_index() {
-    index_.clear();
-    index_.reserve(order_.size());
-    for (const THandle<CifDataItem>& item : order_) index_.emplace(item->name(), item);
-    indexed_ = true;
+    contents().index.clear();
+    contents().index.reserve(contents().order.size());
+    for (const THandle<CifDataItem>& item : contents().order) contents().index.emplace(item->name(), item);
+    contents().indexed = true;
 }
 
 bool CifDataBlock::add_loop(const ItemList& columns) {
@@ -387,7 +400,7 @@ bool CifDataBlock::add_loop(const ItemList& columns) {
         item->set_looped(true);
         added.push_back(item);
     }
-    if (!added.empty()) loops_.push_back(added);
+    if (!added.empty()) contents().loops.push_back(added);
     return added.size() == columns.size();
 }
 
@@ -407,8 +420,8 @@ THandle<CifDataItem> CifDataBlock::adopt(const CifDataItem& item) const {
 
 int CifDataBlock::loop_of(const CifDataItem* item) const {
     if (item == nullptr || !item->is_looped()) return -1;
-    for (std::size_t i = 0; i < loops_.size(); ++i) {
-        for (const THandle<CifDataItem>& column : loops_[i]) {
+    for (std::size_t i = 0; i < contents().loops.size(); ++i) {
+        for (const THandle<CifDataItem>& column : contents().loops[i]) {
             if (column.get() == item) return static_cast<int>(i);
         }
     }
@@ -419,9 +432,9 @@ void CifDataBlock::take_out_of_loop(const THandle<CifDataItem>& item) {
     int loop = loop_of(item.get());
     item->set_looped(false);
     if (loop < 0) return;
-    ItemList& columns = loops_[loop];
+    ItemList& columns = contents().loops[loop];
     columns.erase(std::find(columns.begin(), columns.end(), item));
-    if (columns.empty()) loops_.erase(loops_.begin() + loop);
+    if (columns.empty()) contents().loops.erase(contents().loops.begin() + loop);
 }
 
 void CifDataBlock::insert_item(const THandle<CifDataItem>& item) { add_item(item); }

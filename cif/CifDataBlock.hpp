@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -95,10 +96,10 @@ public:
     void merge(const CifDataBlock& other, OverwriteMode mode);
 
     void set_write_order(const std::vector<std::string>& tags, OrderingMode mode);
-    ItemList::const_iterator begin_write_order() const { return order_.begin(); }
-    ItemList::const_iterator end_write_order() const { return order_.end(); }
-    std::size_t item_count() const { return order_.size(); }
-    const std::vector<ItemList>& loops() const { return loops_; }
+    ItemList::const_iterator begin_write_order() const { return contents().order.begin(); }
+    ItemList::const_iterator end_write_order() const { return contents().order.end(); }
+    std::size_t item_count() const { return contents().order.size(); }
+    const std::vector<ItemList>& loops() const { return contents().loops; }
 
     // Adds an unlooped item at the end; false (and nothing added) when the
     // name is present.
@@ -107,8 +108,8 @@ public:
     // are left out (false is returned then).
     bool add_loop(const ItemList& columns);
 
-    const std::vector<THandle<CifDataBlock>>& save_frames() const { return frames_; }
-    void add_save_frame(THandle<CifDataBlock> frame) { frames_.push_back(frame); }
+    const std::vector<THandle<CifDataBlock>>& save_frames() const { return contents().frames; }
+    void add_save_frame(THandle<CifDataBlock> frame) { contents().frames.push_back(frame); }
 
     // Writes the block as CIF text, starting with its "data_" line.
     void print(std::ostream& stream, const CifWriteSettings& settings) const;
@@ -133,14 +134,21 @@ private:
     int line_;
     int last_line_;
     int end_line_;
-    ItemList order_;
-    // Keyed by views of the items' own names, compared without regard to
-    // case; built once a block holds more than a few items.
+    // What a block holds, apart, so that an empty block costs little.
+    struct Contents {
+        ItemList order;
+        // Keyed by views of the items' own names, compared without regard
+        // to case; built once a block holds more than a few items.
+        CifNameIndex index;
+        bool indexed = false;
+        std::vector<ItemList> loops;
+        std::vector<THandle<CifDataBlock>> frames;
+    };
     static constexpr std::size_t small_block = 8;
-    CifNameIndex index_;
-    bool indexed_ = false;
-    std::vector<ItemList> loops_;
-    std::vector<THandle<CifDataBlock>> frames_;
+    Contents& contents();  // made on first use
+    const Contents& contents() const;
+
+    std::unique_ptr<Contents> contents_;  // null while the block holds nothing
 };
 
 // Prints the block with the default write settings.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "cif/CifColumnCheck.hpp"
 #include "cif/CifValueCheck.hpp"
@@ -19,7 +20,9 @@ CifDataItem::CifDataItem(std::string name, THandle<CifTextStore> store, THandle<
     : store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
       name_(&store_->intern(name)),
       dictionary_(dictionary),
-      line_(line) {}
+      line_(line) {
+    values_.set_text(store_->text().c_str());
+}
 
 std::string CifDataItem::value(unsigned int n) const { return std::string(value_view(n)); }
 
@@ -33,7 +36,7 @@ void CifDataItem::set_value(unsigned int n, const std::string& value) {
     if (n == values_.size()) {
         values_.push_back(store_->add(value));
     } else {
-        values_[n] = store_->add(value);
+        values_.set(n, store_->add(value));
     }
 }
 
@@ -59,7 +62,7 @@ void CifDataItem::copy_value_from(std::size_t n, const CifDataItem& other, std::
     if (n == values_.size()) {
         values_.push_back(ref);
     } else {
-        values_[n] = ref;
+        values_.set(n, ref);
     }
 }
 
@@ -82,14 +85,16 @@ int CifDataItem::validate_values() const {
     const CifColumnCheck quick(*definition);
     if (quick.accepts_everything()) return 0;
     const std::string& text = store_->text();
-    for (std::size_t k = 0; k < values_.run_count(); ++k) {
-        const CifValueRef* run = values_.run(k);
-        const std::size_t begin = k * CifValueColumn::chunk_size;
-        const std::size_t count = std::min(values_.size() - begin, CifValueColumn::chunk_size);
+    // A batch of references at a time, as the quick look takes them.
+    constexpr std::size_t batch = 4096;
+    std::vector<CifValueRef> refs(std::min(values_.size(), batch));
+    for (std::size_t begin = 0; begin < values_.size(); begin += batch) {
+        const std::size_t count = std::min(values_.size() - begin, batch);
+        values_.copy_refs(begin, count, refs.data());
         for (std::size_t i = 0; i < count; ++i) {
-            i += quick.first_doubtful(run + i, count - i, text.data(), text.size());
+            i += quick.first_doubtful(refs.data() + i, count - i, text.data(), text.size());
             if (i == count) break;
-            const CifValueRef ref = run[i];
+            const CifValueRef ref = refs[i];
             if (const CifValueCheck::Result result =
                     CifValueCheck::check(*definition, store_->view(ref), ref.quoted()))
                 return result.code;

@@ -3,6 +3,7 @@
 #include "cif/CifKeyOrder.hpp"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -15,17 +16,18 @@ CifKeyOrder::CifKeyOrder(std::vector<const CifDataItem*> columns)
 
 void CifKeyOrder::add_rows(std::size_t first, std::size_t last, const char* text) {
     const std::size_t width = columns_.size();
-    std::vector<const CifValueRef*> runs(width);
+    // A batch of rows at a time, each column's references side by side.
+    constexpr std::size_t batch = 1024;
+    const std::size_t stride = std::min(last - first, batch);
+    std::vector<CifValueRef> refs(width * stride);
     while (first < last && exact_) {
-        // A run of entries at a time, as the columns keep them.
-        const std::size_t k = first / CifValueColumn::chunk_size;
-        const std::size_t begin = k * CifValueColumn::chunk_size;
-        const std::size_t stop = std::min(last, begin + CifValueColumn::chunk_size);
-        for (std::size_t c = 0; c < width; ++c) runs[c] = columns_[c]->values().run(k);
+        const std::size_t stop = std::min(last, first + batch);
+        for (std::size_t c = 0; c < width; ++c)
+            columns_[c]->values().copy_refs(first, stop - first, refs.data() + c * stride);
         for (std::size_t row = first; row < stop; ++row) {
             std::uint64_t packed[2] = {0, 0};
             for (std::size_t c = 0; c < width; ++c) {
-                const CifValueRef ref = runs[c][row - begin];
+                const CifValueRef ref = refs[c * stride + (row - first)];
                 // A row without a key identifies nothing; "." may be a value
                 // (the site-symmetry code of the identity): either way no proof.
                 std::int64_t number = 0;

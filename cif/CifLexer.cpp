@@ -40,6 +40,16 @@ struct PlainStarts {
 };
 constexpr PlainStarts plain_starts;
 
+// Bytes after a plain word that send it to next(): a NUL, or a bracket
+// (a CIF 2.0 list or table begins or ends there).
+struct OddEnds {
+    bool odd[256] = {};
+    constexpr OddEnds() {
+        for (unsigned char c : {'\0', '[', ']', '{', '}'}) odd[c] = true;
+    }
+};
+constexpr OddEnds odd_ends;
+
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
 #if defined(__SSE2__)
@@ -174,6 +184,7 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
                                                                             : CifValueRef::length_mask;
     const char* p = p_;
     int line = line_;
+    int last_line = last_end_line_;
     std::size_t count = 0;
 #if defined(__SSE2__)
     // While 64 bytes or more are left, white space and word ends are found
@@ -208,16 +219,14 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
         std::size_t length = static_cast<std::size_t>(std::countr_zero(stops));
         const char* after = p + length;
         // NULs, brackets after a word and oversized words take the slow path.
-        if (*after == '\0' || *after == '[' || *after == ']' || *after == '{' || *after == '}' ||
-            length > limit)
-            break;
+        if (odd_ends.odd[static_cast<unsigned char>(*after)] || length > limit) break;
         CifValueRef ref;
         ref.offset = static_cast<std::uint32_t>(p - begin_);
         ref.bits = static_cast<std::uint32_t>(length);
-        columns[column]->push_back(ref);
+        columns[column]->push_plain(ref);
         if (++column == width) column = 0;
         ++count;
-        last_end_line_ = line;
+        last_line = line;
         p = after;
     }
 #endif
@@ -240,13 +249,14 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
         CifValueRef ref;
         ref.offset = static_cast<std::uint32_t>(start - begin_);
         ref.bits = static_cast<std::uint32_t>(length);
-        columns[column]->push_back(ref);
+        columns[column]->push_plain(ref);
         if (++column == width) column = 0;
         ++count;
-        last_end_line_ = line;
+        last_line = line;
     }
     p_ = p;
     line_ = line;
+    last_end_line_ = last_line;
     return count;
 }
 

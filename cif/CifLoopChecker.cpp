@@ -3,6 +3,7 @@
 #include "cif/CifLoopChecker.hpp"
 
 #include <algorithm>
+#include <vector>
 
 CifLoopChecker::CifLoopChecker(CifValueReporter& reporter, const char* text, std::size_t text_size)
     : reporter_(reporter), text_(text), text_size_(text_size) {}
@@ -23,18 +24,18 @@ void CifLoopChecker::check_rows(std::size_t first, std::size_t last) {
     if (stopped_ || columns_.empty()) return;
     // Column by column over rows the reader has just read (still in the
     // cache), so that each column's quick look runs as one tight loop.
+    constexpr std::size_t batch = 4096;
+    std::vector<CifValueRef> refs(std::min(last - first, batch));
     while (first < last) {
-        const std::size_t k = first / CifValueColumn::chunk_size;
-        const std::size_t begin = k * CifValueColumn::chunk_size;
-        const std::size_t stop = std::min(last, begin + CifValueColumn::chunk_size);
+        const std::size_t stop = std::min(last, first + batch);
         for (const Column& column : columns_) {
-            const CifValueRef* run = column.item->values().run(k);
-            std::size_t i = first - begin;
-            const std::size_t end = stop - begin;
+            column.item->values().copy_refs(first, stop - first, refs.data());
+            std::size_t i = 0;
+            const std::size_t end = stop - first;
             while (i < end) {
-                i += column.quick.first_doubtful(run + i, end - i, text_, text_size_);
+                i += column.quick.first_doubtful(refs.data() + i, end - i, text_, text_size_);
                 if (i == end) break;
-                if (!reporter_.check(*column.item, column.definition, begin + i)) {
+                if (!reporter_.check(*column.item, column.definition, first + i)) {
                     stopped_ = true;
                     return;
                 }

@@ -180,9 +180,9 @@ CifToken CifReader::on_data(const CifToken& token) {
     finish_block(false);
     if (name.empty()) errors_.add(CifError::block_without_name, token.line);
     check_name(name, token.line, true);
-    auto [found, inserted] = block_lines_.emplace(cif_lowercase(name), token.line);
-    if (!inserted && !name.empty()) {
-        errors_.add(CifError::duplicate_block_name, token.line, name, std::to_string(found->second));
+    const int first = first_block_line(name, cif_.blocks_.size());
+    if (first >= 0 && !name.empty()) {
+        errors_.add(CifError::duplicate_block_name, token.line, name, std::to_string(first));
     }
     block_ = block;
     cif_.blocks_.push_back(block_);
@@ -285,6 +285,31 @@ CifValueRef CifReader::reference(const CifToken& token) const {
     ref.offset = static_cast<std::uint32_t>(token.begin - base_);
     ref.bits = static_cast<std::uint32_t>(token.length) | token.flags;
     return ref;
+}
+
+int CifReader::first_block_line(std::string_view name, std::size_t index) {
+    // A slot holds the upper half of the name's hash (which places it) and
+    // 1 + the block's place: the blocks are looked at only on a match.
+    if ((block_names_ + 1) * 4 > block_slots_.size() * 3) {
+        std::vector<std::uint64_t> old(block_slots_.empty() ? 16 : block_slots_.size() * 2, 0);
+        old.swap(block_slots_);
+        for (std::uint64_t kept : old) {
+            if (kept == 0) continue;
+            std::size_t i = static_cast<std::size_t>(kept >> 32) & (block_slots_.size() - 1);
+            while (block_slots_[i] != 0) i = (i + 1) & (block_slots_.size() - 1);
+            block_slots_[i] = kept;
+        }
+    }
+    const std::uint64_t tag = cif_name_hash(name) >> 32;
+    std::size_t i = static_cast<std::size_t>(tag) & (block_slots_.size() - 1);
+    for (; block_slots_[i] != 0; i = (i + 1) & (block_slots_.size() - 1)) {
+        if (block_slots_[i] >> 32 != tag) continue;
+        const CifDataBlock& block = *cif_.blocks_[(block_slots_[i] & 0xffffffffu) - 1];
+        if (cif_iequals(block.name(), name)) return block.line();
+    }
+    block_slots_[i] = (tag << 32) | static_cast<std::uint64_t>(index + 1);
+    ++block_names_;
+    return -1;
 }
 
 CifValueRef CifReader::unknown_value() {

@@ -2,8 +2,10 @@
 // Builds a document's blocks from its text in one pass, recovering from every problem.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -71,6 +73,9 @@ private:
                             std::size_t first_error);
     CifValueRef reference(const CifToken& token) const;
     CifValueRef unknown_value();
+    // The heading line of the first block read named so, or -1 when there is
+    // none; then the block at place `index` of the document's list is it.
+    int first_block_line(std::string_view name, std::size_t index);
 
     Cif& cif_;
     const CifParserSettings& settings_;
@@ -88,8 +93,12 @@ private:
     bool outside_reported_ = false;
     bool unknown_added_ = false;
     CifValueRef unknown_;
-    std::unordered_map<std::string, int> block_lines_;  // lower-case block name -> heading line
-    std::unique_ptr<CifLineIndex> lines_;               // built when the first block is checked
+    // The blocks read so far by name, case ignored, by their place in the
+    // document's list, in a flat table at most three quarters full (files
+    // of millions of blocks exist).
+    std::vector<std::uint64_t> block_slots_;
+    std::size_t block_names_ = 0;
+    std::unique_ptr<CifLineIndex> lines_;  // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;
     std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read
     // First columns of loops -> what reading learnt about them.

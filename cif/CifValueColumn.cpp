@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The values of one data item, long columns kept in chunks of fixed size.
+// The values of one data item, plain values of long columns kept in two bytes each.
 #include "cif/CifValueColumn.hpp"
 
 #include <algorithm>
@@ -13,32 +13,54 @@ namespace {
 
 // A full chunk is 2 MiB, aligned to that, so that the system may back it
 // with one huge page: the columns of a loop of millions of rows then cost
-// a few page faults instead of hundreds of thousands.
+// a few page faults instead of thousands.
 constexpr std::size_t huge_page = std::size_t(1) << 21;
+
+struct WordStops {
+    bool stop[256] = {};
+    constexpr WordStops() {
+        for (unsigned char c : {' ', '\t', '\n', '\0'}) stop[c] = true;
+    }
+};
+constexpr WordStops word_stops;
 
 }  // namespace
 
+std::uint32_t CifValueColumn::word_length(const char* p) {
+    const char* q = p;
+    while (!word_stops.stop[static_cast<unsigned char>(*q)]) ++q;
+    return static_cast<std::uint32_t>(q - p);
+}
+
 CifValueColumn::Chunk CifValueColumn::make_chunk(std::size_t capacity) {
-    const std::size_t bytes = capacity * sizeof(CifValueRef);
-    const std::size_t alignment = bytes % huge_page == 0 ? huge_page : 64;
-    void* memory = ::operator new(bytes, std::align_val_t(alignment));
+    const std::size_t bytes = capacity * sizeof(std::uint16_t);
+    if (bytes % huge_page != 0)
+        return Chunk(static_cast<std::uint16_t*>(::operator new(bytes)), ChunkDelete{0});
+    void* memory = ::operator new(bytes, std::align_val_t(huge_page));
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
-    if (alignment == huge_page) ::madvise(memory, bytes, MADV_HUGEPAGE);
+    ::madvise(memory, bytes, MADV_HUGEPAGE);
 #endif
-    return Chunk(new (memory) CifValueRef[capacity], ChunkDelete{alignment});
+    return Chunk(static_cast<std::uint16_t*>(memory), ChunkDelete{huge_page});
 }
 
-void CifValueColumn::ChunkDelete::operator()(CifValueRef* chunk) const {
-    ::operator delete(chunk, std::align_val_t(alignment));
+void CifValueColumn::ChunkDelete::operator()(std::uint16_t* chunk) const {
+    if (alignment == 0) {
+        ::operator delete(chunk);
+    } else {
+        ::operator delete(chunk, std::align_val_t(alignment));
+    }
 }
 
-CifValueColumn::CifValueColumn(const CifValueColumn& other) {
+CifValueColumn::~CifValueColumn() = default;
+
+CifValueColumn::CifValueColumn(const CifValueColumn& other) : text_(other.text_) {
     for (std::size_t n = 0; n < other.size_; ++n) push_back(other[n]);
 }
 
 CifValueColumn& CifValueColumn::operator=(const CifValueColumn& other) {
     if (this != &other) {
         clear();
+        if (other.text_ != nullptr) text_ = other.text_;
         for (std::size_t n = 0; n < other.size_; ++n) push_back(other[n]);
     }
     return *this;
@@ -48,45 +70,129 @@ CifValueColumn::CifValueColumn(CifValueColumn&& other) noexcept { *this = std::m
 
 CifValueColumn& CifValueColumn::operator=(CifValueColumn&& other) noexcept {
     if (this != &other) {
-        chunks_ = std::move(other.chunks_);
+        store_ = std::move(other.store_);
+        if (other.text_ != nullptr) text_ = other.text_;
         single_ = other.single_;
-        next_ = other.next_;
-        limit_ = other.limit_;
         size_ = other.size_;
-        other.next_ = other.limit_ = nullptr;
         other.size_ = 0;
     }
     return *this;
 }
 
-void CifValueColumn::grow_and_push(CifValueRef ref) {
-    if (chunks_ == nullptr) {
+bool CifValueColumn::fits(CifValueRef ref, bool plain) const {
+    if (text_ == nullptr || ref.flags() != 0) return false;
+    return plain || word_length(text_ + ref.offset) == ref.length();
+}
+
+void CifValueColumn::push(CifValueRef ref, bool plain) {
+    if (store_ == nullptr) {
         if (size_ == 0) {
             single_ = ref;
             size_ = 1;
             return;
         }
-        chunks_ = std::make_unique<Chunks>();
-        chunks_->first_capacity = 8;
-        chunks_->list.push_back(make_chunk(chunks_->first_capacity));
-        chunks_->list[0][0] = single_;
-        next_ = chunks_->list[0].get() + 1;
-        limit_ = chunks_->list[0].get() + chunks_->first_capacity;
-    } else if (chunks_->list.size() == 1 && chunks_->first_capacity < chunk_size) {
-        std::size_t capacity = std::min(chunks_->first_capacity * 2, chunk_size);
-        Chunk grown = make_chunk(capacity);
-        std::copy(chunks_->list[0].get(), chunks_->list[0].get() + size_, grown.get());
-        chunks_->list[0] = std::move(grown);
-        chunks_->first_capacity = capacity;
-        next_ = chunks_->list[0].get() + size_;
-        limit_ = chunks_->list[0].get() + capacity;
-    } else {
-        chunks_->list.push_back(make_chunk(chunk_size));
-        next_ = chunks_->list.back().get();
-        limit_ = next_ + chunk_size;
+        store_ = std::make_unique<Store>();
+        store_->first_capacity = 8;
+        store_->chunks.push_back(make_chunk(store_->first_capacity));
+        const CifValueRef first = single_;
+        size_ = 0;
+        push(first, false);
     }
-    *next_++ = ref;
+    Store& store = *store_;
+    const std::size_t n = size_;
+    // Room for the distance of value n.
+    if (n >> chunk_bits == store.chunks.size()) {
+        store.chunks.push_back(make_chunk(chunk_size));
+    } else if (store.chunks.size() == 1 && n == store.first_capacity) {
+        const std::size_t capacity = std::min(store.first_capacity * 2, chunk_size);
+        Chunk grown = make_chunk(capacity);
+        std::copy(store.chunks[0].get(), store.chunks[0].get() + n, grown.get());
+        store.chunks[0] = std::move(grown);
+        store.first_capacity = capacity;
+    }
+    const std::size_t g = n >> group_bits;
+    const std::size_t i = n & (group_size - 1);
+    const bool short_form = fits(ref, plain);
+    if (i == 0) store.groups.push_back(Group{short_form ? ref.offset : 0, compact});
+    Group& group = store.groups[g];
+    if (group.wide == compact && !(short_form && ref.offset - group.base <= 0xffff)) make_wide(g, i);
+    if (group.wide == compact) {
+        store.distance(n) = static_cast<std::uint16_t>(ref.offset - group.base);
+    } else {
+        store.wide[group.wide - 1].push_back(ref);
+    }
     ++size_;
+    resume();
+}
+
+void CifValueColumn::make_wide(std::size_t g, std::size_t count) {
+    Store& store = *store_;
+    std::vector<CifValueRef> refs(count);
+    const std::size_t first = g << group_bits;
+    for (std::size_t i = 0; i < count; ++i) refs[i] = store.at(first + i, text_);
+    store.wide.push_back(std::move(refs));
+    store.groups[g].wide = static_cast<std::uint32_t>(store.wide.size());
+}
+
+void CifValueColumn::resume() {
+    Store& store = *store_;
+    store.next = store.limit = nullptr;
+    const std::size_t n = size_;
+    if ((n & (group_size - 1)) == 0 || store.groups.empty()) return;  // a new group starts
+    const Group& group = store.groups.back();
+    if (group.wide != compact) return;
+    const std::size_t capacity =
+        store.chunks.size() == 1 ? store.first_capacity : store.chunks.size() << chunk_bits;
+    const std::size_t end = std::min((n | (group_size - 1)) + 1, capacity);
+    if (n >= end) return;
+    store.next = &store.distance(n);
+    store.limit = store.next + (end - n);
+    store.base = group.base;
+}
+
+void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef* out) const {
+    if (store_ == nullptr) {
+        if (count > 0) out[0] = single_;
+        return;
+    }
+    const Store& store = *store_;
+    const std::size_t last = first + count;
+    for (std::size_t n = first; n < last;) {
+        const Group& group = store.groups[n >> group_bits];
+        const std::size_t stop = std::min(last, ((n >> group_bits) + 1) << group_bits);
+        if (group.wide != compact) {
+            const CifValueRef* refs = store.wide[group.wide - 1].data();
+            for (; n < stop; ++n) *out++ = refs[n & (group_size - 1)];
+        } else {
+            for (; n < stop; ++n) {
+                CifValueRef ref;
+                ref.offset = group.base + store.distance(n);
+                ref.bits = word_length(text_ + ref.offset);
+                *out++ = ref;
+            }
+        }
+    }
+}
+
+void CifValueColumn::set(std::size_t n, CifValueRef ref) {
+    if (n >= size_) return;
+    if (store_ == nullptr) {
+        single_ = ref;
+        return;
+    }
+    Store& store = *store_;
+    const std::size_t g = n >> group_bits;
+    const std::size_t i = n & (group_size - 1);
+    Group& group = store.groups[g];
+    if (group.wide == compact && fits(ref, false) && ref.offset - group.base <= 0xffff) {
+        store.distance(n) = static_cast<std::uint16_t>(ref.offset - group.base);
+        return;
+    }
+    if (group.wide == compact) {
+        make_wide(g, std::min(group_size, size_ - (g << group_bits)));
+        resume();
+    }
+    store.wide[group.wide - 1][i] = ref;
 }
 
 void CifValueColumn::insert(std::size_t n, CifValueRef ref) {
@@ -94,31 +200,51 @@ void CifValueColumn::insert(std::size_t n, CifValueRef ref) {
         push_back(ref);
         return;
     }
-    push_back((*this)[size_ - 1]);
-    for (std::size_t i = size_ - 2; i > n; --i) (*this)[i] = (*this)[i - 1];
-    (*this)[n] = ref;
+    // Built anew: shifting would leave values far from their groups' bases.
+    CifValueColumn grown(text_);
+    for (std::size_t k = 0; k < n; ++k) grown.push_back((*this)[k]);
+    grown.push_back(ref);
+    for (std::size_t k = n; k < size_; ++k) grown.push_back((*this)[k]);
+    *this = std::move(grown);
 }
 
 void CifValueColumn::erase(std::size_t n) {
     if (n >= size_) return;
-    for (std::size_t i = n; i + 1 < size_; ++i) (*this)[i] = (*this)[i + 1];
-    pop_back();
+    if (n + 1 == size_) {
+        pop_back();
+        return;
+    }
+    CifValueColumn kept(text_);
+    for (std::size_t k = 0; k < size_; ++k)
+        if (k != n) kept.push_back((*this)[k]);
+    *this = std::move(kept);
 }
 
 void CifValueColumn::pop_back() {
     if (size_ == 0) return;
     --size_;
-    if (chunks_ == nullptr) return;
-    std::vector<Chunk>& list = chunks_->list;
-    --next_;
-    if (next_ == list.back().get() && list.size() > 1) {
-        list.pop_back();
-        next_ = limit_ = list.back().get() + (list.size() == 1 ? chunks_->first_capacity : chunk_size);
+    if (store_ == nullptr) return;
+    Store& store = *store_;
+    const Group group = store.groups.back();
+    if (group.wide != compact) store.wide[group.wide - 1].pop_back();
+    if ((size_ & (group_size - 1)) == 0) {
+        store.groups.pop_back();
+        if (group.wide != compact && group.wide == store.wide.size()) store.wide.pop_back();
     }
+    if (store.chunks.size() > 1 && size_ == (store.chunks.size() - 1) << chunk_bits) store.chunks.pop_back();
+    resume();
 }
 
 void CifValueColumn::clear() {
-    chunks_.reset();
-    next_ = limit_ = nullptr;
+    store_.reset();
     size_ = 0;
+}
+
+std::size_t CifValueColumn::heap_bytes() const {
+    if (store_ == nullptr) return 0;
+    const Store& store = *store_;
+    std::size_t bytes = sizeof(Store) + store.groups.capacity() * sizeof(Group);
+    for (const std::vector<CifValueRef>& refs : store.wide) bytes += refs.capacity() * sizeof(CifValueRef);
+    bytes += store.chunks.size() == 1 ? store.first_capacity * 2 : store.chunks.size() * chunk_size * 2;
+    return bytes;
 }

@@ -1,81 +1,126 @@
 // SPDX-License-Identifier: MIT
-// The values of one data item, long columns kept in chunks of fixed size.
+// The values of one data item, plain values of long columns kept in two bytes each.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "cif/CifValueRef.hpp"
 
 // The values of one data item. A single value is kept in the object
-// itself; longer columns in chunks of fixed size, so that a column of
-// millions of values never needs one huge block nor a copy of itself while
-// it grows (the first chunk grows by doubling up to the chunk size).
+// itself. A longer column keeps its values in groups of group_size: a group
+// of plain values read from the column's text (see set_text) keeps one base
+// offset and, for each value, two bytes of distance from it; a value's
+// length is where its word ends in the text. Any other value (quoted, added
+// later, a list, or too far from the group's first) makes its group keep
+// full references. A loop of millions of numbers so costs two bytes a value
+// beyond its text, and a column never needs one huge block nor a copy of
+// itself while it grows.
 class CifValueColumn {
 public:
-    static constexpr std::size_t chunk_bits = 18;
-    static constexpr std::size_t chunk_size = std::size_t(1) << chunk_bits;
+    static constexpr std::size_t group_bits = 8;
+    static constexpr std::size_t group_size = std::size_t(1) << group_bits;
 
     CifValueColumn() = default;
+    // A column whose plain values may be kept short: text is the NUL-ended
+    // text they were read from, which outlives the column.
+    explicit CifValueColumn(const char* text) : text_(text) {}
     CifValueColumn(const CifValueColumn& other);
     CifValueColumn& operator=(const CifValueColumn& other);
     CifValueColumn(CifValueColumn&& other) noexcept;
+    // A column without text of its own takes the other's values and keeps
+    // its text (the other's values are full references then).
     CifValueColumn& operator=(CifValueColumn&& other) noexcept;
+    ~CifValueColumn();
+
+    // The text plain values refer into; set before the first value.
+    void set_text(const char* text) { text_ = text; }
+    const char* text() const { return text_; }
 
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
 
-    const CifValueRef& operator[](std::size_t n) const {
-        return chunks_ == nullptr ? single_ : chunks_->list[n >> chunk_bits][n & (chunk_size - 1)];
-    }
-    CifValueRef& operator[](std::size_t n) {
-        return chunks_ == nullptr ? single_ : chunks_->list[n >> chunk_bits][n & (chunk_size - 1)];
-    }
+    CifValueRef operator[](std::size_t n) const { return store_ == nullptr ? single_ : store_->at(n, text_); }
+    // Copies the references of the values first to first + count - 1 to out.
+    void copy_refs(std::size_t first, std::size_t count, CifValueRef* out) const;
 
-    // The values as runs of consecutive entries, for loops over millions of
-    // them: run k holds the entries from k * chunk_size on (all of them when
-    // there is one run), the same for every column of the same length.
-    std::size_t run_count() const { return chunks_ == nullptr ? (size_ == 0 ? 0 : 1) : chunks_->list.size(); }
-    const CifValueRef* run(std::size_t k) const {
-        return chunks_ == nullptr ? &single_ : chunks_->list[k].get();
-    }
-
-    void push_back(CifValueRef ref) {
-        if (next_ != limit_) {
-            *next_++ = ref;
-            ++size_;
-        } else {
-            grow_and_push(ref);
+    void push_back(CifValueRef ref) { push(ref, false); }
+    // The fast path of the reader: a plain value of this column's text,
+    // read up to the white space that ends it.
+    void push_plain(CifValueRef ref) {
+        Store* store = store_.get();
+        if (store != nullptr && store->next != store->limit) {
+            const std::uint32_t distance = ref.offset - store->base;
+            if (distance <= 0xffff) {
+                *store->next++ = static_cast<std::uint16_t>(distance);
+                ++size_;
+                return;
+            }
         }
+        push(ref, true);
     }
 
+    void set(std::size_t n, CifValueRef ref);
     void insert(std::size_t n, CifValueRef ref);
     void erase(std::size_t n);
     void pop_back();
     void clear();
 
-private:
-    void grow_and_push(CifValueRef ref);
+    // The bytes kept beyond the object itself.
+    std::size_t heap_bytes() const;
 
-    // Chunks come from aligned storage (full ones on huge pages where the
-    // system offers them), given back with the alignment they were taken with.
+    // The length of the word at p: up to white space or a NUL.
+    static std::uint32_t word_length(const char* p);
+
+private:
+    static constexpr std::size_t chunk_bits = 20;  // distances kept in chunks of 2 MiB
+    static constexpr std::size_t chunk_size = std::size_t(1) << chunk_bits;
+    static constexpr std::uint32_t compact = 0;  // Group::wide of a group of distances
+
     struct ChunkDelete {
-        std::size_t alignment = 64;
-        void operator()(CifValueRef* chunk) const;
+        std::size_t alignment = 0;  // 0: the default one
+        void operator()(std::uint16_t* chunk) const;
     };
-    using Chunk = std::unique_ptr<CifValueRef[], ChunkDelete>;
+    using Chunk = std::unique_ptr<std::uint16_t[], ChunkDelete>;
     static Chunk make_chunk(std::size_t capacity);
 
-    // Kept apart, so that the many items of one value stay small.
-    struct Chunks {
-        std::vector<Chunk> list;
-        std::size_t first_capacity = 0;
+    struct Group {
+        std::uint32_t base = 0;        // the offset distances count from
+        std::uint32_t wide = compact;  // else 1 + the index of its full references
     };
 
-    std::unique_ptr<Chunks> chunks_;  // null while there is at most one value
+    // Kept apart, so that the many items of one value stay small.
+    struct Store {
+        std::vector<Group> groups;
+        std::vector<Chunk> chunks;  // distances; the first grows by doubling up to chunk_size
+        std::size_t first_capacity = 0;
+        std::vector<std::vector<CifValueRef>> wide;  // grown as values come
+        // Where the next plain value of the last group goes while it is short.
+        std::uint16_t* next = nullptr;
+        std::uint16_t* limit = nullptr;
+        std::uint32_t base = 0;
+
+        std::uint16_t& distance(std::size_t n) { return chunks[n >> chunk_bits][n & (chunk_size - 1)]; }
+        std::uint16_t distance(std::size_t n) const { return chunks[n >> chunk_bits][n & (chunk_size - 1)]; }
+        CifValueRef at(std::size_t n, const char* text) const {
+            const Group& group = groups[n >> group_bits];
+            if (group.wide != compact) return wide[group.wide - 1][n & (group_size - 1)];
+            CifValueRef ref;
+            ref.offset = group.base + distance(n);
+            ref.bits = word_length(text + ref.offset);
+            return ref;
+        }
+    };
+
+    bool fits(CifValueRef ref, bool plain) const;
+    void push(CifValueRef ref, bool plain);
+    void make_wide(std::size_t group, std::size_t count);
+    void resume();
+
+    std::unique_ptr<Store> store_;  // null while there is at most one value
+    const char* text_ = nullptr;
     CifValueRef single_;
-    CifValueRef* next_ = nullptr;   // the free slot of the last chunk
-    CifValueRef* limit_ = nullptr;  // the end of the last chunk
     std::size_t size_ = 0;
 };

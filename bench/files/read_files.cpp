@@ -9,6 +9,7 @@
 //   read_files gemmi FILE...            gemmi's CIF reader into its document
 //   read_files write-refln FILE ROWS    a reflection loop of ROWS rows, 6 columns
 //   read_files write-text FILE BLOCKS   blocks of 11 text fields each
+//   read_files write-empty FILE BLOCKS  empty data blocks, one heading a line
 //
 // Each reading mode prints one line of counts, so that runs can be compared.
 #include <algorithm>
@@ -100,12 +101,29 @@ void write_text(const std::string& path, long blocks) {
     }
 }
 
+void write_empty(const std::string& path, long blocks) {
+    std::ofstream out(path, std::ios::binary);
+    std::string chunk;
+    for (long b = 0; b < blocks; ++b) {
+        chunk.append("data_b").append(std::to_string(b)).append("\n");
+        if (chunk.size() > (1 << 20)) {
+            out << chunk;
+            chunk.clear();
+        }
+    }
+    out << chunk;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     std::vector<std::string> args(argv + 1, argv + argc);
     if (args.size() == 3 && args[0] == "write-refln") {
         write_refln(args[1], std::atol(args[2].c_str()));
+        return 0;
+    }
+    if (args.size() == 3 && args[0] == "write-empty") {
+        write_empty(args[1], std::atol(args[2].c_str()));
         return 0;
     }
     if (args.size() == 3 && args[0] == "write-text") {

@@ -109,7 +109,7 @@ bool QcbsLoopTableModel::isValid(int row, int col) const {
 CifValueRef QcbsLoopTableModel::ref(int row, int col) const { return columns_[col]->values()[row]; }
 
 void QcbsLoopTableModel::setRef(int row, int col, CifValueRef ref) {
-    columns_[col]->values()[row] = ref;
+    columns_[col]->values().set(row, ref);
     const QModelIndex cell = index(row, col);
     emit dataChanged(cell, cell);
 }
@@ -157,7 +157,7 @@ QcbsLoopTableModel::Cells QcbsLoopTableModel::removeRows(const std::vector<int>&
     // Each column is rebuilt once: erasing rows one by one would move the
     // rest of a long column for every row.
     for (const auto& item : columns_) {
-        CifValueColumn kept;
+        CifValueColumn kept(item->values().text());
         std::size_t next = 0;
         for (std::size_t n = 0; n < item->size(); ++n) {
             if (next < rows.size() && static_cast<std::size_t>(rows[next]) == n) {
@@ -185,7 +185,7 @@ void QcbsLoopTableModel::insertRows(const std::vector<int>& rows, const Cells& c
     const std::size_t width = columns_.size();
     for (std::size_t c = 0; c < width; ++c) {
         CifDataItem& item = *columns_[c];
-        CifValueColumn merged;
+        CifValueColumn merged(item.values().text());
         std::size_t next = 0;
         std::size_t old = 0;
         const std::size_t total = item.size() + rows.size();
@@ -208,7 +208,7 @@ void QcbsLoopTableModel::insertRows(const std::vector<int>& rows, const Cells& c
 void QcbsLoopTableModel::permuteRows(const std::vector<std::size_t>& order) {
     emit layoutAboutToBeChanged();
     for (const auto& item : columns_) {
-        CifValueColumn sorted;
+        CifValueColumn sorted(item->values().text());
         for (std::size_t from : order) sorted.push_back(item->values()[from]);
         item->values() = std::move(sorted);
     }
@@ -216,7 +216,11 @@ void QcbsLoopTableModel::permuteRows(const std::vector<std::size_t>& order) {
 }
 
 void QcbsLoopTableModel::swapRowValues(int a, int b) {
-    for (const auto& item : columns_) std::swap(item->values()[a], item->values()[b]);
+    for (const auto& item : columns_) {
+        const CifValueRef first = item->values()[a];
+        item->values().set(a, item->values()[b]);
+        item->values().set(b, first);
+    }
     emit dataChanged(index(std::min(a, b), 0), index(std::max(a, b), columnCount() - 1));
 }
 
@@ -266,9 +270,14 @@ void QcbsLoopTableModel::swapColumnItems(int a, int b) {
     emit dataChanged(index(0, std::min(a, b)), index(rowCount() - 1, std::max(a, b)));
 }
 
-CifValueRef& QcbsLoopTableModel::at(std::size_t position) {
+CifValueRef QcbsLoopTableModel::at(std::size_t position) const {
     const std::size_t width = columns_.size();
     return columns_[position % width]->values()[position / width];
+}
+
+void QcbsLoopTableModel::setAt(std::size_t position, CifValueRef ref) {
+    const std::size_t width = columns_.size();
+    columns_[position % width]->values().set(position / width, ref);
 }
 
 void QcbsLoopTableModel::insertCells(std::size_t position, const Cells& cells) {
@@ -277,8 +286,8 @@ void QcbsLoopTableModel::insertCells(std::size_t position, const Cells& cells) {
     const std::size_t count = static_cast<std::size_t>(rowCount()) * width;
     const std::size_t needed = (count + cells.size() + width - 1) / width;
     appendRows(static_cast<int>(needed) - rowCount());
-    for (std::size_t q = count; q-- > position;) at(q + cells.size()) = at(q);
-    for (std::size_t i = 0; i < cells.size(); ++i) at(position + i) = cells[i];
+    for (std::size_t q = count; q-- > position;) setAt(q + cells.size(), at(q));
+    for (std::size_t i = 0; i < cells.size(); ++i) setAt(position + i, cells[i]);
     emit dataChanged(index(static_cast<int>(position / width), 0), index(rowCount() - 1, columnCount() - 1));
 }
 
@@ -289,9 +298,9 @@ QcbsLoopTableModel::Cells QcbsLoopTableModel::removeCells(std::size_t position, 
     if (width == 0 || position >= total) return removed;
     count = std::min(count, total - position);
     for (std::size_t i = 0; i < count; ++i) removed.push_back(at(position + i));
-    for (std::size_t q = position; q + count < total; ++q) at(q) = at(q + count);
+    for (std::size_t q = position; q + count < total; ++q) setAt(q, at(q + count));
     const CifValueRef fill = unknown();
-    for (std::size_t q = total - count; q < total; ++q) at(q) = fill;
+    for (std::size_t q = total - count; q < total; ++q) setAt(q, fill);
     emit dataChanged(index(static_cast<int>(position / width), 0), index(rowCount() - 1, columnCount() - 1));
     return removed;
 }

@@ -97,7 +97,8 @@ signals:
     void cellEdited(int row, int col, const QString& text);
 
 private:
-    CifValueRef& at(std::size_t position);
+    CifValueRef at(std::size_t position) const;
+    void setAt(std::size_t position, CifValueRef ref);
     void relink();
 
     THandle<CifDataBlock> block_;

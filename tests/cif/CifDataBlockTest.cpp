@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "tests/cif/CifTestSupport.hpp"
 
@@ -228,6 +230,49 @@ TEST(CifDataBlock, WriteOrderReordersLoopColumns) {
     EXPECT_NE(text.str().find("_z\n_y\n_x\n3 2 1\n"), std::string::npos) << text.str();
 }
 
+TEST(CifDataBlock, EmptyBlocksAnswerAndTakeItemsLoopsAndFrames) {
+    // Blocks read empty, made empty and emptied again: every question gets
+    // an answer, and whatever is added afterwards is found.
+    THandle<Cif> cif = cif_test::read("data_a\ndata_b\n_x 1\ndata_c\n");
+    ASSERT_EQ(cif->block_count(), 3u);
+    THandle<CifDataBlock> emptied = cif->block(1);
+    emptied->remove("_x");
+    CifDataBlock fresh(THandle<CifDictionary>(), "data_fresh");
+    for (CifDataBlock* block : {cif->block(0).get(), emptied.get(), cif->block(2).get(), &fresh}) {
+        SCOPED_TRACE(block->name());
+        EXPECT_EQ(block->item_count(), 0u);
+        EXPECT_TRUE(block->find("_x").is_null());
+        EXPECT_FALSE(block->has_value("_x"));
+        EXPECT_FALSE(block->has_item_with_category("x"));
+        EXPECT_TRUE(block->loops().empty());
+        EXPECT_TRUE(block->save_frames().empty());
+        EXPECT_EQ(block->begin_write_order(), block->end_write_order());
+        std::vector<std::string> columns{"stale"};
+        block->loop_columns("_x", columns);
+        EXPECT_TRUE(columns.empty());
+        block->remove("_x");
+
+        CifDataBlock copy(THandle<CifDictionary>(), "data_copy");
+        copy.set_value("_y", "2");
+        copy.copy(*block);
+        EXPECT_EQ(copy.item_count(), 0u);
+        EXPECT_TRUE(copy.find("_y").is_null());
+
+        block->set_value("_single", "1");
+        block->create_loop({"_l.a", "_l.b"});
+        for (int i = 0; i < 10; ++i)
+            block->set_value(std::string("_many_").append(std::to_string(i)), std::to_string(i));
+        block->add_save_frame(THandle<CifDataBlock>(new CifDataBlock(THandle<CifDictionary>(), "f")));
+        EXPECT_EQ(block->value("_SINGLE"), "1");
+        EXPECT_EQ(block->value("_many_9"), "9");
+        block->loop_columns("_L.B", columns);
+        EXPECT_EQ(columns, (std::vector<std::string>{"_l.a", "_l.b"}));
+        EXPECT_EQ(block->loops().size(), 1u);
+        EXPECT_EQ(block->save_frames().size(), 1u);
+        EXPECT_EQ(block->item_count(), 13u);
+    }
+}
+
 TEST(CifDataItem, ValuesCanBeSetAddedInsertedAndRemoved) {
     CifDataItem item("_x");
     EXPECT_FALSE(item.has_value());
@@ -251,15 +296,15 @@ TEST(CifDataItem, ValuesCanBeSetAddedInsertedAndRemoved) {
     EXPECT_EQ(item.validate("anything"), 0);
 }
 
-TEST(CifDataItem, LongColumnsKeepEveryValueAcrossChunks) {
+TEST(CifDataItem, LongColumnsKeepEveryValueAcrossGroups) {
     CifDataItem item("_x");
-    const unsigned int count = 3 * CifValueColumn::chunk_size / 2;
+    const unsigned int count = 3 * CifValueColumn::group_size + 7;
     for (unsigned int n = 0; n < count; ++n) item.add_value(std::to_string(n));
     item.remove_value(10);
-    item.insert_value(static_cast<unsigned int>(CifValueColumn::chunk_size), "inserted");
+    item.insert_value(static_cast<unsigned int>(CifValueColumn::group_size), "inserted");
     EXPECT_EQ(item.size(), count);
     EXPECT_EQ(item.value(10), "11");
-    EXPECT_EQ(item.value(static_cast<unsigned int>(CifValueColumn::chunk_size)), "inserted");
+    EXPECT_EQ(item.value(static_cast<unsigned int>(CifValueColumn::group_size)), "inserted");
     EXPECT_EQ(item.value(count - 1), std::to_string(count - 1));
 }
 

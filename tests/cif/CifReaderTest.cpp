@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "tests/cif/CifTestSupport.hpp"
 
@@ -138,6 +140,22 @@ TEST(CifReader, DataNamesWithoutValuesAndValuesWithoutNames) {
     EXPECT_FALSE(cif->block(0)->has_value("_a"));
     EXPECT_EQ(cif->block(0)->value("_b"), "1");
     EXPECT_EQ(cif->block(0)->value("_c"), "4");
+}
+
+TEST(CifReader, RepeatedBlockNamesAreFoundAmongManyBlocks) {
+    // Enough blocks for the table of names to grow several times.
+    std::string text;
+    for (int b = 0; b < 300; ++b) text.append("data_b").append(std::to_string(b)).append("\n");
+    text += "data_B7\ndata_b299\ndata_b2999\ndata_b30\n";
+    THandle<Cif> cif = read(text);
+    std::vector<std::string> repeated;
+    for (auto it = cif->errors()->begin(); it != cif->errors()->end(); ++it)
+        if (it->id() == CifError::duplicate_block_name)
+            repeated.push_back(std::to_string(it->line()) + ": " + it->message());
+    EXPECT_EQ(repeated, (std::vector<std::string>{"301: Duplicate data block name B7, first at line: 8",
+                                                  "302: Duplicate data block name b299, first at line: 300",
+                                                  "304: Duplicate data block name b30, first at line: 31"}));
+    EXPECT_EQ(cif->block_count(), 304u);
 }
 
 TEST(CifReader, DataBeforeTheFirstBlockIsReportedOnce) {

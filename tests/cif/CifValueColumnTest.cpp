@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+// Value columns: plain values kept short, the rest in full, at group and chunk boundaries.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "cif/CifValueColumn.hpp"
+
+namespace {
+
+// A text of plain words "w0 w1 w2 ..." and the references of its words.
+struct Words {
+    std::string text;
+    std::vector<CifValueRef> refs;
+
+    explicit Words(std::size_t count, std::size_t padding = 0) {
+        for (std::size_t n = 0; n < count; ++n) {
+            CifValueRef ref;
+            ref.offset = static_cast<std::uint32_t>(text.size());
+            std::string word(1, 'w');
+            word += std::to_string(n);
+            ref.bits = static_cast<std::uint32_t>(word.size());
+            text += word;
+            text += n % 7 == 0 ? '\n' : ' ';
+            text.append(padding, '\t');
+            refs.push_back(ref);
+        }
+    }
+};
+
+CifValueRef ref_of(std::uint32_t offset, std::uint32_t bits) {
+    CifValueRef ref;
+    ref.offset = offset;
+    ref.bits = bits;
+    return ref;
+}
+
+void expect_same(const CifValueColumn& column, const std::vector<CifValueRef>& refs) {
+    ASSERT_EQ(column.size(), refs.size());
+    for (std::size_t n = 0; n < refs.size(); ++n) {
+        ASSERT_EQ(column[n].offset, refs[n].offset) << n;
+        ASSERT_EQ(column[n].bits, refs[n].bits) << n;
+    }
+    // The same through copies of runs that start and end inside groups.
+    for (std::size_t first : {std::size_t(0), std::size_t(3), CifValueColumn::group_size - 1}) {
+        if (first >= refs.size()) continue;
+        std::vector<CifValueRef> out(refs.size() - first);
+        column.copy_refs(first, out.size(), out.data());
+        for (std::size_t n = 0; n < out.size(); ++n) {
+            ASSERT_EQ(out[n].offset, refs[first + n].offset) << first << " " << n;
+            ASSERT_EQ(out[n].bits, refs[first + n].bits) << first << " " << n;
+        }
+    }
+}
+
+TEST(CifValueColumn, PlainValuesComeBackAsTheyWentIn) {
+    // Counts around the single value, a group and the 2 MiB chunk of distances.
+    const std::size_t g = CifValueColumn::group_size;
+    const std::size_t chunk = std::size_t(1) << 20;
+    for (std::size_t count :
+         {std::size_t(1), std::size_t(2), g - 1, g, g + 1, 5 * g + 3, chunk - 1, chunk + g + 5}) {
+        const Words words(count);
+        CifValueColumn fast(words.text.c_str());
+        CifValueColumn checked(words.text.c_str());
+        for (const CifValueRef& ref : words.refs) {
+            fast.push_plain(ref);
+            checked.push_back(ref);
+        }
+        expect_same(fast, words.refs);
+        expect_same(checked, words.refs);
+        if (count >= g) {
+            // Two bytes a value, not eight (a chunk begun is taken whole).
+            const std::size_t begun = count > chunk ? 2 * chunk : 0;
+            EXPECT_LT(fast.heap_bytes(), count * 3 + 4096 + begun) << count;
+        }
+    }
+}
+
+TEST(CifValueColumn, ValuesThatCannotBeShortAreKeptInFull) {
+    // Each case puts one odd value among plain ones, at the start, in the
+    // middle and at the end of a group.
+    const Words words(3 * CifValueColumn::group_size);
+    const std::uint32_t far = static_cast<std::uint32_t>(words.text.size());
+    std::string text = words.text + std::string(70000, ' ') + "far 'q' a\0b[x] ab";
+    text.push_back('\0');
+    const std::uint32_t far_word = far + 70000;
+    struct Case {
+        const char* what;
+        CifValueRef odd;
+    };
+    const Case cases[] = {
+        {"quoted", ref_of(far_word + 5, 1 | CifValueRef::quoted_flag)},
+        {"added", ref_of(3, 2 | CifValueRef::added_flag)},
+        {"compound", ref_of(far_word + 4, 3 | CifValueRef::compound_flag)},
+        {"beyond two bytes of distance", ref_of(far_word, 3)},
+        {"before the group's first value", ref_of(0, 2)},
+        {"shorter than its word", ref_of(words.refs[5].offset, 1)},
+        {"holding a NUL", ref_of(far_word + 8, 3)},
+        {"ended by a bracket", ref_of(far_word + 12, 1)},
+        {"the empty word", ref_of(far_word - 1, 0)},
+    };
+    for (const Case& c : cases) {
+        for (std::size_t at : {std::size_t(0), std::size_t(100), CifValueColumn::group_size - 1,
+                               CifValueColumn::group_size, 2 * CifValueColumn::group_size + 1}) {
+            std::vector<CifValueRef> refs = words.refs;
+            refs[at] = c.odd;
+            CifValueColumn column(text.c_str());
+            for (const CifValueRef& ref : refs) column.push_back(ref);
+            SCOPED_TRACE(std::string(c.what).append(" at ").append(std::to_string(at)));
+            expect_same(column, refs);
+        }
+    }
+}
+
+TEST(CifValueColumn, EditsKeepEveryOtherValue) {
+    const std::size_t g = CifValueColumn::group_size;
+    const Words words(4 * g + 10);
+    const CifValueRef added = ref_of(0, 1 | CifValueRef::added_flag);
+    CifValueColumn column(words.text.c_str());
+    for (const CifValueRef& ref : words.refs) column.push_plain(ref);
+    std::vector<CifValueRef> refs = words.refs;
+
+    // A full reference in a short group, then a plain one back.
+    column.set(g + 3, added);
+    refs[g + 3] = added;
+    column.set(g + 4, words.refs[1]);
+    refs[g + 4] = words.refs[1];
+    expect_same(column, refs);
+    // The last group turned full keeps taking values.
+    column.set(refs.size() - 1, added);
+    refs.back() = added;
+    column.push_plain(words.refs[2]);
+    refs.push_back(words.refs[2]);
+    expect_same(column, refs);
+
+    column.insert(2 * g, added);
+    refs.insert(refs.begin() + static_cast<std::ptrdiff_t>(2 * g), added);
+    column.erase(5);
+    refs.erase(refs.begin() + 5);
+    expect_same(column, refs);
+
+    // Popping across group boundaries, then growing again.
+    while (column.size() > g - 2) {
+        column.pop_back();
+        refs.pop_back();
+    }
+    expect_same(column, refs);
+    for (std::size_t n = 0; n < 2 * g; ++n) {
+        column.push_plain(words.refs[n]);
+        refs.push_back(words.refs[n]);
+    }
+    expect_same(column, refs);
+
+    // Copies and moves keep the text; a column without text keeps values in full.
+    CifValueColumn copy = column;
+    expect_same(copy, refs);
+    CifValueColumn bare;
+    for (const CifValueRef& ref : refs) bare.push_back(ref);
+    CifValueColumn target(words.text.c_str());
+    target = std::move(bare);
+    EXPECT_EQ(target.text(), words.text.c_str());
+    expect_same(target, refs);
+    target.push_plain(words.refs[9]);
+    EXPECT_EQ(target[target.size() - 1].length(), words.refs[9].length());
+    target.clear();
+    EXPECT_TRUE(target.empty());
+}
+
+}  // namespace
