@@ -2,15 +2,11 @@
 // The one document of a main window and the edits views and wizards ask for.
 #include "document/QcbsCifDocument.hpp"
 
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QMetaObject>
 #include <algorithm>
-#include <cerrno>
 #include <fstream>
 #include <string_view>
 
@@ -18,6 +14,7 @@
 #include "cif/CifTextLocator.hpp"
 #include "document/QcbsByteSnapshot.hpp"
 #include "document/QcbsWorkerDictionary.hpp"
+#include "document/QcbsWorkerPriority.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 
 namespace {
@@ -33,21 +30,6 @@ int countLines(const QByteArray& bytes) {
         if (i + 1 >= bytes.size() || bytes[i + 1] != '\n') ++ends;
     const char last = bytes.back();
     return static_cast<int>(last == '\n' || last == '\r' ? ends : ends + 1);
-}
-
-// Checks, saves and hashes on the worker give way to the window's thread: on a
-// busy machine the event loop otherwise waited for a core behind a check of
-// 300 MB (stalls of 130-220 ms with two cores). Linux keeps a nice value per
-// thread; a worker's is raised once and stays so, as its pool serves only
-// background work.
-void yieldToTheWindow() {
-    thread_local bool lowered = false;
-    if (lowered) return;
-    lowered = true;
-    const pid_t thread = gettid();
-    errno = 0;
-    const int nice = getpriority(PRIO_PROCESS, static_cast<id_t>(thread));
-    if (errno == 0) setpriority(PRIO_PROCESS, static_cast<id_t>(thread), std::min(nice + 5, 19));
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "document/QcbsCifDocument.hpp"
 #include "document/QcbsRecoveryRecord.hpp"
 #include "document/QcbsRecoveryStore.hpp"
+#include "document/QcbsWorkerPriority.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 
 QcbsRecoveryWriter::QcbsRecoveryWriter(QcbsCifDocument* document, QcbsRichTextEdit* editor, QObject* parent)
@@ -110,6 +111,7 @@ void QcbsRecoveryWriter::submit(std::shared_ptr<std::string> bytes, quint64 seri
     cancel_ = std::make_shared<std::atomic<bool>>(false);
     const quint64 generation = ++generation_;
     worker_.start([this, record, bytes, serial, generation, cancel = cancel_]() mutable {
+        yieldToTheWindow();
         record.size = static_cast<qint64>(bytes->size());
         record.hash = QcbsFileIdentity::hash(QByteArrayView(bytes->data(), record.size));
         const QString error = QcbsRecoveryStore::write(record.id, record.header(), *bytes, cancel.get());
