@@ -2,6 +2,7 @@
 // Helpers of the tests of the main window and its documents.
 #pragma once
 
+#include <QAbstractButton>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -13,8 +14,10 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidgetItem>
+#include <QWizard>
 #include <memory>
 
 #include "GuiTestSupport.hpp"
@@ -22,8 +25,10 @@
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "document/QcbsCifDocument.hpp"
+#include "editor/QcbsRichTextEdit.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
+#include "wizards/QcbsWizard.hpp"
 
 // A file of the command line as GoogleTest prints it in a failure.
 inline void PrintTo(const QcbsCommandLine::File& file, std::ostream* out) {
@@ -132,5 +137,44 @@ protected:
         qputenv("TESSARY_DICTIONARIES", dictionaries_.path().toUtf8());
         return before;
     }();
+    std::unique_ptr<QcbsMainWindow> window_;
+};
+
+// A main window with its own settings and a directory for the files a test
+// opens, to drive the wizards it launches.
+class WizardWindow {
+protected:
+    WizardWindow() { window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData()); }
+
+    // Writes the text to `fileName`, opens it and waits until it is read.
+    void openText(const QByteArray& text, const QString& fileName) {
+        const QString path = writeBytes(files_.filePath(fileName), text);
+        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
+        ASSERT_TRUE(window_->load(path, false, true));
+        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+    }
+    QString text() const { return QString::fromUtf8(window_->document()->fileBytes()); }
+    // Calls the window's launching slot, with the cursor first put on a
+    // 1-based line when one is given; the wizard shown, or null.
+    QcbsWizard* launch(void (QcbsMainWindow::*slot)(), int line = 0) {
+        if (line > 0) window_->currentEditor()->setCursorPosition(line - 1, 0);
+        (window_.get()->*slot)();
+        QcbsWizard* wizard = window_->openWizard();
+        if (wizard != nullptr) {
+            EXPECT_TRUE(waitUntil([&] { return wizard->isVisible(); }));
+        }
+        return wizard;
+    }
+    // Next up to the last page, then Finish.
+    static void finish(QcbsWizard* wizard) {
+        while (wizard->nextId() != -1) {
+            ASSERT_TRUE(wizard->button(QWizard::NextButton)->isEnabled()) << wizard->currentId();
+            wizard->button(QWizard::NextButton)->click();
+        }
+        wizard->button(QWizard::FinishButton)->click();
+    }
+
+    ScopedPrefsDir prefs_;
+    QTemporaryDir files_;
     std::unique_ptr<QcbsMainWindow> window_;
 };

@@ -27,30 +27,11 @@ const QByteArray kTwoBlocks =
     "_publ_requested_journal 'Acta Cryst. C'\n"  // 6
     "_journal_name_full ?\n";                    // 7
 
-class MainWindowPublicationWizard : public ::testing::Test {
+class MainWindowPublicationWizard : public ::testing::Test, protected WizardWindow {
 protected:
-    MainWindowPublicationWizard() { window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData()); }
-
-    void open(const QByteArray& text) {
-        const QString path = writeBytes(files_.filePath("paper.cif"), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
-    }
-    QString text() const { return QString::fromUtf8(window_->document()->fileBytes()); }
-    // Opens the wizard with the cursor on a 1-based line.
-    QcbsWizard* launchAt(int line) {
-        window_->currentEditor()->setCursorPosition(line - 1, 0);
-        return launch();
-    }
-    QcbsWizard* launch() {
-        window_->publicationWizard();
-        QcbsWizard* wizard = window_->openWizard();
-        if (wizard != nullptr) {
-            EXPECT_TRUE(waitUntil([&] { return wizard->isVisible(); }));
-        }
-        return wizard;
-    }
+    void open(const QByteArray& text) { openText(text, "paper.cif"); }
+    QcbsWizard* launchAt(int line) { return WizardWindow::launch(&QcbsMainWindow::publicationWizard, line); }
+    QcbsWizard* launch() { return WizardWindow::launch(&QcbsMainWindow::publicationWizard); }
     // Chooses a private communication and finishes.
     static void finishAsPrivate(QcbsWizard* wizard) {
         while (qobject_cast<QcbsWizardPublicationPage*>(wizard->currentPage()) == nullptr)
@@ -58,16 +39,8 @@ protected:
         static_cast<QcbsWizardPublicationPage*>(wizard->currentPage())
             ->button(QcbsWizardPublicationPage::PrivateCommunication)
             ->click();
-        while (wizard->nextId() != -1) {
-            ASSERT_TRUE(wizard->button(QWizard::NextButton)->isEnabled()) << wizard->currentId();
-            wizard->button(QWizard::NextButton)->click();
-        }
-        wizard->button(QWizard::FinishButton)->click();
+        finish(wizard);
     }
-
-    ScopedPrefsDir prefs_;
-    QTemporaryDir files_;
-    std::unique_ptr<QcbsMainWindow> window_;
 };
 
 TEST_F(MainWindowPublicationWizard, TheBlockAtTheCursorIsReplacedAsOneUndoStep) {

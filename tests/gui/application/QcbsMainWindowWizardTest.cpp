@@ -32,38 +32,10 @@ const QByteArray kThreeBlocks =
     "loop_\n_atom_site_label\nNa1\nCl1\n"    // 11-14
     "# the end\n";                           // 15
 
-class MainWindowWizard : public ::testing::Test {
+class MainWindowWizard : public ::testing::Test, protected WizardWindow {
 protected:
-    MainWindowWizard() { window_ = std::make_unique<QcbsMainWindow>(buildTreeSharedData()); }
-
-    void open(const QByteArray& text) {
-        const QString path = writeBytes(files_.filePath("wizard.cif"), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
-    }
-    QString text() const { return QString::fromUtf8(window_->document()->fileBytes()); }
-    // Opens the wizard with the cursor on a 1-based line.
-    QcbsWizard* launchAt(int line) {
-        window_->currentEditor()->setCursorPosition(line - 1, 0);
-        window_->crystalWizard();
-        QcbsWizard* wizard = window_->openWizard();
-        if (wizard != nullptr) {
-            EXPECT_TRUE(waitUntil([&] { return wizard->isVisible(); }));
-        }
-        return wizard;
-    }
-    static void finish(QcbsWizard* wizard) {
-        while (wizard->nextId() != -1) {
-            ASSERT_TRUE(wizard->button(QWizard::NextButton)->isEnabled()) << wizard->currentId();
-            wizard->button(QWizard::NextButton)->click();
-        }
-        wizard->button(QWizard::FinishButton)->click();
-    }
-
-    ScopedPrefsDir prefs_;
-    QTemporaryDir files_;
-    std::unique_ptr<QcbsMainWindow> window_;
+    void open(const QByteArray& text) { openText(text, "wizard.cif"); }
+    QcbsWizard* launchAt(int line) { return launch(&QcbsMainWindow::crystalWizard, line); }
 };
 
 TEST_F(MainWindowWizard, FinishReplacesOnlyTheBlockAtTheCursorAsOneUndoStep) {
