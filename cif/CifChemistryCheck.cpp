@@ -130,14 +130,11 @@ void CifChemistryCheck::check_weight_and_density() {
     // The density follows from Z, the weight and the volume. When the weight
     // disagrees with the formula (reported above) and the density agrees
     // with the formula's weight, the weight is the one at fault.
-    if (!volume_.ok || !z_.ok || volume_.value() <= 0.0) return;
-    double molar = weight_.ok ? weight_.value() : (formula_.valid() ? formula_.weight() : 0.0);
-    if (molar <= 0.0) return;
-    const double calculated = z_.value() * molar * atomic_mass_unit / volume_.value();
-    const std::string basis = " from " + z_.name + " " + cif_check_format(z_.value(), 1.0) + ", " +
-                              (weight_.ok ? weight_.name : formula_name_) + " " +
-                              cif_check_format(molar, 0.01) + " and " + volume_.name + " " +
-                              cif_check_written(block_, volume_);
+    const CalculatedDensity density_from = calculated_density();
+    if (density_from.molar <= 0.0) return;
+    const double molar = density_from.molar;
+    const double calculated = density_from.value;
+    const std::string& basis = density_from.basis;
     CifReading density =
         cif_check_read(block_, {"_exptl_crystal_density_diffrn", "_exptl_crystal.density_diffrn"});
     if (density.ok) {
@@ -263,16 +260,26 @@ void CifChemistryCheck::check_moieties() {
                           cif_check_significant(moiety.charge(), 3) + ", not 0)");
 }
 
+CifChemistryCheck::CalculatedDensity CifChemistryCheck::calculated_density() const {
+    CalculatedDensity density;
+    if (!volume_.ok || !z_.ok || volume_.value() <= 0.0) return density;
+    density.molar = weight_.ok ? weight_.value() : (formula_.valid() ? formula_.weight() : 0.0);
+    if (density.molar <= 0.0) return density;
+    density.value = z_.value() * density.molar * atomic_mass_unit / volume_.value();
+    density.basis = " from " + z_.name + " " + cif_check_format(z_.value(), 1.0) + ", " +
+                    (weight_.ok ? weight_.name : formula_name_) + " " +
+                    cif_check_format(density.molar, 0.01) + " and " + volume_.name + " " +
+                    cif_check_written(block_, volume_);
+    return density;
+}
+
 void CifChemistryCheck::check_measured_density() {
     // The formula is in doubt when the atom sites disagree with it (371).
-    if (contents_disagree_ || !volume_.ok || !z_.ok || volume_.value() <= 0.0) return;
-    double molar = weight_.ok ? weight_.value() : (formula_.valid() ? formula_.weight() : 0.0);
-    if (molar <= 0.0) return;
-    const double calculated = z_.value() * molar * atomic_mass_unit / volume_.value();
-    const std::string basis = " from " + z_.name + " " + cif_check_format(z_.value(), 1.0) + ", " +
-                              (weight_.ok ? weight_.name : formula_name_) + " " +
-                              cif_check_format(molar, 0.01) + " and " + volume_.name + " " +
-                              cif_check_written(block_, volume_);
+    if (contents_disagree_) return;
+    const CalculatedDensity density_from = calculated_density();
+    if (density_from.molar <= 0.0) return;
+    const double calculated = density_from.value;
+    const std::string& basis = density_from.basis;
     CifReading measured =
         cif_check_read(block_, {"_exptl_crystal_density_meas", "_exptl_crystal.density_meas"});
     if (measured.ok && measured.value() > 0.0) {
