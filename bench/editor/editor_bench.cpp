@@ -42,6 +42,7 @@
 #include <random>
 #include <vector>
 
+#include "../common/EventLoopTiming.hpp"
 #include "cif/CifDocumentCheck.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
@@ -73,42 +74,6 @@ long residentKiB() {
     for (const QByteArray& line : status.readAll().split('\n'))
         if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').first().toLong();
     return 0;
-}
-
-// The time `work` takes from the event loop until `done` holds, and the
-// longest the event loop was held meanwhile.
-struct Timing {
-    qint64 total = -1;
-    qint64 longest = 0;
-    qint64 firstScreen = -1;
-};
-
-Timing measure(const std::function<void()>& work, const std::function<bool()>& done,
-               const std::function<bool()>& screenShown = {}) {
-    QElapsedTimer clock;
-    Timing timing;
-    qint64 last = 0;
-    QEventLoop loop;
-    QTimer heartbeat;
-    heartbeat.setTimerType(Qt::PreciseTimer);
-    heartbeat.setInterval(1);
-    QObject::connect(&heartbeat, &QTimer::timeout, [&] {
-        const qint64 now = clock.elapsed();
-        timing.longest = std::max(timing.longest, now - last);
-        last = now;
-        if (timing.firstScreen < 0 && screenShown && screenShown()) timing.firstScreen = now;
-        if (timing.total < 0 && done()) {
-            timing.total = now;
-            loop.quit();
-        }
-    });
-    QTimer::singleShot(0, [&] {
-        clock.start();
-        heartbeat.start();
-        work();
-    });
-    loop.exec();
-    return timing;
 }
 
 // Watches a viewport for its first paint with text in it.

@@ -26,6 +26,7 @@
 #include <functional>
 #include <random>
 
+#include "../common/EventLoopTiming.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "document/QcbsRecoveryStore.hpp"
 #include "document/QcbsRecoveryWriter.hpp"
@@ -54,39 +55,6 @@ void writeReflectionFile(const QString& name, long rows) {
         if (chunk.size() > (1 << 20)) out.write(std::exchange(chunk, QByteArray()));
     }
     out.write(chunk);
-}
-
-struct Timing {
-    qint64 total = -1;
-    qint64 longest = 0;
-};
-
-// The time from starting `work` until `done` holds, and the longest gap of a
-// 1 ms heartbeat meanwhile.
-Timing measure(const std::function<void()>& work, const std::function<bool()>& done) {
-    QElapsedTimer clock;
-    Timing timing;
-    qint64 last = 0;
-    QEventLoop loop;
-    QTimer heartbeat;
-    heartbeat.setTimerType(Qt::PreciseTimer);
-    heartbeat.setInterval(1);
-    QObject::connect(&heartbeat, &QTimer::timeout, [&] {
-        const qint64 now = clock.elapsed();
-        timing.longest = std::max(timing.longest, now - last);
-        last = now;
-        if (timing.total < 0 && done()) {
-            timing.total = now;
-            loop.quit();
-        }
-    });
-    QTimer::singleShot(0, [&] {
-        clock.start();
-        heartbeat.start();
-        work();
-    });
-    loop.exec();
-    return timing;
 }
 
 }  // namespace
