@@ -4,72 +4,15 @@
 
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <gemmi/symmetry.hpp>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
-#include <unordered_map>
 
 #include "cif/CifCheckValues.hpp"
+#include "cif/SpacegroupOperators.hpp"
 
 namespace {
-
-std::string trimmed(const std::string& text) {
-    std::size_t first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string::npos) return std::string();
-    std::size_t last = text.find_last_not_of(" \t\r\n");
-    return text.substr(first, last - first + 1);
-}
-
-std::optional<gemmi::GroupOps> from_triplets(const std::vector<std::string>& operators) {
-    std::vector<gemmi::Op> ops;
-    try {
-        for (const std::string& text : operators) {
-            gemmi::Op op = gemmi::parse_triplet(trimmed(text));
-            if (op.det_rot() == 0) return std::nullopt;
-            ops.push_back(op.wrap());
-        }
-    } catch (const std::exception&) {
-        return std::nullopt;
-    }
-    if (ops.empty()) return std::nullopt;
-    gemmi::GroupOps group = gemmi::split_centering_vectors(ops);
-    if (group.cen_ops.empty()) group.cen_ops.push_back({0, 0, 0});
-    return group;
-}
-
-// The group an operator list forms, or null when an operator cannot be
-// read. Files checked together mostly repeat a few lists, so each list as
-// written is read once per process (thread-safe; the cache starts afresh
-// when it has grown large).
-std::shared_ptr<const gemmi::GroupOps> shared_from_triplets(const std::vector<std::string>& operators) {
-    // Each operator's length in front of it keeps the lists apart.
-    std::size_t size = 0;
-    for (const std::string& text : operators) size += sizeof(std::uint32_t) + text.size();
-    std::string key;
-    key.reserve(size);
-    for (const std::string& text : operators) {
-        const auto length = static_cast<std::uint32_t>(text.size());
-        key.append(reinterpret_cast<const char*>(&length), sizeof length);
-        key += text;
-    }
-    static std::mutex mutex;
-    static std::unordered_map<std::string, std::shared_ptr<const gemmi::GroupOps>> groups;
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        auto found = groups.find(key);
-        if (found != groups.end()) return found->second;
-    }
-    std::optional<gemmi::GroupOps> read = from_triplets(operators);
-    std::shared_ptr<const gemmi::GroupOps> group;
-    if (read) group = std::make_shared<const gemmi::GroupOps>(std::move(*read));
-    std::lock_guard<std::mutex> lock(mutex);
-    if (groups.size() >= 4096) groups.clear();
-    groups.emplace(std::move(key), group);
-    return group;
-}
 
 std::optional<gemmi::GroupOps> from_hall(const std::string& hall) {
     if (hall.empty()) return std::nullopt;
@@ -96,7 +39,7 @@ std::optional<gemmi::GroupOps> from_number(int number) {
 }  // namespace
 
 struct CifBlockSymmetry::Ops {
-    std::shared_ptr<const gemmi::GroupOps> operators;  // shared with other blocks of the same list
+    const gemmi::GroupOps* operators = nullptr;  // the list's, shared with other blocks
     std::optional<gemmi::GroupOps> hall, other;        // other: from the symbol or the number
     const gemmi::GroupOps* chosen = nullptr;
     bool hall_built = false;
@@ -119,7 +62,8 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
         THandle<CifDataItem> item = block.find(name);
         if (item.is_null()) continue;
         operators_name_ = item->name();
-        for (std::size_t n = 0; n < item->size(); ++n) operators_.emplace_back(item->value_view(n));
+        operators_.reserve(item->size());
+        for (std::size_t n = 0; n < item->size(); ++n) operators_.push_back(item->value_view(n));
         break;
     }
 }
@@ -128,17 +72,19 @@ CifBlockSymmetry::~CifBlockSymmetry() = default;
 
 const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
     if (operators_.empty()) return nullptr;
-    if (!spacegroup_)
-        spacegroup_ = std::make_unique<Spacegroup>(operators_, Spacegroup::number_of(symbol_), symbol_);
+    if (!spacegroup_) {
+        const int number = Spacegroup::number_of(symbol_);
+        spacegroup_ = std::make_unique<Spacegroup>(list().group(number), number, symbol_);
+    }
     return spacegroup_.get();
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations() const {
     if (!ops_) {
         ops_ = std::make_unique<Ops>();
-        if (!operators_.empty()) ops_->operators = shared_from_triplets(operators_);
-        if (ops_->operators) {
-            ops_->chosen = ops_->operators.get();
+        if (!operators_.empty()) ops_->operators = list().operations();
+        if (ops_->operators != nullptr) {
+            ops_->chosen = ops_->operators;
         } else if (const gemmi::GroupOps* hall = operations_of_hall()) {
             ops_->chosen = hall;
         } else {
@@ -152,7 +98,12 @@ const gemmi::GroupOps* CifBlockSymmetry::operations() const {
 
 const gemmi::GroupOps* CifBlockSymmetry::operations_of_operators() const {
     operations();  // the operators are read first
-    return ops_->operators.get();
+    return ops_->operators;
+}
+
+const SpacegroupOperators& CifBlockSymmetry::list() const {
+    if (!list_) list_ = SpacegroupOperators::of(operators_);
+    return *list_;
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations_of_hall() const {

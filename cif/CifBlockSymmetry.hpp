@@ -4,11 +4,13 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cif/Spacegroup.hpp"
 
 class CifDataBlock;
+class SpacegroupOperators;
 
 namespace gemmi {
 struct GroupOps;
@@ -35,7 +37,8 @@ public:
     const std::string& number_name() const { return number_name_; }
     int number() const { return number_; }
     const std::string& operators_name() const { return operators_name_; }
-    const std::vector<std::string>& operators() const { return operators_; }
+    // The operators as the block's values give them (views of its text).
+    const std::vector<std::string_view>& operators() const { return operators_; }
 
     // The group the operators form (built on first use); null without operators.
     const Spacegroup* spacegroup_of_operators() const;
@@ -69,7 +72,10 @@ private:
     struct Ops;
     std::string symbol_name_, symbol_, hall_name_, hall_, number_name_, operators_name_;
     int number_ = 0;
-    std::vector<std::string> operators_;
+    std::vector<std::string_view> operators_;
+    // The process's entry for the list as written (its operations and group).
+    const SpacegroupOperators& list() const;
+    mutable std::shared_ptr<const SpacegroupOperators> list_;
     mutable std::unique_ptr<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;
 };

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "cif/SpacegroupCache.hpp"
+#include "cif/SpacegroupOperators.hpp"
 
 namespace {
 
@@ -107,20 +108,16 @@ SpacegroupCache::Group named(const std::string& symbol) {
 }  // namespace
 
 Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, const std::string& hint)
-    : symbol_(unknown_symbol), given_number_(number), given_symbol_(hint) {
-    // Files mostly write a group's operators alike: the text as written is
-    // looked up first, before any operator is read.
-    std::string written;
-    for (const std::string& text : operators) {
-        written += text;
-        written += '\n';
-    }
-    SpacegroupCache::Group group =
-        SpacegroupCache::by_text().lookup(written, [&]() { return from_operators(operators, number); });
-    symbol_ = group.symbol;
-    number_ = group.number;
-    readable_ = group.readable;
-}
+    : Spacegroup(SpacegroupOperators::of(std::vector<std::string_view>(operators.begin(), operators.end()))
+                     ->group(number),
+                 number, hint) {}
+
+Spacegroup::Spacegroup(const SpacegroupCache::Group& group, int number, const std::string& hint)
+    : symbol_(group.symbol),
+      number_(group.number),
+      given_number_(number),
+      given_symbol_(hint),
+      readable_(group.readable) {}
 
 SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>& operators, int number) {
     SpacegroupCache::Group unknown{unknown_symbol, 0, true};

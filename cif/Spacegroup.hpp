@@ -39,6 +39,8 @@ public:
     // is found from the operators alone. symbol() is "Unknown" when the
     // operators cannot be read or form no tabulated setting.
     Spacegroup(const std::vector<std::string>& operators, int number = 0, const std::string& hint = {});
+    // The group found already (SpacegroupOperators), with the caller's number and hint.
+    Spacegroup(const SpacegroupCache::Group& group, int number, const std::string& hint);
 
     // The suite symbol of the setting the operators form, or "Unknown".
     const std::string& symbol() const { return symbol_; }
@@ -71,10 +73,13 @@ public:
     // The text of an index of the crystal-system list ("?" out of range).
     static const char* crystal_system_name(int index);
 
-private:
     // The group of the operators, matched against the tables once per
-    // distinct list (SpacegroupCache); number (when 1-230) is tried first.
+    // distinct list (SpacegroupCache::by_operators(): any order or written
+    // form alike); number (when 1-230) is tried first. SpacegroupOperators
+    // asks this once per list as written.
     static SpacegroupCache::Group from_operators(const std::vector<std::string>& operators, int number);
+
+private:
 
     std::string symbol_;
     int number_ = 0;

@@ -30,11 +30,6 @@ std::size_t SpacegroupCache::misses() const {
     return misses_;
 }
 
-SpacegroupCache& SpacegroupCache::by_text() {
-    static SpacegroupCache cache;
-    return cache;
-}
-
 SpacegroupCache& SpacegroupCache::by_operators() {
     static SpacegroupCache cache;
     return cache;

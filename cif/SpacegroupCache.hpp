@@ -30,10 +30,9 @@ public:
     std::size_t hits() const;
     std::size_t misses() const;
 
-    // The caches of the process that Spacegroup uses: operator lists as
-    // written, and their normalised forms (sorted, translations wrapped),
-    // where the tables are searched.
-    static SpacegroupCache& by_text();
+    // The caches of the process that Spacegroup uses: normalised operator
+    // lists (sorted, translations wrapped), where the tables are searched
+    // (lists as written are SpacegroupOperators' entries).
     static SpacegroupCache& by_operators();
     // Symbols as written and the settings they name.
     static SpacegroupCache& by_name();

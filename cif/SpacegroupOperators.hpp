@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// An operator list as written, with the operations and the tabulated group it gives, found once per process.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cif/SpacegroupCache.hpp"
+
+namespace gemmi {
+struct GroupOps;
+}  // namespace gemmi
+
+// Files checked together mostly write the same few operator lists alike.
+// Each list as written (the same texts in the same order) has one entry for
+// the process, under one key: the operations it forms and the tabulated
+// group it names are each worked out at most once, when first asked for.
+// Entries are shared between threads and outlive the blocks that asked.
+class SpacegroupOperators {
+public:
+    // The entry of the list (texts as the values give them).
+    static std::shared_ptr<const SpacegroupOperators> of(const std::vector<std::string_view>& texts);
+
+    // The operations, each triplet read as written; null when one cannot
+    // be read or is singular.
+    const gemmi::GroupOps* operations() const;
+    // The tabulated group (quotes around a triplet removed, any order or
+    // form of the same operators alike); number only orders the search.
+    const SpacegroupCache::Group& group(int number) const;
+
+    // How many lists were looked up and how many of them were new.
+    static std::size_t lookups();
+    static std::size_t misses();
+
+    explicit SpacegroupOperators(std::vector<std::string> texts);
+    ~SpacegroupOperators();
+
+private:
+    std::vector<std::string> texts_;
+    mutable std::once_flag operations_once_, group_once_;
+    mutable std::unique_ptr<gemmi::GroupOps> operations_;
+    mutable SpacegroupCache::Group group_;
+};
