@@ -59,7 +59,7 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
     if (number.ok) number_ = static_cast<int>(std::lround(number.value()));
     for (const char* name : {"_symmetry_equiv_pos_as_xyz", "_space_group_symop_operation_xyz",
                              "_space_group_symop.operation_xyz"}) {
-        THandle<CifDataItem> item = block.find(name);
+        THandle<CifDataItem> item = cif_check_find(block, name);
         if (item.is_null()) continue;
         operators_name_ = item->name();
         operators_.reserve(item->size());

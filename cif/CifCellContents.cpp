@@ -58,19 +58,19 @@ double cif_atomic_weight(const std::string& element) {
 }
 
 CifCellContents::CifCellContents(const CifDataBlock& block, const CifBlockSymmetry& symmetry) {
-    THandle<CifDataItem> labels = block.find("_atom_site_label");
-    THandle<CifDataItem> types = block.find("_atom_site_type_symbol");
+    THandle<CifDataItem> labels = cif_check_find(block, "_atom_site_label");
+    THandle<CifDataItem> types = cif_check_find(block, "_atom_site_type_symbol");
     if (labels.is_null() && types.is_null()) {
         problem_ = "no atom sites";
         return;
     }
     const std::size_t rows = labels.is_null() ? types->size() : labels->size();
-    THandle<CifDataItem> occupancy = block.find("_atom_site_occupancy");
-    THandle<CifDataItem> multiplicity = block.find("_atom_site_symmetry_multiplicity");
-    THandle<CifDataItem> flags = block.find("_atom_site_calc_flag");
-    THandle<CifDataItem> attached = block.find("_atom_site_attached_hydrogens");
-    THandle<CifDataItem> xyz[3] = {block.find("_atom_site_fract_x"), block.find("_atom_site_fract_y"),
-                                   block.find("_atom_site_fract_z")};
+    THandle<CifDataItem> occupancy = cif_check_find(block, "_atom_site_occupancy");
+    THandle<CifDataItem> multiplicity = cif_check_find(block, "_atom_site_symmetry_multiplicity");
+    THandle<CifDataItem> flags = cif_check_find(block, "_atom_site_calc_flag");
+    THandle<CifDataItem> attached = cif_check_find(block, "_atom_site_attached_hydrogens");
+    THandle<CifDataItem> xyz[3] = {cif_check_find(block, "_atom_site_fract_x"), cif_check_find(block, "_atom_site_fract_y"),
+                                   cif_check_find(block, "_atom_site_fract_z")};
     CifReading cell[6];
     cif_check_read_cell(block, cell);
     const double lengths[3] = {cell[0].ok ? cell[0].value() : 10.0, cell[1].ok ? cell[1].value() : 10.0,

@@ -7,12 +7,20 @@
 #include <cstdio>
 #include <numbers>
 
+#include "cif/CifBlockNames.hpp"
+
 bool cif_check_unknown(std::string_view value) { return value.empty() || value == "?" || value == "."; }
+
+THandle<CifDataItem> cif_check_find(const CifDataBlock& block, std::string_view name) {
+    const CifBlockNames* names = CifBlockNames::of(block);
+    if (names != nullptr && !names->may_hold(name)) return THandle<CifDataItem>();
+    return block.find(name);
+}
 
 CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const char*> names) {
     CifReading reading;
     for (const char* name : names) {
-        THandle<CifDataItem> item = block.find(name);
+        THandle<CifDataItem> item = cif_check_find(block, name);
         if (item.is_null() || !item->has_value()) continue;
         reading.name = item->name();
         std::string_view text = item->value_view(0);
@@ -27,7 +35,7 @@ CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const
 std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
                                                    std::initializer_list<const char*> names) {
     for (const char* name : names) {
-        THandle<CifDataItem> item = block.find(name);
+        THandle<CifDataItem> item = cif_check_find(block, name);
         if (item.is_null() || !item->has_value()) continue;
         std::string value(item->value_view(0));
         if (cif_check_unknown(value) && !item->is_quoted(0)) return {item->name(), std::string()};

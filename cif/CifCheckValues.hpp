@@ -23,6 +23,10 @@ struct CifReading {
     double stated_sigma() const { return number.has_uncertainty ? number.uncertainty : 0.0; }
 };
 
+// The item of that name, or null. While check_block() checks the block, its
+// name filter turns most missing names away before the block is asked.
+THandle<CifDataItem> cif_check_find(const CifDataBlock& block, std::string_view name);
+
 // ?, . and nothing.
 bool cif_check_unknown(std::string_view value);
 

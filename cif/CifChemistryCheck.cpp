@@ -9,6 +9,7 @@
 
 #include "cif/CifBlockSymmetry.hpp"
 #include "cif/CifCellContents.hpp"
+#include "cif/CifCheckValues.hpp"
 #include "cif/CifCheckFindings.hpp"
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifMoietyFormula.hpp"
@@ -23,10 +24,10 @@ using Dispersion = std::unordered_map<std::string, std::pair<double, double>>;
 
 Dispersion dispersion_of(const CifDataBlock& block) {
     Dispersion result;
-    THandle<CifDataItem> types = block.find("_atom_type_symbol");
-    THandle<CifDataItem> real = block.find("_atom_type_scat_dispersion_real");
+    THandle<CifDataItem> types = cif_check_find(block, "_atom_type_symbol");
+    THandle<CifDataItem> real = cif_check_find(block, "_atom_type_scat_dispersion_real");
     if (types.is_null() || real.is_null() || real->size() != types->size()) return result;
-    THandle<CifDataItem> imaginary = block.find("_atom_type_scat_dispersion_imag");
+    THandle<CifDataItem> imaginary = cif_check_find(block, "_atom_type_scat_dispersion_imag");
     if (!imaginary.is_null() && imaginary->size() != types->size()) imaginary = THandle<CifDataItem>();
     for (std::size_t n = 0; n < types->size(); ++n) {
         std::string element = cif_element_of(types->value_view(n));
@@ -172,8 +173,8 @@ void CifChemistryCheck::check_cell_contents() {
         z_.name + " " + cif_check_format(z_.value(), z_.number.unit) + " x '" + formula_text_ + "'";
 
     // The atom types' numbers in the cell.
-    THandle<CifDataItem> types = block_.find("_atom_type_symbol");
-    THandle<CifDataItem> numbers = block_.find("_atom_type_number_in_cell");
+    THandle<CifDataItem> types = cif_check_find(block_, "_atom_type_symbol");
+    THandle<CifDataItem> numbers = cif_check_find(block_, "_atom_type_number_in_cell");
     if (!types.is_null() && !numbers.is_null() && numbers->size() == types->size()) {
         std::map<std::string, double> stated;
         bool complete = true;

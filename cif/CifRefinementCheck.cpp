@@ -97,7 +97,7 @@ void CifRefinementCheck::check_residual_density() {
     CifChemicalFormula formula(formula_text);
     if (formula.valid()) {
         for (const auto& [element, count] : formula.parts()) consider(element);
-    } else if (THandle<CifDataItem> types = block_.find("_atom_type_symbol"); !types.is_null()) {
+    } else if (THandle<CifDataItem> types = cif_check_find(block_, "_atom_type_symbol"); !types.is_null()) {
         for (std::size_t n = 0; n < types->size(); ++n) consider(cif_element_of(types->value_view(n)));
     }
     if (z == 0) return;

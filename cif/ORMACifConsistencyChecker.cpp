@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "cif/CifBlockNames.hpp"
 #include "cif/CifBlockSymmetry.hpp"
 #include "cif/CifCheckFindings.hpp"
 #include "cif/CifCheckValues.hpp"
@@ -57,6 +58,10 @@ void ORMACifConsistencyChecker::check_block(const CifDataBlock& block) {
     // A block without items has nothing to compare (files of millions of
     // empty blocks exist).
     if (block.item_count() == 0) return;
+    // Most names the checks ask for are missing from a small block: its
+    // filter turns them away without a lookup each.
+    const CifBlockNames names(block);
+    const CifBlockNames::Scope scope(names);
     // Every check of the block asks this one for its space group.
     CifBlockSymmetry symmetry(block);
     check_cell(block);
@@ -291,7 +296,7 @@ void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
     };
     for (const auto& pair : counted) {
         Reading count = read(block, {pair[0]});
-        THandle<CifDataItem> rows = block.find(pair[1]);
+        THandle<CifDataItem> rows = cif_check_find(block, pair[1]);
         if (!count.ok || rows.is_null() || !rows->is_looped()) continue;
         if (std::fabs(count.value() - static_cast<double>(rows->size())) > 0.5)
             add(CifError::count_mismatch, block, count.name,
@@ -300,8 +305,8 @@ void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
 }
 
 void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
-    THandle<CifDataItem> sites = block.find("_atom_site_label");
-    if (sites.is_null()) sites = block.find("_atom_site.label");
+    THandle<CifDataItem> sites = cif_check_find(block, "_atom_site_label");
+    if (sites.is_null()) sites = cif_check_find(block, "_atom_site.label");
     if (sites.is_null()) return;
     // Keys and children the dictionary names are checked while reading.
     THandle<CifDictionary> dictionary = cif_->dictionary();
@@ -342,7 +347,7 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
     // A site's rows damaged by a syntax problem may hold any label.
     if (sound_sites < sites->size()) return;
     for (const char* child : children) {
-        THandle<CifDataItem> item = block.find(child);
+        THandle<CifDataItem> item = cif_check_find(block, child);
         if (item.is_null() || linked(child)) continue;
         std::unordered_set<std::string_view> reported;
         const std::size_t sound = findings_->sound_rows(block, *item);
