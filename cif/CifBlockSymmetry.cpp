@@ -40,7 +40,7 @@ std::optional<gemmi::GroupOps> from_number(int number) {
 
 struct CifBlockSymmetry::Ops {
     const gemmi::GroupOps* operators = nullptr;  // the list's, shared with other blocks
-    std::optional<gemmi::GroupOps> hall, other;        // other: from the symbol or the number
+    std::optional<gemmi::GroupOps> hall, other;  // other: from the symbol or the number
     const gemmi::GroupOps* chosen = nullptr;
     bool hall_built = false;
     // Every operation of the chosen group with its centrings, as the rows of

@@ -69,7 +69,8 @@ CifCellContents::CifCellContents(const CifDataBlock& block, const CifBlockSymmet
     THandle<CifDataItem> multiplicity = cif_check_find(block, "_atom_site_symmetry_multiplicity");
     THandle<CifDataItem> flags = cif_check_find(block, "_atom_site_calc_flag");
     THandle<CifDataItem> attached = cif_check_find(block, "_atom_site_attached_hydrogens");
-    THandle<CifDataItem> xyz[3] = {cif_check_find(block, "_atom_site_fract_x"), cif_check_find(block, "_atom_site_fract_y"),
+    THandle<CifDataItem> xyz[3] = {cif_check_find(block, "_atom_site_fract_x"),
+                                   cif_check_find(block, "_atom_site_fract_y"),
                                    cif_check_find(block, "_atom_site_fract_z")};
     CifReading cell[6];
     cif_check_read_cell(block, cell);

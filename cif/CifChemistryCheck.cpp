@@ -9,8 +9,8 @@
 
 #include "cif/CifBlockSymmetry.hpp"
 #include "cif/CifCellContents.hpp"
-#include "cif/CifCheckValues.hpp"
 #include "cif/CifCheckFindings.hpp"
+#include "cif/CifCheckValues.hpp"
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifMoietyFormula.hpp"
 

@@ -121,7 +121,8 @@ void CifRefinementCheck::check_absolute_structure() {
         findings_.add(CifError::absolute_structure_unsettled, CifError::warning, block_, flack.name,
                       " (" + cif_check_written(block_, flack) +
                           " given without _refine_ls_abs_structure_details saying how it was found)");
-    if (symmetry_.operations() != nullptr && !symmetry_.centrosymmetric() && flack.stated_sigma() > 0.3 + 1e-9)
+    if (symmetry_.operations() != nullptr && !symmetry_.centrosymmetric() &&
+        flack.stated_sigma() > 0.3 + 1e-9)
         findings_.add(CifError::absolute_structure_unsettled, CifError::remark, block_, flack.name,
                       " (" + cif_check_written(block_, flack) + ": its su " +
                           cif_check_format(flack.stated_sigma(), flack.number.unit) +

@@ -80,7 +80,6 @@ public:
     static SpacegroupCache::Group from_operators(const std::vector<std::string>& operators, int number);
 
 private:
-
     std::string symbol_;
     int number_ = 0;
     int given_number_;

@@ -53,7 +53,8 @@ SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) : texts
 
 SpacegroupOperators::~SpacegroupOperators() = default;
 
-std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(const std::vector<std::string_view>& texts) {
+std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
+    const std::vector<std::string_view>& texts) {
     // Each text's length in front of it keeps the lists apart.
     std::size_t size = 0;
     for (std::string_view text : texts) size += sizeof(std::uint32_t) + text.size();
@@ -72,7 +73,8 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(const std::ve
     ++all.misses;
     // The cache starts afresh when it has grown large; entries in use live on.
     if (all.entries.size() >= 4096) all.entries.clear();
-    auto entry = std::make_shared<const SpacegroupOperators>(std::vector<std::string>(texts.begin(), texts.end()));
+    auto entry =
+        std::make_shared<const SpacegroupOperators>(std::vector<std::string>(texts.begin(), texts.end()));
     all.entries.emplace(std::move(key), entry);
     return entry;
 }

@@ -10,6 +10,7 @@
 
 #include "cif/Spacegroup.hpp"
 #include "cif/SpacegroupCache.hpp"
+#include "cif/SpacegroupOperators.hpp"
 
 namespace {
 
@@ -171,6 +172,53 @@ TEST(Spacegroup, EveryTabulatedSettingIsFoundWithOrWithoutItsNumber) {
         ++checked;
     }
     EXPECT_EQ(checked, 559);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(SpacegroupOperators, AListAsWrittenHasOneEntryThatKeepsBothItsReadings) {
+    // Texts unlikely to be used by another test, so that counts are this test's own.
+    const std::vector<std::string_view> list = {"x,y,z", "-x,-y,z", "-x+1/2,y+1/2,-z", "x+1/2,-y+1/2,-z"};
+    const std::size_t misses = SpacegroupOperators::misses();
+    auto first = SpacegroupOperators::of(list);
+    EXPECT_EQ(SpacegroupOperators::misses(), misses + 1);
+    struct Case {
+        std::vector<std::string_view> texts;
+        bool same_entry;
+    };
+    const Case cases[] = {
+        {list, true},
+        {{"x,y,z", "-x,-y,z", "-x+1/2,y+1/2,-z"}, false},                      // a text fewer
+        {{"-x,-y,z", "x,y,z", "-x+1/2,y+1/2,-z", "x+1/2,-y+1/2,-z"}, false},   // another order
+        {{"x,y,z-x,-y", ",z", "-x+1/2,y+1/2,-z", "x+1/2,-y+1/2,-z"}, false},   // split elsewhere
+        {{"x,y,z", "-x,-y,z ", "-x+1/2,y+1/2,-z", "x+1/2,-y+1/2,-z"}, false},  // a blank more
+    };
+    for (const Case& c : cases) {
+        const std::size_t before = SpacegroupOperators::misses();
+        EXPECT_EQ(SpacegroupOperators::of(c.texts) == first, c.same_entry);
+        EXPECT_EQ(SpacegroupOperators::misses(), before + (c.same_entry ? 0 : 1));
+    }
+    // Both readings of one entry: the operations and the tabulated group.
+    ASSERT_NE(first->operations(), nullptr);
+    EXPECT_EQ(first->operations()->sym_ops.size(), 4u);
+    EXPECT_EQ(first->group(18).symbol, "P 21 21 2");
+    EXPECT_EQ(first->group(0).number, 18);  // found once: the number only ordered the search
+    // Another order is another entry whose group the normalised operators give.
+    SpacegroupCache& normalised = SpacegroupCache::by_operators();
+    const std::size_t hits = normalised.hits();
+    auto reordered = SpacegroupOperators::of(cases[2].texts);
+    EXPECT_EQ(reordered->group(18).symbol, "P 21 21 2");
+    EXPECT_EQ(normalised.hits(), hits + 1);
+    // Quotes inside a value: the group reads the triplet, the operations do not.
+    auto quoted = SpacegroupOperators::of({"'x,y,z'", "'-x,-y,z'"});
+    EXPECT_EQ(quoted->operations(), nullptr);
+    EXPECT_TRUE(quoted->group(3).readable);
+    EXPECT_EQ(quoted->group(3).symbol, "P 1 1 2");
+    auto unreadable = SpacegroupOperators::of({"x,y", "-x,-y,z"});
+    EXPECT_EQ(unreadable->operations(), nullptr);
+    EXPECT_FALSE(unreadable->group(0).readable);
 }
 
 }  // namespace
