@@ -16,12 +16,16 @@ CifKeyOrder::CifKeyOrder(std::vector<const CifDataItem*> columns)
 
 void CifKeyOrder::add_rows(std::size_t first, std::size_t last, const char* text) {
     const std::size_t width = columns_.size();
-    // A batch of rows at a time, each column's references side by side.
+    // A batch of rows at a time, each column's references side by side; the
+    // first batches are small, as most keys that are no integers show it in
+    // their first row.
     constexpr std::size_t batch = 1024;
     const std::size_t stride = std::min(last - first, batch);
     std::vector<CifValueRef> refs(width * stride);
+    std::size_t size = 8;
     while (first < last && exact_) {
-        const std::size_t stop = std::min(last, first + batch);
+        const std::size_t stop = std::min(last, first + size);
+        size = std::min(2 * size, batch);
         for (std::size_t c = 0; c < width; ++c)
             columns_[c]->values().copy_refs(first, stop - first, refs.data() + c * stride);
         for (std::size_t row = first; row < stop; ++row) {

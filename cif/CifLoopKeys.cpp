@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <string_view>
 
@@ -38,6 +39,27 @@ std::string joined(const std::vector<std::string>& parts) {
     std::string result;
     for (const std::string& part : parts) result += (result.empty() ? "" : ", ") + part;
     return result;
+}
+
+// A hash of a value, eight bytes at a time (equal values, equal hashes).
+std::uint64_t quick_hash(std::string_view value) {
+    std::uint64_t hash = value.size() * 0x9E3779B97F4A7C15ull;
+    const char* p = value.data();
+    std::size_t left = value.size();
+    for (; left >= 8; p += 8, left -= 8) {
+        std::uint64_t word;
+        std::memcpy(&word, p, 8);
+        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
+        hash ^= hash >> 32;
+    }
+    if (left > 0) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, p, left);
+        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
+    }
+    hash ^= hash >> 29;
+    hash *= 0xC4CEB9FE1A85EC53ull;
+    return hash ^ (hash >> 32);
 }
 
 // Whether no two rows share a fingerprint: a table of twice as many slots
@@ -252,6 +274,16 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
     // reported once, on its second row.
     std::vector<std::pair<std::uint64_t, std::uint32_t>> fingerprints;
     fingerprints.reserve(rows);
+    // The usual case first, rows all distinct, by a quicker hash; the order
+    // of the reports below follows the fingerprints of std::hash.
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (!read_row(row)) continue;
+        std::uint64_t hash = 1469598103934665603ull;
+        for (std::string_view value : values) hash = (hash ^ quick_hash(value)) * 1099511628211ull;
+        fingerprints.emplace_back(hash, static_cast<std::uint32_t>(row));
+    }
+    if (all_distinct(fingerprints)) return;
+    fingerprints.clear();
     for (std::size_t row = 0; row < rows; ++row) {
         if (!read_row(row)) continue;
         std::uint64_t hash = 1469598103934665603ull;
@@ -259,7 +291,6 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
             hash = (hash ^ std::hash<std::string_view>()(value)) * 1099511628211ull;
         fingerprints.emplace_back(hash, static_cast<std::uint32_t>(row));
     }
-    if (all_distinct(fingerprints)) return;  // the usual case, told without sorting
     std::sort(fingerprints.begin(), fingerprints.end());
     auto same = [&](std::size_t a, std::size_t b) {
         return std::all_of(key.begin(), key.end(),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An operator list as written, with the operations and the tabulated group it gives, found once per process.
+// An operator list as written, with its operations and tabulated group, worked out once per process.
 #pragma once
 
 #include <cstddef>
