@@ -177,7 +177,8 @@ constexpr CifErrorCatalogueEntry table[] = {
     {358, 1, "loop_key_missing", "Loop of %1 lacks its key data item %2",
      "A loop lacks an item that its columns refer to (_list_reference, such as the atom label of "
      "anisotropic parameters) or that its category makes mandatory (_list_mandatory), or an item of the key a"
-     " DDLm or DDL2 dictionary names for the category (_category_key.name; a remark, since programs may supply"
+     " DDLm or DDL2 dictionary names for the category (_category_key.name; a remark, since programs may "
+     "supply"
      " such keys); the line is that"
      " of the first column concerned."},
     {359, 1, "duplicate_key_value", "Value %2 of %1 occurs in more than one row",
@@ -304,16 +305,27 @@ const CifErrorCatalogueEntry* CifErrorCatalogue::find(int code) {
 std::span<const CifErrorCatalogueEntry> CifErrorCatalogue::entries() { return table; }
 
 std::string CifErrorCatalogue::format(int code, const std::string& text, const std::string& detail) {
-    const CifErrorCatalogueEntry* entry = find(code);
-    if (entry == nullptr) return "Message " + std::to_string(code) + ": " + text;
     std::string result;
-    for (const char* p = entry->message; *p != '\0'; ++p) {
+    append_format(result, code, text, detail);
+    return result;
+}
+
+void CifErrorCatalogue::append_format(std::string& out, int code, const std::string& text,
+                                      const std::string& detail) {
+    const CifErrorCatalogueEntry* entry = find(code);
+    if (entry == nullptr) {
+        out += "Message " + std::to_string(code) + ": " + text;
+        return;
+    }
+    // The message's text between its placeholders is appended a run at a time.
+    const char* run = entry->message;
+    for (const char* p = run; *p != '\0'; ++p) {
         if (p[0] == '%' && (p[1] == '1' || p[1] == '2')) {
-            result += p[1] == '1' ? text : detail;
+            out.append(run, static_cast<std::size_t>(p - run));
+            out += p[1] == '1' ? text : detail;
             ++p;
-        } else {
-            result += *p;
+            run = p + 1;
         }
     }
-    return result;
+    out += run;
 }

@@ -28,4 +28,6 @@ public:
     // The message of a code with %1 and %2 replaced by text and detail; an
     // unknown code gives "Message " + code + ": " + text.
     static std::string format(int code, const std::string& text, const std::string& detail);
+    // The same appended to out.
+    static void append_format(std::string& out, int code, const std::string& text, const std::string& detail);
 };

@@ -3,6 +3,9 @@
 #include "tools/CheckReport.hpp"
 
 #include <cstdio>
+#include <string_view>
+
+#include "cif/CifErrorCatalogue.hpp"
 
 namespace {
 
@@ -11,7 +14,7 @@ std::string counted(long count, const char* singular, const char* plural) {
 }
 
 // Whether the text is printable ASCII throughout, which terminal_text keeps as it is.
-bool plain(const std::string& text) {
+bool plain(std::string_view text) {
     for (char c : text) {
         if (c < 0x20 || c == 0x7F) return false;  // char is signed: bytes from 0x80 are negative
     }
@@ -150,11 +153,13 @@ void CheckReport::add(const FileCheckResult& result) {
         lines += " [";
         lines += std::to_string(message.id());
         lines += "]: ";
-        const std::string text = message.message();
-        if (plain(text))
-            lines += text;
-        else
+        const std::size_t start = lines.size();
+        CifErrorCatalogue::append_format(lines, message.id(), message.text(), message.detail());
+        if (!plain(std::string_view(lines).substr(start))) {
+            const std::string text = lines.substr(start);
+            lines.resize(start);
             lines += terminal_text(text);
+        }
         lines += '\n';
     }
     lines += file;
