@@ -66,6 +66,22 @@ CifNumber::Status CifNumber::classify(std::string_view text, bool& has_uncertain
     return Status::ok;
 }
 
+namespace {
+
+// 10 to the power, the nearest double as a decimal literal gives it (which
+// std::pow gives as well), from a table over the usual range.
+double power_of_ten(long exponent) {
+    static constexpr double table[] = {1e-22, 1e-21, 1e-20, 1e-19, 1e-18, 1e-17, 1e-16, 1e-15, 1e-14,
+                                       1e-13, 1e-12, 1e-11, 1e-10, 1e-9,  1e-8,  1e-7,  1e-6,  1e-5,
+                                       1e-4,  1e-3,  1e-2,  1e-1,  1e0,   1e1,   1e2,   1e3,   1e4,
+                                       1e5,   1e6,   1e7,   1e8,   1e9,   1e10,  1e11,  1e12,  1e13,
+                                       1e14,  1e15,  1e16,  1e17,  1e18,  1e19,  1e20,  1e21,  1e22};
+    if (exponent >= -22 && exponent <= 22) return table[exponent + 22];
+    return std::pow(10.0, static_cast<double>(exponent));
+}
+
+}  // namespace
+
 CifNumber CifNumber::parse(std::string_view text) {
     CifNumber number;
     number.status = classify(text, number.has_uncertainty);
@@ -79,7 +95,7 @@ CifNumber CifNumber::parse(std::string_view text) {
         std::string mantissa(text.substr(0, shape.length));
         number.value = std::strtod(mantissa.c_str(), nullptr);
     }
-    number.unit = std::pow(10.0, static_cast<double>(shape.exponent - shape.decimals));
+    number.unit = power_of_ten(shape.exponent - shape.decimals);
     if (number.has_uncertainty) {
         std::string_view digits = text.substr(shape.length + 1, text.size() - shape.length - 2);
         double units = 0.0;

@@ -414,6 +414,18 @@ TEST(CifNumber, ReadsValueUncertaintyAndLastDigit) {
     EXPECT_EQ(CifNumber::parse("").status, CifNumber::Status::not_a_number);
 }
 
+TEST(CifNumber, TheUnitOfTheLastDigitIsThePowerOfTenTheMathLibraryGives) {
+    // Written as 1eK, 0.00...1 and 1.0eK, within and beyond the tabulated range.
+    for (int k = -40; k <= 40; ++k) {
+        SCOPED_TRACE(k);
+        EXPECT_EQ(CifNumber::parse("1e" + std::to_string(k)).unit, std::pow(10.0, k));
+        if (k > 0) {
+            EXPECT_EQ(CifNumber::parse("0." + std::string(k - 1, '0') + "1").unit, std::pow(10.0, -k));
+        }
+        EXPECT_EQ(CifNumber::parse("1.0e" + std::to_string(k)).unit, std::pow(10.0, k - 1));
+    }
+}
+
 TEST(CifNumber, ValuesAreTheNearestDoubleAsTheCLibraryReadsThem) {
     // Signs, bare points, halfway cases, more digits than a double holds,
     // and values beyond its range (infinity, zero or the smallest).
