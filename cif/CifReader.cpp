@@ -125,7 +125,7 @@ void CifReader::read(std::string text) {
         all.erase(all.begin() + static_cast<std::ptrdiff_t>(limit), all.end());
     }
     THandle<CifErrorContainer> container = cif_.errors_;
-    for (const CifError& error : all) container->add(error);
+    for (CifError& error : all) container->add(std::move(error));
     if (overflowed)
         container->add(CifError(CifError::too_many_messages, all.empty() ? 1 : all.back().line()));
 }

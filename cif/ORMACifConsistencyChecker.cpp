@@ -50,7 +50,7 @@ void ORMACifConsistencyChecker::check_cif() {
     findings_ = &findings;
     for (const THandle<CifDataBlock>& block : cif_->blocks()) check_block(*block);
     check_publication();
-    for (const CifError& finding : findings.take()) cif_->errors()->add(finding);
+    for (CifError& finding : findings.take()) cif_->errors()->add(std::move(finding));
     findings_ = nullptr;
 }
 

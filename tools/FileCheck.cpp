@@ -58,8 +58,9 @@ FileCheckResult FileCheck::check(const std::string& file, THandle<Cif>* keep) co
             }
         }
     }
-    for (const CifError& message : *document->errors()) {
-        result.messages.push_back(message);
+    // The messages are moved out: only the last document outlives its check.
+    result.messages = document->errors()->take();
+    for (const CifError& message : result.messages) {
         if (message.type() == CifError::error) ++result.errors;
         if (message.type() == CifError::warning) ++result.warnings;
         if (message.type() == CifError::remark) ++result.remarks;
