@@ -62,19 +62,20 @@ std::uint64_t quick_hash(std::string_view value) {
     return hash ^ (hash >> 32);
 }
 
-// Whether no two rows share a fingerprint: a table of twice as many slots
-// as rows, probed in turn.
-bool all_distinct(const std::vector<std::pair<std::uint64_t, std::uint32_t>>& fingerprints) {
+// Whether no two rows share a quick hash: a table of at least twice as
+// many slots as rows, probed in turn (a hash of 0 counts as 1, which at
+// worst sends a loop to the full search). The table is the caller's, kept
+// between loops.
+bool all_distinct(const std::vector<std::uint64_t>& hashes, std::vector<std::uint64_t>& slots) {
     std::size_t size = 16;
-    while (size < 2 * fingerprints.size()) size *= 2;
-    std::vector<std::uint64_t> slots(size);
-    std::vector<bool> used(size);
-    for (const auto& [hash, row] : fingerprints) {
+    while (size < 2 * hashes.size()) size *= 2;
+    slots.assign(size, 0);
+    for (std::uint64_t hash : hashes) {
+        hash += hash == 0;
         std::size_t at = (hash ^ (hash >> 29)) & (size - 1);
-        for (; used[at]; at = (at + 1) & (size - 1)) {
+        for (; slots[at] != 0; at = (at + 1) & (size - 1)) {
             if (slots[at] == hash) return false;
         }
-        used[at] = true;
         slots[at] = hash;
     }
     return true;
@@ -272,18 +273,18 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
     // Otherwise a fingerprint per row, sorted, so that equal ones stand side
     // by side; equal rows among them are repetitions, each combination
     // reported once, on its second row.
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> fingerprints;
-    fingerprints.reserve(rows);
     // The usual case first, rows all distinct, by a quicker hash; the order
     // of the reports below follows the fingerprints of std::hash.
+    hashes_.clear();
     for (std::size_t row = 0; row < rows; ++row) {
         if (!read_row(row)) continue;
         std::uint64_t hash = 1469598103934665603ull;
         for (std::string_view value : values) hash = (hash ^ quick_hash(value)) * 1099511628211ull;
-        fingerprints.emplace_back(hash, static_cast<std::uint32_t>(row));
+        hashes_.push_back(hash);
     }
-    if (all_distinct(fingerprints)) return;
-    fingerprints.clear();
+    if (all_distinct(hashes_, slots_)) return;
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> fingerprints;
+    fingerprints.reserve(rows);
     for (std::size_t row = 0; row < rows; ++row) {
         if (!read_row(row)) continue;
         std::uint64_t hash = 1469598103934665603ull;

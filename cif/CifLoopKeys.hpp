@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -54,4 +55,6 @@ private:
     const CifDictionary& dictionary_;
     // Categories whose facts the dictionary does not keep.
     std::unordered_map<std::string, CifCategoryFacts> gathered_;
+    // Scratch of check_key(), kept from loop to loop.
+    mutable std::vector<std::uint64_t> hashes_, slots_;
 };

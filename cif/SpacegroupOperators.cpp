@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// An operator list as written, with its operations and tabulated group, worked out once per process.
+// An operator list as written, its operations and its tabulated group, found once per process.
 #include "cif/SpacegroupOperators.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <cstring>
 #include <gemmi/symmetry.hpp>
 #include <stdexcept>
 #include <unordered_map>
@@ -38,9 +40,35 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& o
 
 struct Lists {
     std::mutex mutex;
-    std::unordered_map<std::string, std::shared_ptr<const SpacegroupOperators>> entries;
+    // Under a hash of the texts; the texts themselves tell entries apart.
+    std::unordered_multimap<std::uint64_t, std::shared_ptr<const SpacegroupOperators>> entries;
     std::atomic<std::size_t> lookups{0}, misses{0};
 };
+
+// A hash of the texts in order, each with its length, eight bytes at a time.
+std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
+    std::uint64_t hash = texts.size() * 0x9E3779B97F4A7C15ull;
+    auto mix = [&hash](std::uint64_t word) {
+        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
+        hash ^= hash >> 32;
+    };
+    for (std::string_view text : texts) {
+        mix(text.size());
+        const char* p = text.data();
+        std::size_t left = text.size();
+        for (; left >= 8; p += 8, left -= 8) {
+            std::uint64_t word;
+            std::memcpy(&word, p, 8);
+            mix(word);
+        }
+        if (left > 0) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, p, left);
+            mix(word);
+        }
+    }
+    return hash;
+}
 
 Lists& lists() {
     static Lists instance;
@@ -55,27 +83,21 @@ SpacegroupOperators::~SpacegroupOperators() = default;
 
 std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
     const std::vector<std::string_view>& texts) {
-    // Each text's length in front of it keeps the lists apart.
-    std::size_t size = 0;
-    for (std::string_view text : texts) size += sizeof(std::uint32_t) + text.size();
-    std::string key;
-    key.reserve(size);
-    for (std::string_view text : texts) {
-        const auto length = static_cast<std::uint32_t>(text.size());
-        key.append(reinterpret_cast<const char*>(&length), sizeof length);
-        key += text;
-    }
+    const std::uint64_t hash = hash_of(texts);
     Lists& all = lists();
     ++all.lookups;
     std::lock_guard<std::mutex> lock(all.mutex);
-    auto found = all.entries.find(key);
-    if (found != all.entries.end()) return found->second;
+    auto [first, last] = all.entries.equal_range(hash);
+    for (auto found = first; found != last; ++found) {
+        const std::vector<std::string>& kept = found->second->texts_;
+        if (std::equal(kept.begin(), kept.end(), texts.begin(), texts.end())) return found->second;
+    }
     ++all.misses;
     // The cache starts afresh when it has grown large; entries in use live on.
     if (all.entries.size() >= 4096) all.entries.clear();
     auto entry =
         std::make_shared<const SpacegroupOperators>(std::vector<std::string>(texts.begin(), texts.end()));
-    all.entries.emplace(std::move(key), entry);
+    all.entries.emplace(hash, entry);
     return entry;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An operator list as written, with its operations and tabulated group, worked out once per process.
+// An operator list as written, its operations and its tabulated group, found once per process.
 #pragma once
 
 #include <cstddef>
