@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <gemmi/symmetry.hpp>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
+#include <unordered_map>
 
 #include "cif/SpacegroupCache.hpp"
 #include "cif/SpacegroupOperators.hpp"
@@ -95,6 +98,26 @@ const gemmi::SpaceGroup* find(const std::string& symbol) {
     return find_name(plain);
 }
 
+// A tabulated setting's operations, counted and sorted as a comparison of
+// groups needs them, made once per process (thread-safe; never dropped).
+struct SettingOps {
+    std::size_t sym = 0, cen = 0;
+    std::vector<gemmi::Op> sorted;
+};
+
+const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
+    static std::mutex mutex;
+    static std::unordered_map<const gemmi::SpaceGroup*, std::unique_ptr<SettingOps>> kept;
+    std::lock_guard<std::mutex> lock(mutex);
+    std::unique_ptr<SettingOps>& slot = kept[&setting];
+    if (!slot) {
+        const gemmi::GroupOps ops = setting.operations();
+        slot = std::make_unique<SettingOps>(
+            SettingOps{ops.sym_ops.size(), ops.cen_ops.size(), ops.all_ops_sorted()});
+    }
+    return *slot;
+}
+
 // The setting a symbol names ("" and 0 when none), looked up once per
 // distinct text: files of a run mostly name a few groups.
 SpacegroupCache::Group named(const std::string& symbol) {
@@ -153,13 +176,17 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
         // The settings of the number given are tried first: operators that
         // form a setting form it under its own number, and the first such
         // setting in table order is the one the whole search would find.
+        // (As GroupOps::is_same_as compares them, the settings' side kept.)
         const gemmi::SpaceGroup* found = nullptr;
         char centring = group_ops.find_centering();
+        const std::vector<gemmi::Op> sorted = group_ops.all_ops_sorted();
         for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
             if (number < 1 || number > 230) break;
             if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]))
                 continue;
-            if (group_ops.is_same_as(setting.operations())) {
+            const SettingOps& tabulated = setting_ops(setting);
+            if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
+                tabulated.sorted == sorted) {
                 found = &setting;
                 break;
             }
