@@ -106,6 +106,14 @@ inline QString pdfText(const QString& pdf) {
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
+// Opens the file in the window as a file given on the command line and
+// waits until it is read (and, when it is small, checked).
+inline void loadAndWait(QcbsMainWindow& window, const QString& path) {
+    QSignalSpy loaded(&window, &QcbsMainWindow::documentLoaded);
+    ASSERT_TRUE(window.load(path, false, true));
+    ASSERT_TRUE(loaded.count() == 1 || loaded.wait(20000));
+}
+
 // A main window whose dictionaries are the team's test dictionary alone
 // (TESSARY_DICTIONARIES points at a directory holding only it), with its
 // own settings and a directory for the files a test opens.
@@ -122,10 +130,7 @@ protected:
     }
     // Writes the text to `fileName`, opens it and waits until it is read and checked.
     void openText(const QByteArray& text, const QString& fileName) {
-        const QString path = writeBytes(files_.filePath(fileName), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+        ASSERT_NO_FATAL_FAILURE(loadAndWait(*window_, writeBytes(files_.filePath(fileName), text)));
         ASSERT_FALSE(window_->currentCif().is_null());
     }
 
@@ -148,10 +153,7 @@ protected:
 
     // Writes the text to `fileName`, opens it and waits until it is read.
     void openText(const QByteArray& text, const QString& fileName) {
-        const QString path = writeBytes(files_.filePath(fileName), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+        loadAndWait(*window_, writeBytes(files_.filePath(fileName), text));
     }
     QString text() const { return QString::fromUtf8(window_->document()->fileBytes()); }
     // Calls the window's launching slot, with the cursor first put on a
