@@ -98,7 +98,6 @@ TEST_F(PreferencesDialog, ListsItsPagesOnTheLeftAndShowsTheOneChosen) {
     QStringList titles;
     for (int i = 0; i < dialog->pageList()->count(); ++i) titles << dialog->pageList()->item(i)->text();
     EXPECT_EQ(titles, (QStringList{"Editor", "Checking", "Dictionaries", "Contact author"}));
-    EXPECT_EQ(titles, Dialog::pageTitles());
     dialog->pageList()->setCurrentRow(2);
     EXPECT_EQ(dialog->currentPage(), dialog->dictionaryPage());
     // Asked for again, the same dialog comes to the front.
@@ -195,17 +194,6 @@ TEST_F(PreferencesDialog, EachOptionSetInTheDialogReachesEveryWindowAndTheSettin
         for (const QcbsMainWindow* window : {&first_, &second_}) EXPECT_TRUE(row.applied(*window));
         EXPECT_EQ(stored(row.key), row.written);
     }
-}
-
-TEST_F(PreferencesDialog, TheNextCheckOfEveryWindowUsesTheNewLimits) {
-    const QString longLine = "_own_value 1 # " + QString(80, u'x');
-    for (QcbsMainWindow* window : {&first_, &second_})
-        EXPECT_EQ(warningsAfterChecking(*window, "data_a\n" + longLine + "\n").size(), 1);
-    Dialog* dialog = open();
-    dialog->checkingPage()->lineLengthBox()->setValue(200);
-    ok(dialog);
-    for (QcbsMainWindow* window : {&first_, &second_})
-        EXPECT_EQ(warningsAfterChecking(*window, "data_a\n" + longLine + "\n"), QStringList());
 }
 
 TEST_F(PreferencesDialog, CancelLeavesTheSettingsFileTheWindowsAndTheSharedPartsAsTheyWere) {
