@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QMainWindow>
 #include <QMenu>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -347,6 +348,30 @@ TEST(QcbsRichTextEdit, OwnerShortcutsPassThroughWhileOtherKeysEdit) {
     QTest::keyClick(edit, 'F', Qt::ShiftModifier);
     EXPECT_EQ(edit->toPlainText(), "abcF");
     EXPECT_EQ(find, 1);
+}
+
+// Qt hands a drop only to the widget that took the drag; the test calls
+// the handler itself.
+struct DropTarget : QcbsRichTextEdit {
+    DropTarget() : QcbsRichTextEdit(THandle<CifDictionary>(), newStyles()) {}
+    using QcbsRichTextEdit::dragEnterEvent;
+    using QcbsRichTextEdit::dropEvent;
+};
+
+TEST(QcbsRichTextEdit, DroppedFilesGoToTheOwnerInsteadOfTheText) {
+    DropTarget edit;
+    edit.setPlainText("text");
+    QSignalSpy drops(&edit, &QcbsRichTextEdit::dropEventRequest);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile("/tmp/other.cif")});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    edit.dragEnterEvent(&enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    edit.dropEvent(&drop);
+    ASSERT_EQ(drops.count(), 1);
+    EXPECT_EQ(drops.at(0).at(0).value<QDropEvent*>(), &drop);
+    EXPECT_EQ(edit.toPlainText(), "text");
 }
 
 }  // namespace
