@@ -25,6 +25,7 @@
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "document/QcbsCifDocument.hpp"
+#include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
@@ -104,6 +105,32 @@ inline QString pdfText(const QString& pdf) {
     process.start(QStandardPaths::findExecutable("pdftotext"), {"-layout", pdf, "-"});
     process.waitForFinished(30000);
     return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+// A window's document and editor without the window, as the document tests use them.
+struct EditorDocument {
+    QcbsRichTextEdit editor{THandle<CifDictionary>(),
+                            THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings())};
+    QcbsCifDocument document{&editor};
+
+    // Loads the bytes (or the file) and waits until the text is in.
+    bool load(const QByteArray& bytes, const QString& name = "/data/x.cif") {
+        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
+        document.load(name, bytes);
+        return loaded.count() == 1 || loaded.wait(20000);
+    }
+    bool loadFile(const QString& name) {
+        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
+        return document.loadFile(name) && (loaded.count() == 1 || loaded.wait(20000));
+    }
+};
+
+// Opens the file in the window as the user does (asking where there is
+// something to ask) and waits until it is read.
+inline void openInWindow(QcbsMainWindow& window, const QString& path) {
+    window.fileOpen(path, true);
+    ASSERT_TRUE(waitUntil([&] { return !window.currentEditor()->isLoading(); }));
+    ASSERT_EQ(window.fileName(), path);
 }
 
 // Opens the file in the window as a file given on the command line and
