@@ -33,12 +33,7 @@ class DiskChange : public ::testing::Test {
 protected:
     ~DiskChange() override { window_.currentEditor()->setModified(false); }
 
-    // Opens the file in the window and waits until it is read.
-    void open(const QString& path) {
-        window_.fileOpen(path, true);
-        ASSERT_TRUE(waitUntil([&] { return !editor()->isLoading(); }));
-        ASSERT_EQ(window_.fileName(), path);
-    }
+    void open(const QString& path) { openInWindow(window_, path); }
     // Types a line at the end of the text.
     void type(const QString& line) {
         QTest::keyClick(editor(), Qt::Key_End, Qt::ControlModifier);
