@@ -7,12 +7,12 @@
 #include <cstdio>
 #include <numbers>
 
-#include "cif/CifBlockNames.hpp"
+#include "cif/CifBlockNameFilter.hpp"
 
 bool cif_check_unknown(std::string_view value) { return value.empty() || value == "?" || value == "."; }
 
 THandle<CifDataItem> cif_check_find(const CifDataBlock& block, std::string_view name) {
-    const CifBlockNames* names = CifBlockNames::of(block);
+    const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
     if (names != nullptr && !names->may_hold(name)) return THandle<CifDataItem>();
     return block.find(name);
 }

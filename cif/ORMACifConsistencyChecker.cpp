@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "cif/CifBlockNames.hpp"
+#include "cif/CifBlockNameFilter.hpp"
 #include "cif/CifBlockSymmetry.hpp"
 #include "cif/CifCheckFindings.hpp"
 #include "cif/CifCheckValues.hpp"
@@ -60,8 +60,8 @@ void ORMACifConsistencyChecker::check_block(const CifDataBlock& block) {
     if (block.item_count() == 0) return;
     // Most names the checks ask for are missing from a small block: its
     // filter turns them away without a lookup each.
-    const CifBlockNames names(block);
-    const CifBlockNames::Scope scope(names);
+    const CifBlockNameFilter names(block);
+    const CifBlockNameFilter::Scope scope(names);
     // Every check of the block asks this one for its space group.
     CifBlockSymmetry symmetry(block);
     check_cell(block);

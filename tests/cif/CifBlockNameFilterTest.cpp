@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "cif/CifBlockNames.hpp"
+#include "cif/CifBlockNameFilter.hpp"
 #include "cif/CifCheckValues.hpp"
 #include "tests/cif/CifTestSupport.hpp"
 
@@ -33,12 +33,12 @@ std::string swapped_case(std::string name) {
     return name;
 }
 
-TEST(CifBlockNames, EveryNameTheBlockHoldsPassesInAnyCase) {
+TEST(CifBlockNameFilter, EveryNameTheBlockHoldsPassesInAnyCase) {
     for (int count : {1, 30, 256, 300}) {
         SCOPED_TRACE(count);
         THandle<Cif> cif = cif_test::read(block_of(count));
         const CifDataBlock& block = *cif->blocks().front();
-        const CifBlockNames names(block);
+        const CifBlockNameFilter names(block);
         for (auto item = block.begin_write_order(); item != block.end_write_order(); ++item) {
             EXPECT_TRUE(names.may_hold((*item)->name())) << (*item)->name();
             EXPECT_TRUE(names.may_hold(swapped_case((*item)->name()))) << (*item)->name();
@@ -46,10 +46,10 @@ TEST(CifBlockNames, EveryNameTheBlockHoldsPassesInAnyCase) {
     }
 }
 
-TEST(CifBlockNames, MostNamesTheBlockLacksAreTurnedAwayUnlessItHoldsVeryMany) {
+TEST(CifBlockNameFilter, MostNamesTheBlockLacksAreTurnedAwayUnlessItHoldsVeryMany) {
     auto passed = [](int count) {
         THandle<Cif> cif = cif_test::read(block_of(count));
-        const CifBlockNames names(*cif->blocks().front());
+        const CifBlockNameFilter names(*cif->blocks().front());
         int passed = 0;
         THandle<Cif> others = cif_test::read(block_of(1000, 5000));
         const CifDataBlock& absent = *others->blocks().front();
@@ -62,13 +62,13 @@ TEST(CifBlockNames, MostNamesTheBlockLacksAreTurnedAwayUnlessItHoldsVeryMany) {
     EXPECT_EQ(passed(300), 1000);  // too many names to tell: all pass
 }
 
-TEST(CifBlockNames, ChecksFindWhatTheBlockHoldsWithOrWithoutTheFilter) {
+TEST(CifBlockNameFilter, ChecksFindWhatTheBlockHoldsWithOrWithoutTheFilter) {
     THandle<Cif> cif = cif_test::read("data_a\n_cell_length_a 5.1(2)\n_Cell_Volume 10\n_x ?\n");
     THandle<Cif> other = cif_test::read("data_b\n_cell_measurement_theta_min 2\n");
     const CifDataBlock& block = *cif->blocks().front();
     const CifDataBlock& other_block = *other->blocks().front();
-    const CifBlockNames names(block);
-    EXPECT_EQ(CifBlockNames::of(block), nullptr);
+    const CifBlockNameFilter names(block);
+    EXPECT_EQ(CifBlockNameFilter::of(block), nullptr);
     struct Case {
         const char* name;
         bool held;
@@ -85,10 +85,10 @@ TEST(CifBlockNames, ChecksFindWhatTheBlockHoldsWithOrWithoutTheFilter) {
         {"", false},
     };
     for (int scoped = 0; scoped < 2; ++scoped) {
-        std::optional<CifBlockNames::Scope> scope;
+        std::optional<CifBlockNameFilter::Scope> scope;
         if (scoped == 1) scope.emplace(names);
-        EXPECT_EQ(CifBlockNames::of(block), scoped == 1 ? &names : nullptr);
-        EXPECT_EQ(CifBlockNames::of(other_block), nullptr);  // another block is asked itself
+        EXPECT_EQ(CifBlockNameFilter::of(block), scoped == 1 ? &names : nullptr);
+        EXPECT_EQ(CifBlockNameFilter::of(other_block), nullptr);  // another block is asked itself
         for (const Case& c : cases) {
             SCOPED_TRACE(std::string(c.name) + (scoped == 1 ? " with the filter" : " without"));
             EXPECT_EQ(!cif_check_find(block, c.name).is_null(), c.held);
@@ -98,7 +98,7 @@ TEST(CifBlockNames, ChecksFindWhatTheBlockHoldsWithOrWithoutTheFilter) {
         EXPECT_TRUE(volume.ok);
         EXPECT_EQ(volume.name, "_Cell_Volume");
     }
-    EXPECT_EQ(CifBlockNames::of(block), nullptr);  // the scope is over
+    EXPECT_EQ(CifBlockNameFilter::of(block), nullptr);  // the scope is over
 }
 
 }  // namespace

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The names a block holds, as a filter the cross-checks ask before looking a name up.
-#include "cif/CifBlockNames.hpp"
+#include "cif/CifBlockNameFilter.hpp"
 
 #include <cstring>
 
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifDataItem.hpp"
 
-thread_local const CifBlockNames* CifBlockNames::current_ = nullptr;
+thread_local const CifBlockNameFilter* CifBlockNameFilter::current_ = nullptr;
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr std::size_t most_names = 256;
 
 }  // namespace
 
-CifBlockNames::CifBlockNames(const CifDataBlock& block) : block_(&block) {
+CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&block) {
     if (block.item_count() > most_names) {
         all_ = true;
         return;
@@ -27,7 +27,7 @@ CifBlockNames::CifBlockNames(const CifDataBlock& block) : block_(&block) {
 // The length, the first eight bytes after the leading underscore and the
 // last eight, each byte with its 0x20 bit set as the block's name table
 // does (a letter and its capital alike), mixed into two 32-bit halves.
-std::uint64_t CifBlockNames::key_of(std::string_view name) {
+std::uint64_t CifBlockNameFilter::key_of(std::string_view name) {
     constexpr std::uint64_t case_bits = 0x2020202020202020ull;
     std::uint64_t head = 0, tail = 0;
     const std::size_t size = name.size();
@@ -42,12 +42,12 @@ std::uint64_t CifBlockNames::key_of(std::string_view name) {
     return key ^ (key >> 29);
 }
 
-void CifBlockNames::add(std::string_view name) {
+void CifBlockNameFilter::add(std::string_view name) {
     const std::uint64_t key = key_of(name);
     bits_[(key >> 6) & (words - 1)] |= std::uint64_t{1} << (key & 63);
     bits_[(key >> 38) & (words - 1)] |= std::uint64_t{1} << ((key >> 32) & 63);
 }
 
-CifBlockNames::Scope::Scope(const CifBlockNames& names) : previous_(current_) { current_ = &names; }
+CifBlockNameFilter::Scope::Scope(const CifBlockNameFilter& names) : previous_(current_) { current_ = &names; }
 
-CifBlockNames::Scope::~Scope() { current_ = previous_; }
+CifBlockNameFilter::Scope::~Scope() { current_ = previous_; }

@@ -15,9 +15,9 @@ class CifDataBlock;
 // block's table; a name it lets through is looked up as before. It never
 // turns away a name the block holds (ASCII case aside), so answers are those
 // of the block itself. Blocks of very many names let every name through.
-class CifBlockNames {
+class CifBlockNameFilter {
 public:
-    explicit CifBlockNames(const CifDataBlock& block);
+    explicit CifBlockNameFilter(const CifDataBlock& block);
 
     // False only when the block holds no item of this name.
     bool may_hold(std::string_view name) const {
@@ -29,20 +29,20 @@ public:
 
     // The filter that check_block() set up for this block on this thread;
     // null when it set up none or one of another block.
-    static const CifBlockNames* of(const CifDataBlock& block) {
+    static const CifBlockNameFilter* of(const CifDataBlock& block) {
         return current_ != nullptr && current_->block_ == &block ? current_ : nullptr;
     }
 
     // Makes a filter the thread's own while it lives (one block at a time).
     class Scope {
     public:
-        explicit Scope(const CifBlockNames& names);
+        explicit Scope(const CifBlockNameFilter& names);
         ~Scope();
         Scope(const Scope&) = delete;
         Scope& operator=(const Scope&) = delete;
 
     private:
-        const CifBlockNames* previous_;
+        const CifBlockNameFilter* previous_;
     };
 
 private:
@@ -53,5 +53,5 @@ private:
     const CifDataBlock* block_;
     bool all_ = false;
     std::uint64_t bits_[words] = {};
-    static thread_local const CifBlockNames* current_;
+    static thread_local const CifBlockNameFilter* current_;
 };
