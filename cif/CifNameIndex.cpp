@@ -59,7 +59,8 @@ std::size_t CifNameIndex::find(const ItemList& items, std::string_view name) con
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
         const Slot& slot = slots_[i];
         if (slot.position == 0) return npos;
-        if (slot.hash == hash && cif_iequals(items[slot.position - 1]->name(), name)) return slot.position - 1;
+        if (slot.hash == hash && cif_iequals(items[slot.position - 1]->name(), name))
+            return slot.position - 1;
     }
 }
 

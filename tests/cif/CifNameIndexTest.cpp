@@ -27,7 +27,8 @@ TEST(CifNameIndex, FindsEveryPositionInAnyCaseThroughGrowthAndRebuilding) {
         index.add(items, items.size() - 1);
         // Every name added so far is found, across each growth of the table.
         if (i == 11 || i == 12 || i == 13 || i == 299) {
-            for (int j = 0; j <= i; ++j) EXPECT_EQ(index.find(items, upper(items[j]->name())), std::size_t(j));
+            for (int j = 0; j <= i; ++j)
+                EXPECT_EQ(index.find(items, upper(items[j]->name())), std::size_t(j));
         }
     }
     EXPECT_EQ(index.size(), 300u);
