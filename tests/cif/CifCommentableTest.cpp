@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Comments of every kind kept apart in their packed storage through appends, replacements, copies and moves.
+// Comments of every kind kept apart in their packed storage through edits, copies and moves.
 #include <gtest/gtest.h>
 
 #include <array>
