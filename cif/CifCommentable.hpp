@@ -2,9 +2,9 @@
 // The comment text that blocks and data items carry.
 #pragma once
 
-#include <array>
-#include <memory>
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 // A part of a document that carries comment text: blocks and data items.
 // Comments are kept as the lines read, each with its leading "#", joined by
@@ -20,15 +20,27 @@ public:
 
     CifCommentable() = default;
     CifCommentable(const CifCommentable& other);
+    CifCommentable(CifCommentable&& other) noexcept;
     CifCommentable& operator=(const CifCommentable& other);
-    virtual ~CifCommentable() = default;
+    CifCommentable& operator=(CifCommentable&& other) noexcept;
+    // Not virtual: nothing is deleted through this base, and items and
+    // blocks are many, so they carry no table of virtual functions.
+    ~CifCommentable();
 
     std::string comments(CommentType type = preceding_comment) const;
-    void set_comments(const std::string& text, CommentType type = preceding_comment);
+    void set_comments(std::string_view text, CommentType type = preceding_comment);
     // Adds lines after those already held (the reader gathers them so).
-    void append_comments(const std::string& text, CommentType type = preceding_comment);
-    bool has_comments() const;
+    void append_comments(std::string_view text, CommentType type = preceding_comment);
+    bool has_comments() const { return packed_ != nullptr; }
 
 private:
-    std::unique_ptr<std::array<std::string, 4>> comments_;  // absent while all are empty
+    // The four kinds in one allocation sized to what they hold: four 32-bit
+    // lengths, then the texts one after another. Null while all are empty;
+    // the commonest comment (a lone "#" before the object) is one shared
+    // constant, not an allocation per object.
+    std::string_view part(int type) const;
+    void replace(int type, std::string_view first, std::string_view second);
+    void release();
+
+    const std::uint32_t* packed_ = nullptr;
 };

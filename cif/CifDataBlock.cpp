@@ -72,9 +72,10 @@ void CifDataBlock::set_value(const std::string& tag, const std::string& value) {
 void CifDataBlock::remove(const std::string& tag) {
     THandle<CifDataItem> item = lookup(tag);
     if (item.is_null()) return;
-    if (contents().indexed) contents().index.erase(std::string_view(item->name()));
     if (item->is_looped()) take_out_of_loop(item);
     contents().order.erase(std::find(contents().order.begin(), contents().order.end(), item));
+    // The index holds positions in the list: the items after it moved.
+    if (!contents().index.empty()) build_index();
 }
 
 void CifDataBlock::remove(const std::vector<std::string>& tags) {
@@ -248,7 +249,6 @@ void CifDataBlock::copy(const CifDataBlock& other) {
     end_line_ = other.end_line_;
     contents().order.clear();
     contents().index.clear();
-    contents().indexed = false;
     contents().loops.clear();
     contents().frames.clear();
     std::unordered_map<const CifDataItem*, THandle<CifDataItem>> copies;
@@ -292,11 +292,8 @@ void CifDataBlock::merge(const CifDataBlock& other, OverwriteMode mode) {
         if (mode == overwrite_existing) {
             THandle<CifDataItem> copy = adopt(*item);
             if (mine->is_looped()) take_out_of_loop(mine);
+            // In the same place, under a name the same but for case: the index stands.
             *std::find(contents().order.begin(), contents().order.end(), mine) = copy;
-            if (contents().indexed) {
-                contents().index.erase(std::string_view(mine->name()));
-                contents().index.emplace(copy->name(), copy);
-            }
         } else if (mode == fill_unknown && !mine->is_looped() &&
                    (!mine->has_value() || is_unknown(mine->value_view(0), mine->is_quoted(0)))) {
             mine->clear_values();
@@ -360,13 +357,17 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
     position = std::min(position, rest.size());
     rest.insert(rest.begin() + static_cast<std::ptrdiff_t>(position), moved.begin(), moved.end());
     contents().order.swap(rest);
+    if (!contents().index.empty()) build_index();
 }
 
 bool CifDataBlock::add_item(THandle<CifDataItem> item) {
     if (!lookup(item->name()).is_null()) return false;
+    // Room for a small block's items at once (a save frame of a dictionary
+    // holds about eight): one allocation instead of four.
+    if (contents().order.empty()) contents().order.reserve(small_block);
     contents().order.push_back(item);
-    if (contents().indexed) {
-        contents().index.emplace(item->name(), item);
+    if (!contents().index.empty()) {
+        contents().index.add(contents().order, contents().order.size() - 1);
     } else if (contents().order.size() > small_block) {
         build_index();
     }
@@ -376,9 +377,9 @@ bool CifDataBlock::add_item(THandle<CifDataItem> item) {
 THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
     if (contents_ == nullptr) return THandle<CifDataItem>();
     const Contents& c = *contents_;
-    if (c.indexed) {
-        const THandle<CifDataItem>* found = c.index.find(tag);
-        return found == nullptr ? THandle<CifDataItem>() : *found;
+    if (!c.index.empty()) {
+        const std::size_t found = c.index.find(c.order, tag);
+        return found == CifNameIndex::npos ? THandle<CifDataItem>() : c.order[found];
     }
     for (const THandle<CifDataItem>& item : c.order) {
         if (cif_iequals(item->name(), tag)) return item;
@@ -387,10 +388,12 @@ THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
 }
 
 void CifDataBlock::build_index() {
-    contents().index.clear();
-    contents().index.reserve(contents().order.size());
-    for (const THandle<CifDataItem>& item : contents().order) contents().index.emplace(item->name(), item);
-    contents().indexed = true;
+    Contents& c = contents();
+    if (c.order.size() > small_block) {
+        c.index.build(c.order);
+    } else {
+        c.index.clear();
+    }
 }
 
 bool CifDataBlock::add_loop(const ItemList& columns) {
@@ -414,7 +417,7 @@ void CifDataBlock::print_frame(std::ostream& stream, const CifWriteSettings& set
 
 THandle<CifDataItem> CifDataBlock::adopt(const CifDataItem& item) const {
     THandle<CifDataItem> copy = item.clone();
-    copy->dictionary_ = dictionary_;
+    copy->dictionary_ = copy->store_->keep(dictionary_);
     return copy;
 }
 

@@ -137,10 +137,9 @@ private:
     // What a block holds, apart, so that an empty block costs little.
     struct Contents {
         ItemList order;
-        // Keyed by views of the items' own names, compared without regard
-        // to case; built once a block holds more than a few items.
+        // The positions in order by the items' own names, compared without
+        // regard to case; built once a block holds more than a few items.
         CifNameIndex index;
-        bool indexed = false;
         std::vector<ItemList> loops;
         std::vector<THandle<CifDataBlock>> frames;
     };

@@ -19,7 +19,7 @@ CifDataItem::CifDataItem(std::string name, THandle<CifTextStore> store, THandle<
                          int line)
     : store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
       name_(&store_->intern(name)),
-      dictionary_(dictionary),
+      dictionary_(store_->keep(dictionary)),
       line_(line) {
     values_.set_text(store_->text().c_str());
 }
@@ -67,17 +67,18 @@ void CifDataItem::copy_value_from(std::size_t n, const CifDataItem& other, std::
 }
 
 int CifDataItem::validate(const std::string& value) const {
-    if (dictionary_.is_null() || !dictionary_->has_definitions()) return 0;
-    return dictionary_->check_value(*name_, value, looped_);
+    if (dictionary_ == nullptr || !(*dictionary_)->has_definitions()) return 0;
+    return (*dictionary_)->check_value(*name_, value, looped_);
 }
 
 int CifDataItem::validate_values() const {
-    if (dictionary_.is_null() || !dictionary_->has_definitions()) return 0;
-    const CifItemDefinition* definition = dictionary_->definition(name());
+    if (dictionary_ == nullptr || !(*dictionary_)->has_definitions()) return 0;
+    const CifDictionary& dictionary = **dictionary_;
+    const CifItemDefinition* definition = dictionary.definition(name());
     if (definition == nullptr) {
         // A dictionary that answers only check_value: every value gets asked.
         for (std::size_t n = 0; n < values_.size(); ++n)
-            if (const int code = dictionary_->check_value(name(), std::string(value_view(n)), looped_))
+            if (const int code = dictionary.check_value(name(), std::string(value_view(n)), looped_))
                 return code;
         return 0;
     }
@@ -104,7 +105,7 @@ int CifDataItem::validate_values() const {
 }
 
 THandle<CifDataItem> CifDataItem::clone() const {
-    THandle<CifDataItem> copy = store_->make<CifDataItem>(*name_, store_, dictionary_, line_);
+    THandle<CifDataItem> copy = store_->make<CifDataItem>(*name_, store_, dictionary(), line_);
     static_cast<CifCommentable&>(*copy) = *this;
     copy->values_ = values_;
     return copy;

@@ -64,7 +64,9 @@ public:
     // few instructions a value.
     int validate_values() const;
 
-    THandle<CifDictionary> dictionary() const { return dictionary_; }
+    THandle<CifDictionary> dictionary() const {
+        return dictionary_ == nullptr ? THandle<CifDictionary>() : *dictionary_;
+    }
     const THandle<CifTextStore>& store() const { return store_; }
     const CifValueColumn& values() const { return values_; }
     CifValueColumn& values() { return values_; }
@@ -78,8 +80,8 @@ private:
     void set_looped(bool looped) { looped_ = looped; }
 
     THandle<CifTextStore> store_;
-    const std::string* name_;  // kept by the store
-    THandle<CifDictionary> dictionary_;
+    const std::string* name_;                   // kept by the store
+    const THandle<CifDictionary>* dictionary_;  // kept by the store; null for none
     CifValueColumn values_;
     int line_;
     bool looped_ = false;

@@ -60,9 +60,15 @@ void CifDdl1Reader::read(std::string text) {
             *log_ << problem.complete_message() << '\n';
         }
     }
-    // Mostly one definition per block: reserved at once, so that the list
-    // is never held twice while it grows.
-    dictionary_.definitions_.reserve(cif.blocks().size());
+    // One definition per name (a block may loop several): reserved at once,
+    // so that the list is never held twice while it grows (the peak of a
+    // checking run that loads the dictionary).
+    std::size_t names = 0;
+    for (const THandle<CifDataBlock>& block : cif.blocks()) {
+        THandle<CifDataItem> name = block->find("_name");
+        names += name.is_null() ? 0 : name->size();
+    }
+    dictionary_.definitions_.reserve(names);
     for (const THandle<CifDataBlock>& block : cif.blocks()) {
         if (cif_iequals(block->name(), "on_this_dictionary")) {
             read_descriptor(*block);

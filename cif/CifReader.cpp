@@ -221,7 +221,7 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
     std::vector<CifComment>& comments = lexer_->comments();
     if (comments.empty()) return;
     for (const CifComment& comment : comments) {
-        std::string text(comment.begin, comment.length);
+        std::string_view text(comment.begin, comment.length);
         if (comment.trailing && !last_item_.is_null() && comment.line == last_item_line_) {
             last_item_->append_comments(text, CifCommentable::trailing_comment);
         } else if (target != nullptr) {

@@ -35,3 +35,12 @@ const std::string& CifTextStore::intern(std::string_view name) {
     ++name_count_;
     return *name_slots_[i];
 }
+
+const THandle<CifDictionary>* CifTextStore::keep(const THandle<CifDictionary>& dictionary) {
+    if (dictionary.is_null()) return nullptr;
+    for (const THandle<CifDictionary>& kept : dictionaries_) {
+        if (kept == dictionary) return &kept;
+    }
+    dictionaries_.push_front(dictionary);
+    return &dictionaries_.front();
+}

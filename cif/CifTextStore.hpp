@@ -4,11 +4,13 @@
 
 #include <cstddef>
 #include <deque>
+#include <forward_list>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cif/CifArena.hpp"
+#include "cif/CifDictionary.hpp"
 #include "cif/CifValueRef.hpp"
 
 // The text a document was read from, with line ends made LF, and the
@@ -46,6 +48,11 @@ public:
     }
     const CifArena& arena() const { return arena_; }
 
+    // The dictionary's handle kept once for the store's items: an item
+    // holds a pointer to it (one word instead of a handle's two) and keeps
+    // the dictionary alive through its handle of the store. Null for none.
+    const THandle<CifDictionary>* keep(const THandle<CifDictionary>& dictionary);
+
 private:
     std::string text_;
     std::deque<std::string> added_;
@@ -53,4 +60,5 @@ private:
     std::vector<const std::string*> name_slots_;  // names_ by hash
     std::size_t name_count_ = 0;
     CifArena arena_;
+    std::forward_list<THandle<CifDictionary>> dictionaries_;  // mostly one; nothing while none
 };

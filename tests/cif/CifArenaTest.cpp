@@ -99,6 +99,39 @@ TEST(CifArena, ViewsMayEndBeforeOrAfterTheirDocument) {
     }
 }
 
+TEST(CifArena, ItemsKeepTheirDictionaryAfterTheDocumentAndEveryOtherHandleOfItAreGone) {
+    // Items hold their dictionary through their store: one read with a
+    // dictionary, one taken into a block of another dictionary (its store
+    // is the source's), and one made without any.
+    THandle<CifDictionary> reading(new cif_test::ListDictionary({"_cell_number"}));
+    THandle<CifDictionary> merging(new cif_test::ListDictionary({"_other_number"}));
+    THandle<Cif> source =
+        cif_test::read("data_s\n_cell_number 12\n_other_number x\n", CifParserSettings(), reading);
+    THandle<CifDataBlock> target(new CifDataBlock(merging, "t"));
+    target->merge(*source->block(0), CifDataBlock::overwrite_existing);
+    THandle<CifDataItem> read = source->block(0)->find("_cell_number");
+    THandle<CifDataItem> merged = target->find("_other_number");
+    THandle<CifDataItem> bare(new CifDataItem("_cell_number"));
+    const CifDictionary* reading_itself = reading.get();
+    const CifDictionary* merging_itself = merging.get();
+    source = THandle<Cif>();
+    target = THandle<CifDataBlock>();
+    reading = THandle<CifDictionary>();
+    merging = THandle<CifDictionary>();
+
+    EXPECT_EQ(read->dictionary().get(), reading_itself);
+    EXPECT_EQ(merged->dictionary().get(), merging_itself);
+    EXPECT_TRUE(bare->dictionary().is_null());
+    EXPECT_EQ(read->validate("not a number"), 324);
+    EXPECT_EQ(read->validate("7"), 0);
+    EXPECT_EQ(merged->validate_values(), 324);  // "x" under the merging block's dictionary
+    EXPECT_EQ(bare->validate("not a number"), 0);
+    // The same dictionary is kept once per store, however many items name it.
+    THandle<CifDataItem> clone = read->clone();
+    EXPECT_EQ(clone->dictionary().get(), reading_itself);
+    EXPECT_EQ(read->dictionary().use_count(), 2);  // the store's handle and this one
+}
+
 TEST(CifArena, ObjectsAreDestroyedWhenTheirLastHandleGoesAndTheirStorageWithTheStore) {
     // An item's destructor runs when its last handle goes (its values and
     // comments are freed then), while the arena keeps handing out storage.
