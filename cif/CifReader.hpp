@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "cif/CifBlockValidator.hpp"
+#include "cif/CifComment.hpp"
 #include "cif/CifCommentable.hpp"
 #include "cif/CifErrorSink.hpp"
 #include "cif/CifLexer.hpp"
@@ -53,7 +54,14 @@ private:
     void close_frame(bool terminated, int line);
     void finish_block(bool at_end);
 
-    CifDataBlock* target() const;
+    // Where items go: the open frame, else the block (made from its record
+    // now), or null outside every block.
+    CifDataBlock* target();
+    CifDataBlock& current_block();
+    // Whether a comment waiting belongs to the last item (it trails its value).
+    bool trails_last_item(const CifComment& comment) const;
+    // Whether a comment waiting goes to what take_comments is given.
+    bool comments_for_target() const;
     void take_comments(CifCommentable* target,
                        CifCommentable::CommentType type = CifCommentable::preceding_comment);
     void check_name(const std::string& name, int line, bool block_name);
@@ -85,6 +93,10 @@ private:
     const char* base_ = nullptr;
     int version_ = 1;
     int previous_end_ = 0;  // the line where the token before the current one ended
+    // The block being read: its place in the document's list, and its object
+    // once made (a block with nothing in it stays a record).
+    bool in_block_ = false;
+    std::size_t block_index_ = 0;
     THandle<CifDataBlock> block_;
     THandle<CifDataBlock> frame_;
     THandle<CifDataItem> last_item_;  // the unlooped item a trailing comment belongs to
