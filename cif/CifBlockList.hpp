@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A document's data blocks in text order: blocks read with nothing in them stay records until handed out.
+// A document's data blocks in text order; empty ones read stay records until handed out.
 #pragma once
 
 #include <array>
