@@ -2,6 +2,7 @@
 // A document's data blocks in text order; empty ones read stay records until handed out.
 #include "cif/CifBlockList.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <bit>
 #include <limits>
@@ -22,6 +23,7 @@ std::pair<int, std::size_t> segment_of(std::uint32_t index) {
 
 void CifBlockList::reset(THandle<CifDictionary> dictionary, THandle<CifTextStore> store) {
     records_.clear();
+    line_count_ = 0;
     for (auto& segment : segments_) segment.reset();
     made_count_ = 0;
     dictionary_ = dictionary;
@@ -54,7 +56,10 @@ int CifBlockList::last_line(std::size_t n) const {
 int CifBlockList::end_line(std::size_t n) const {
     const Record& record = records_[n];
     if (std::uint32_t slot = slot_of(record)) return made_block(slot)->end_line();
-    return record.end_line;
+    // Blocks added (not read) have no lines.
+    std::size_t next = n + 1;
+    while (next < records_.size() && line(next) < 1) ++next;
+    return std::max(next < records_.size() ? line(next) - 1 : line_count_, record.line);
 }
 
 bool CifBlockList::holds_nothing(std::size_t n) const {
@@ -68,7 +73,6 @@ bool CifBlockList::holds_nothing(std::size_t n) const {
 void CifBlockList::add_record(std::size_t name_offset, std::size_t name_length, int line) {
     Record record;
     record.line = line;
-    record.end_line = line;
     if (name_length > std::numeric_limits<std::uint16_t>::max() ||
         name_offset > std::numeric_limits<std::uint32_t>::max()) {
         // Too long a name for a record: the block is made at once.
@@ -94,16 +98,15 @@ CifBlockList::iterator CifBlockList::insert(iterator position, THandle<CifDataBl
     return iterator(this, position.index());
 }
 
-void CifBlockList::set_lines(std::size_t n, int first, int last, int end) {
+void CifBlockList::set_last_line(std::size_t n, int last) {
     Record& record = records_[n];
-    const long gap = long(last) - long(first);
-    if (slot_of(record) == 0 && first == record.line && gap >= 0 &&
-        gap <= std::numeric_limits<std::uint16_t>::max()) {
+    const long gap = long(last) - long(record.line);
+    if (slot_of(record) == 0 && gap >= 0 && gap <= std::numeric_limits<std::uint16_t>::max()) {
         record.last_gap = static_cast<std::uint16_t>(gap);
-        record.end_line = end;
         return;
     }
-    (*this)[n]->set_lines(first, last, end);
+    const THandle<CifDataBlock>& block = (*this)[n];
+    block->set_lines(block->line(), last, last);
 }
 
 THandle<CifDataBlock> CifBlockList::unmade_block(std::size_t n) const {
@@ -112,7 +115,7 @@ THandle<CifDataBlock> CifBlockList::unmade_block(std::size_t n) const {
     name.append(store_->text(), record.name_offset, record.name_length);
     // Made on the heap: the store's arena is not shared between threads.
     THandle<CifDataBlock> block(new CifDataBlock(dictionary_, name, record.line, store_));
-    block->set_lines(record.line, record.line + record.last_gap, record.end_line);
+    block->set_lines(record.line, record.line + record.last_gap, end_line(n));
     return block;
 }
 

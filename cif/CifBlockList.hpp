@@ -18,7 +18,7 @@
 #include "support/THandle.hpp"
 
 // A document's data blocks in text order. A block read from text is kept as
-// a record of 20 bytes (where its name stands in the text, its lines) for as
+// a record of 16 bytes (where its name stands in the text, its lines) for as
 // long as nothing is in it: the reader makes its object when the first item,
 // loop, save frame or comment comes, and every other block is made when it
 // is first handed out (operator[], iterators), then kept. Files of millions
@@ -57,6 +57,8 @@ public:
     std::string_view name(std::size_t n) const;
     int line(std::size_t n) const;
     int last_line(std::size_t n) const;
+    // A record's end line is the line before the next heading read (the end
+    // of the text for the last), as the reader gives a made block's.
     int end_line(std::size_t n) const;
     bool made(std::size_t n) const { return slot_of(records_[n]) != 0; }
     // Whether the block holds no items, loops, save frames or comments.
@@ -77,7 +79,11 @@ public:
     void add_record(std::size_t name_offset, std::size_t name_length, int line);
     void push_back(THandle<CifDataBlock> block);
     iterator insert(iterator position, THandle<CifDataBlock> block);
-    void set_lines(std::size_t n, int first, int last, int end);
+    // The last line that holds any of the n-th block's text (a made block's
+    // end line is this too, until the reader sets it).
+    void set_last_line(std::size_t n, int last);
+    // The number of lines of the text the records were read from.
+    void set_line_count(int lines) { line_count_ = lines; }
 
     // The n-th block (not made) as its record tells, made apart: the list
     // does not keep it (printing millions of records keeps none of them).
@@ -89,12 +95,11 @@ private:
         std::uint16_t name_length = 0;
         std::uint16_t last_gap = 0;  // last line - heading line
         std::int32_t line = -1;
-        std::int32_t end_line = -1;
         // 1 + the made block's place in made_, 0 while there is none; read
         // and written through atomic_ref (made from const accesses).
         std::uint32_t slot = 0;
     };
-    static_assert(sizeof(Record) == 20);
+    static_assert(sizeof(Record) == 16);
 
     static std::uint32_t slot_of(const Record& record);
     const THandle<CifDataBlock>& made_block(std::uint32_t slot) const;
@@ -105,6 +110,7 @@ private:
     THandle<CifDictionary> dictionary_;
     THandle<CifTextStore> store_;
     std::deque<Record> records_;
+    int line_count_ = 0;
     mutable std::mutex making_;
     // The made blocks in segments of 16, 32, 64, ... handles that never move.
     static constexpr int segment_count = 28;

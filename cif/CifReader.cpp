@@ -104,10 +104,14 @@ void CifReader::read(std::string text) {
 
     int lines = stored.empty() ? 0 : (stored.back() == '\n' ? lexer.line() - 1 : lexer.line());
     cif_.line_count_ = lines;
+    // A record's end line follows from the next heading; a made block keeps its own.
     CifBlockList& blocks = cif_.blocks_;
+    blocks.set_line_count(lines);
     for (std::size_t i = 0; i < blocks.size(); ++i) {
+        if (!blocks.made(i)) continue;
+        CifDataBlock& block = *blocks[i];
         int end = i + 1 < blocks.size() ? blocks.line(i + 1) - 1 : lines;
-        blocks.set_lines(i, blocks.line(i), blocks.last_line(i), std::max(end, blocks.line(i)));
+        block.set_lines(block.line(), block.last_line(), std::max(end, block.line()));
     }
     if (cif_.blocks_.empty()) errors_.add(CifError::no_data_blocks, 1);
     if (!stored.empty() && stored.back() != '\n') errors_.add(CifError::no_final_line_end, lines);
@@ -201,8 +205,7 @@ void CifReader::finish_block(bool at_end) {
         take_comments(comments_for_target() ? &current_block() : nullptr, CifCommentable::following_comment);
     }
     CifBlockList& blocks = cif_.blocks_;
-    const int line = blocks.line(block_index_);
-    blocks.set_lines(block_index_, line, std::max(line, previous_end_), previous_end_);
+    blocks.set_last_line(block_index_, std::max(blocks.line(block_index_), previous_end_));
     // A block still a record holds nothing to check.
     if (!block_.is_null()) validate(*block_);
     in_block_ = false;
@@ -314,28 +317,7 @@ CifValueRef CifReader::reference(const CifToken& token) const {
 }
 
 int CifReader::first_block_line(std::string_view name, std::size_t index) {
-    // A slot holds the upper half of the name's hash (which places it) and
-    // 1 + the block's place: the blocks are looked at only on a match.
-    if ((block_names_ + 1) * 4 > block_slots_.size() * 3) {
-        std::vector<std::uint64_t> old(block_slots_.empty() ? 16 : block_slots_.size() * 2, 0);
-        old.swap(block_slots_);
-        for (std::uint64_t kept : old) {
-            if (kept == 0) continue;
-            std::size_t i = static_cast<std::size_t>(kept >> 32) & (block_slots_.size() - 1);
-            while (block_slots_[i] != 0) i = (i + 1) & (block_slots_.size() - 1);
-            block_slots_[i] = kept;
-        }
-    }
-    const std::uint64_t tag = cif_name_hash(name) >> 32;
-    std::size_t i = static_cast<std::size_t>(tag) & (block_slots_.size() - 1);
-    for (; block_slots_[i] != 0; i = (i + 1) & (block_slots_.size() - 1)) {
-        if (block_slots_[i] >> 32 != tag) continue;
-        const std::size_t place = (block_slots_[i] & 0xffffffffu) - 1;
-        if (cif_iequals(cif_.blocks_.name(place), name)) return cif_.blocks_.line(place);
-    }
-    block_slots_[i] = (tag << 32) | static_cast<std::uint64_t>(index + 1);
-    ++block_names_;
-    return -1;
+    return block_names_.first_line(name, index, cif_.blocks_);
 }
 
 CifValueRef CifReader::unknown_value() {

@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cif/CifBlockNames.hpp"
 #include "cif/CifBlockValidator.hpp"
 #include "cif/CifComment.hpp"
 #include "cif/CifCommentable.hpp"
@@ -105,11 +106,7 @@ private:
     bool outside_reported_ = false;
     bool unknown_added_ = false;
     CifValueRef unknown_;
-    // The blocks read so far by name, case ignored, by their place in the
-    // document's list, in a flat table at most three quarters full (files
-    // of millions of blocks exist).
-    std::vector<std::uint64_t> block_slots_;
-    std::size_t block_names_ = 0;
+    CifBlockNames block_names_;            // the names of the blocks read so far
     std::unique_ptr<CifLineIndex> lines_;  // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;
     std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read
