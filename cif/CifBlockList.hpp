@@ -25,10 +25,10 @@
 // of empty blocks so cost little, and the checks pass over them through
 // filled() and holds_nothing() without making them.
 //
-// Threads: const accesses may run on several threads at once; a record is
-// made into its object at most once, under the list's lock, and a block once
-// made never moves, so handing out a made block takes no lock. Changing the
-// list (adding, set_lines, clear) must not overlap any other access.
+// Threads: const accesses may run on several threads at once: a record is made
+// once, under the list's lock, and made handles never move (handed out by
+// reference, without a lock); copying a handle counts without atomics, as
+// THandle does. Changing the list must not overlap any other access.
 class CifBlockList {
 public:
     class iterator;
