@@ -25,6 +25,7 @@
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "document/QcbsCifDocument.hpp"
+#include "editor/QcbsFontStyleSettings.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 #include "validation/QcbsErrorListView.hpp"
 #include "visualiser/QcbsVisSorter.hpp"
@@ -106,6 +107,40 @@ inline QString pdfText(const QString& pdf) {
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
+// A window's document and editor without the window, as the document tests use them.
+struct EditorDocument {
+    QcbsRichTextEdit editor{THandle<CifDictionary>(),
+                            THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings())};
+    QcbsCifDocument document{&editor};
+
+    // Loads the bytes (or the file) and waits until the text is in.
+    bool load(const QByteArray& bytes, const QString& name = "/data/x.cif") {
+        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
+        document.load(name, bytes);
+        return loaded.count() == 1 || loaded.wait(20000);
+    }
+    bool loadFile(const QString& name) {
+        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
+        return document.loadFile(name) && (loaded.count() == 1 || loaded.wait(20000));
+    }
+};
+
+// Opens the file in the window as the user does (asking where there is
+// something to ask) and waits until it is read.
+inline void openInWindow(QcbsMainWindow& window, const QString& path) {
+    window.fileOpen(path, true);
+    ASSERT_TRUE(waitUntil([&] { return !window.currentEditor()->isLoading(); }));
+    ASSERT_EQ(window.fileName(), path);
+}
+
+// Opens the file in the window as a file given on the command line and
+// waits until it is read (and, when it is small, checked).
+inline void loadAndWait(QcbsMainWindow& window, const QString& path) {
+    QSignalSpy loaded(&window, &QcbsMainWindow::documentLoaded);
+    ASSERT_TRUE(window.load(path, false, true));
+    ASSERT_TRUE(loaded.count() == 1 || loaded.wait(20000));
+}
+
 // A main window whose dictionaries are the team's test dictionary alone
 // (TESSARY_DICTIONARIES points at a directory holding only it), with its
 // own settings and a directory for the files a test opens.
@@ -122,10 +157,7 @@ protected:
     }
     // Writes the text to `fileName`, opens it and waits until it is read and checked.
     void openText(const QByteArray& text, const QString& fileName) {
-        const QString path = writeBytes(files_.filePath(fileName), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+        ASSERT_NO_FATAL_FAILURE(loadAndWait(*window_, writeBytes(files_.filePath(fileName), text)));
         ASSERT_FALSE(window_->currentCif().is_null());
     }
 
@@ -148,10 +180,7 @@ protected:
 
     // Writes the text to `fileName`, opens it and waits until it is read.
     void openText(const QByteArray& text, const QString& fileName) {
-        const QString path = writeBytes(files_.filePath(fileName), text);
-        QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-        ASSERT_TRUE(window_->load(path, false, true));
-        ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+        loadAndWait(*window_, writeBytes(files_.filePath(fileName), text));
     }
     QString text() const { return QString::fromUtf8(window_->document()->fileBytes()); }
     // Calls the window's launching slot, with the cursor first put on a

@@ -127,8 +127,7 @@ TEST(StartUp, TheSplashIsCentredShowsItsStatusAndGoesAway) {
     set_splash_status("Loading dictionaries...");
     EXPECT_NE(splash->pixmap().toImage(), before) << "the status line is drawn";
     application()->closeSplash();
-    QTest::qWait(0);
-    EXPECT_TRUE(currentSplash() == nullptr || !currentSplash()->isVisible());
+    EXPECT_TRUE(waitUntil([] { return currentSplash() == nullptr || !currentSplash()->isVisible(); }));
     set_splash_status("after close");  // harmless without a splash
 }
 

@@ -392,9 +392,7 @@ TEST_F(MainWindowParsing, TheTextIsCheckedInTheEncodingOfItsFile) {
     QTemporaryDir dir;
     const QString path =
         writeBytes(dir.filePath("latin1.cif"), "#\\#CIF_2.0\ndata_x\n_name '\xc5ngstr\xf6m'\n");
-    QSignalSpy loaded(window_.get(), &QcbsMainWindow::documentLoaded);
-    ASSERT_TRUE(window_->load(path, false, true));
-    ASSERT_TRUE(loaded.count() == 1 || loaded.wait(10000));
+    loadAndWait(*window_, path);
     EXPECT_EQ(window_->document()->encoding().kind(), QcbsDocumentEncoding::Latin1);
     EXPECT_TRUE(listed().startsWith("E3")) << listed().toStdString();
 }

@@ -70,11 +70,7 @@ protected:
         return writeBytes(dir_.filePath(name), bytes);
     }
     // Opens a file in the window and waits until it is read and checked.
-    void open(const QString& path) {
-        window_.fileOpen(path, true);
-        ASSERT_TRUE(waitUntil([&] { return !editor()->isLoading(); }));
-        ASSERT_EQ(fileName(), path);
-    }
+    void open(const QString& path) { openInWindow(window_, path); }
     // Opens the file and types a line at its end (after its last line end).
     void openAndEdit(const QString& path) {
         open(path);

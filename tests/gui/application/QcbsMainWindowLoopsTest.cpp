@@ -109,17 +109,7 @@ TEST_F(MainWindowLoops, TheWindowsKeysTypedInTheEditorReachTheWindow) {
 
 TEST_F(MainWindowLoops, TheTreeOffersLoopedItemsForEditingAsATable) {
     open(kDocument);
-    QcbsCifBoxBlockItem* block = window_->boxView()->blockRow(1);
-    block->setOpen(true);
-    QcbsCifBoxItem* row = nullptr;
-    for (int i = 0; i < block->childCount() && row == nullptr; ++i) {
-        auto* category = static_cast<QcbsCifBoxItem*>(block->child(i));
-        if (category->text(0) != "_atom_site_[]") continue;
-        category->setOpen(true);
-        for (int j = 0; j < category->childCount(); ++j)
-            if (category->child(j)->text(0) == "_atom_site_occupancy")
-                row = static_cast<QcbsCifBoxItem*>(category->child(j));
-    }
+    QcbsCifBoxItem* row = views_test::treeRow(window_->boxView(), 1, "_atom_site_[]", "_atom_site_occupancy");
     ASSERT_NE(row, nullptr);
     EXPECT_FALSE(views_test::menuEntries(row).contains("Set data item value"));
     ASSERT_TRUE(views_test::chooseEntry(row, "Edit loop"));

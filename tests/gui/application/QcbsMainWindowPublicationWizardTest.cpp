@@ -47,7 +47,6 @@ TEST_F(MainWindowPublicationWizard, TheBlockAtTheCursorIsReplacedAsOneUndoStep) 
     open(kTwoBlocks);
     QPointer<QcbsWizard> wizard = launchAt(6);
     ASSERT_NE(wizard, nullptr);
-    EXPECT_EQ(wizard->objectName(), "Publication Data Wizard");
     EXPECT_TRUE(wizard->isModal());
     EXPECT_EQ(wizard->workingBlock()->name(), "paper");
     finishAsPrivate(wizard);

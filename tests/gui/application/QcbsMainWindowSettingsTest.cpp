@@ -91,7 +91,7 @@ TEST(MainWindowSettings, EverySettingRoundTripsUnderItsKeyIntoItsOwnOption) {
         EXPECT_EQ(written.value(i), kSettings[i].changed) << kSettings[i].key;
 }
 
-TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindowsAndOptionsReachEveryWindowAtOnce) {
+TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindows) {
     ScopedPrefsDir prefs;
     const THandle<QcbsMainWindowSharedData> shared = buildTreeSharedData();
     QcbsMainWindow first(shared);
@@ -101,21 +101,6 @@ TEST(MainWindowSettings, TheLastWindowToSaveSizesNewWindowsAndOptionsReachEveryW
     second.saveSettings();
     first.saveSettings();
     EXPECT_EQ(QcbsMainWindow(shared).size(), QSize(900, 600));
-
-    QTemporaryDir dir;
-    const QString mandatory = writeBytes(dir.filePath("mandatory.txt"), "data_all\n_cell_volume\n");
-    changeOptions(first, [&](QcbsOptions& o) {
-        o.text_buttons = true;
-        o.line_numbers = true;
-        o.check_mandatory_items = true;
-        o.mandatory_items_file = mandatory;
-    });
-    for (QcbsMainWindow* window : {&first, &second}) {
-        EXPECT_EQ(window->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
-        EXPECT_TRUE(window->editorPane()->showLineNumbers());
-    }
-    // The next check of any window uses the mandatory items just chosen.
-    EXPECT_EQ(shared->mandatoryCrystalItems(), std::vector<std::string>{"_cell_volume"});
 }
 
 // --- the shared data: where the documentation is ---------------------------------------

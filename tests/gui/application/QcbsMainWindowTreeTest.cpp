@@ -53,22 +53,10 @@ protected:
         editor()->getCursorPosition(&paragraph, &index);
         return paragraph + 1;
     }
-    // The row of a name of a block, opened up to it.
+    // The row of a name of a block, opened up to it, in the window's tree or another.
     QcbsCifBoxItem* row(int block, const QString& category, const QString& name = QString(),
                         QcbsCifBoxView* in = nullptr) {
-        QcbsCifBoxBlockItem* blockRow = (in != nullptr ? in : tree())->blockRow(block);
-        blockRow->setOpen(true);
-        for (int i = 0; i < blockRow->childCount(); ++i) {
-            auto* categoryRow = static_cast<QcbsCifBoxItem*>(blockRow->child(i));
-            if (categoryRow->text(0) != category) continue;
-            categoryRow->setOpen(true);
-            if (name.isEmpty()) return categoryRow;
-            for (int j = 0; j < categoryRow->childCount(); ++j)
-                if (categoryRow->child(j)->text(0) == name)
-                    return static_cast<QcbsCifBoxItem*>(categoryRow->child(j));
-        }
-        ADD_FAILURE() << "no row " << category.toStdString() << " " << name.toStdString();
-        return nullptr;
+        return views_test::treeRow(in != nullptr ? in : tree(), block, category, name);
     }
 };
 

@@ -11,6 +11,7 @@
 #include <functional>
 
 #include "GuiTestSupport.hpp"
+#include "application/ApplicationTestSupport.hpp"
 #include "cif/CifConcreteDictionary.hpp"
 #include "cif/CifDictionaryPool.hpp"
 #include "cif/CifErrorContainer.hpp"
@@ -32,17 +33,12 @@ const QByteArray kTwoBlocks =
     "data_second\r\n"
     "_cell_length_a 7.2\r\n";
 
-class CifDocument : public ::testing::Test {
+class CifDocument : public ::testing::Test, protected EditorDocument {
 protected:
     CifDocument() {
         editor.resize(600, 200);
-        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
-        document.load("/data/two.cif", kTwoBlocks);
-        EXPECT_TRUE(loaded.count() == 1 || loaded.wait(5000));
+        EXPECT_TRUE(load(kTwoBlocks, "/data/two.cif"));
     }
-    QcbsRichTextEdit editor{THandle<CifDictionary>(),
-                            THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings())};
-    QcbsCifDocument document{&editor};
 };
 
 TEST_F(CifDocument, EachEditChangesOnlyItsOwnBytesIsOneUndoStepAndIsCheckedAtOnce) {
@@ -90,22 +86,12 @@ TEST_F(CifDocument, EachEditChangesOnlyItsOwnBytesIsOneUndoStepAndIsCheckedAtOnc
     EXPECT_EQ(document.fileBytes(), kTwoBlocks);
 }
 
-TEST_F(CifDocument, TheCheckReadsTheBytesASaveWouldWrite) {
-    EXPECT_EQ(document.lineEnd(), "\r\n");
-    const THandle<Cif> cif = document.check();
-    ASSERT_EQ(cif->block_count(), 2u);
-    EXPECT_EQ(cif->block(1)->value("_cell_length_a"), "7.2");
-    EXPECT_EQ(cif->line_count(), 11);
-}
-
 TEST_F(CifDocument, JumpsLandOnTheNamedItemOfTheRightBlockInTheMiddleOfTheView) {
     // Enough lines that the view must scroll.
     QByteArray many = kTwoBlocks;
     for (int i = 0; i < 200; ++i) many += "_filler_" + QByteArray::number(i) + " 1\r\n";
     many += "data_third\r\n_cell_length_a 9\r\n";
-    QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
-    document.load("/data/many.cif", many);
-    ASSERT_TRUE(loaded.count() == 1 || loaded.wait(5000));
+    ASSERT_TRUE(load(many, "/data/many.cif"));
     editor.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&editor));
 
@@ -134,7 +120,7 @@ TEST_F(CifDocument, JumpsLandOnTheNamedItemOfTheRightBlockInTheMiddleOfTheView) 
 // --- large documents: checks and saves on the worker thread ---
 
 // A document above the worker threshold, with the team's test dictionary.
-class LargeDocument : public ::testing::Test {
+class LargeDocument : public ::testing::Test, protected EditorDocument {
 protected:
     LargeDocument() {
         bytes = "data_big\r\nloop_\r\n_refln_index_h\r\n_refln_index_k\r\n_refln_index_l\r\n";
@@ -143,9 +129,7 @@ protected:
         THandle<CifDictionaryPool> pool(new CifDictionaryPool());
         pool->insert(cif_test_dictionary());
         document.setCheckSource([pool] { return CifDocumentCheck(pool, CifCheckSettings()); });
-        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
-        document.load("/data/big.cif", bytes);
-        EXPECT_TRUE(loaded.count() == 1 || loaded.wait(20000));
+        EXPECT_TRUE(load(bytes, "/data/big.cif"));
         EXPECT_TRUE(document.isLarge());
     }
     static THandle<CifConcreteDictionary> cif_test_dictionary() {
@@ -156,9 +140,6 @@ protected:
     }
 
     QByteArray bytes;
-    QcbsRichTextEdit editor{THandle<CifDictionary>(),
-                            THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings())};
-    QcbsCifDocument document{&editor};
 };
 
 TEST_F(LargeDocument, IsCheckedOnTheWorkerAndATypedChangeMarksTheResultStale) {

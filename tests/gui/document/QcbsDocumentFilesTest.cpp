@@ -18,22 +18,7 @@
 
 namespace {
 
-// A window's document and editor, as the window has them.
-struct Document {
-    QcbsRichTextEdit editor{THandle<CifDictionary>(),
-                            THandle<QcbsFontStyleSettings>(new QcbsFontStyleSettings())};
-    QcbsCifDocument document{&editor};
-
-    bool loadFile(const QString& name) {
-        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
-        return document.loadFile(name) && (loaded.count() == 1 || loaded.wait(20000));
-    }
-    bool load(const QByteArray& bytes) {
-        QSignalSpy loaded(&editor, &QcbsRichTextEdit::textLoaded);
-        document.load("/data/x.cif", bytes);
-        return loaded.count() == 1 || loaded.wait(20000);
-    }
-};
+using Document = EditorDocument;
 
 QByteArray readFile(const QString& name) {
     QFile file(name);

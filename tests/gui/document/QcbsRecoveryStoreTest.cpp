@@ -174,9 +174,14 @@ TEST_F(RecoveryStore, DamagedOrPartialRecordsAreNeverOffered) {
         out.write(whole);
     }
 
-    const QList<QcbsRecoveryRecord> offered = QcbsRecoveryStore::orphans();
-    ASSERT_EQ(offered.size(), 1);
-    EXPECT_EQ(offered[0].id, good);
+    // Asked for all, or for those a window wants (as a window starting or opening a file asks).
+    for (const bool choosing : {false, true}) {
+        const QList<QcbsRecoveryRecord> offered =
+            choosing ? QcbsRecoveryStore::orphans([](const QcbsRecoveryRecord&) { return true; })
+                     : QcbsRecoveryStore::orphans();
+        ASSERT_EQ(offered.size(), 1) << choosing;
+        EXPECT_EQ(offered[0].id, good);
+    }
     EXPECT_FALSE(QFile::exists(part));
     EXPECT_TRUE(QFile::exists(livePart));
     // A damaged record is left on the disk for the user to look at.

@@ -40,20 +40,8 @@ class CifBoxView : public ::testing::Test {
 protected:
     CifBoxView() { view_.setCif(checked(kDocument)); }
 
-    // The row of a category of a block, opened; with a name, the name's row.
     Item* row(int block, const QString& category, const QString& name = QString()) {
-        QcbsCifBoxBlockItem* blockRow = view_.blockRow(block);
-        blockRow->setOpen(true);
-        for (int i = 0; i < blockRow->childCount(); ++i) {
-            auto* categoryRow = static_cast<Item*>(blockRow->child(i));
-            if (categoryRow->text(0) != category) continue;
-            categoryRow->setOpen(true);
-            if (name.isEmpty()) return categoryRow;
-            for (int j = 0; j < categoryRow->childCount(); ++j)
-                if (categoryRow->child(j)->text(0) == name) return static_cast<Item*>(categoryRow->child(j));
-        }
-        ADD_FAILURE() << "no row " << category.toStdString() << " " << name.toStdString();
-        return nullptr;
+        return treeRow(&view_, block, category, name);
     }
 
     QcbsCifBoxView view_;

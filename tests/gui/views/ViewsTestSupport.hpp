@@ -2,6 +2,8 @@
 // Helpers of the view tests: the team's test dictionary, checked documents, menu entries.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QAction>
 #include <QMenu>
 #include <QStringList>
@@ -12,7 +14,9 @@
 #include "cif/Cif.hpp"
 #include "cif/CifConcreteDictionary.hpp"
 #include "cif/CifDictionaryPool.hpp"
+#include "views/QcbsCifBoxBlockItem.hpp"
 #include "views/QcbsCifBoxItem.hpp"
+#include "views/QcbsCifBoxView.hpp"
 
 namespace views_test {
 
@@ -67,6 +71,24 @@ inline QStringList childTexts(const QTreeWidgetItem* item, bool visibleOnly = fa
     for (int i = 0; i < item->childCount(); ++i)
         if (!visibleOnly || !item->child(i)->isHidden()) texts << item->child(i)->text(0);
     return texts;
+}
+
+// The row of a category of a block in the tree, opened; with a name, the name's row.
+inline QcbsCifBoxItem* treeRow(QcbsCifBoxView* view, int block, const QString& category,
+                               const QString& name = QString()) {
+    QcbsCifBoxBlockItem* blockRow = view->blockRow(block);
+    blockRow->setOpen(true);
+    for (int i = 0; i < blockRow->childCount(); ++i) {
+        auto* categoryRow = static_cast<QcbsCifBoxItem*>(blockRow->child(i));
+        if (categoryRow->text(0) != category) continue;
+        categoryRow->setOpen(true);
+        if (name.isEmpty()) return categoryRow;
+        for (int j = 0; j < categoryRow->childCount(); ++j)
+            if (categoryRow->child(j)->text(0) == name)
+                return static_cast<QcbsCifBoxItem*>(categoryRow->child(j));
+    }
+    ADD_FAILURE() << "no row " << category.toStdString() << " " << name.toStdString();
+    return nullptr;
 }
 
 }  // namespace views_test

@@ -140,23 +140,6 @@ TEST(CrystalWizard, TheFormulaWeightIsWorkedOutOnlyWhereTheBlockHasNone) {
     }
 }
 
-TEST(CrystalWizard, ABlockWithoutSymmetryGetsQuestionMarksForAllThree) {
-    ShownWizard wizard("data_c\n_cell_length_a 5\n");
-    auto* symmetry = wizard.pageOf<QcbsWizardSpaceGroupPage>();
-    wizard.goTo(symmetry);
-    EXPECT_EQ(symmetry->symbolBox()->currentText(), "?");
-    EXPECT_EQ(symmetry->numberField()->text(), "?");
-    EXPECT_EQ(symmetry->crystalSystemBox()->currentText(), "?");
-    EXPECT_EQ(entries(symmetry->crystalSystemBox()),
-              (QStringList{"?", "triclinic", "monoclinic", "orthorhombic", "tetragonal", "rhombohedral",
-                           "trigonal", "hexagonal", "cubic"}));
-    EXPECT_TRUE(symmetry->message()->text().isEmpty());
-    wizard.press(QWizard::NextButton);
-    EXPECT_EQ(value(wizard, "_symmetry_space_group_name_H-M"), "?");
-    EXPECT_EQ(value(wizard, "_symmetry_int_tables_number"), "?");
-    EXPECT_EQ(value(wizard, "_symmetry_cell_setting"), "?");
-}
-
 TEST(CrystalWizard, ANumberListsItsSettingsAndKeepsAMatchingSymbol) {
     ShownWizard wizard(
         "data_c\n_cell_length_a 5\n_symmetry_cell_setting Monoclinic\n"
@@ -235,21 +218,41 @@ TEST(CrystalWizard, ASymbolAgainstTheOperatorsIsWarnedAboutButAccepted) {
     EXPECT_TRUE(symmetry->message()->text().isEmpty()) << symmetry->message()->text().toStdString();
 }
 
-TEST(CrystalWizard, MissingSymmetryIsFilledFromTheOperatorsAndSaysSo) {
-    ShownWizard wizard("data_c\n_cell_length_a 5\n" + kOperators21c);
-    auto* symmetry = wizard.pageOf<QcbsWizardSpaceGroupPage>();
-    wizard.goTo(symmetry);
-    EXPECT_EQ(symmetry->symbolBox()->currentText(), "P 1 21/c 1");
-    EXPECT_EQ(symmetry->numberField()->text(), "14");
-    EXPECT_EQ(symmetry->crystalSystemBox()->currentText(), "monoclinic");
-    EXPECT_EQ(symmetry->note("_symmetry_space_group_name_H-M")->text(), "from the operators");
-    EXPECT_EQ(symmetry->note("_symmetry_int_tables_number")->text(), "from the operators");
-    EXPECT_EQ(symmetry->note("_symmetry_cell_setting")->text(), "from the space group");
-    EXPECT_TRUE(symmetry->message()->text().isEmpty());
-    wizard.press(QWizard::NextButton);
-    EXPECT_EQ(value(wizard, "_symmetry_space_group_name_H-M"), "P 1 21/c 1");
-    EXPECT_EQ(value(wizard, "_symmetry_int_tables_number"), "14");
-    EXPECT_EQ(value(wizard, "_symmetry_cell_setting"), "monoclinic");
+// Symmetry the block lacks: filled from its operators and noted as such, or "?" for all three.
+TEST(CrystalWizard, MissingSymmetryIsFilledFromTheOperatorsOrGetsQuestionMarks) {
+    const struct {
+        std::string operators;
+        const char* symbol;
+        const char* number;
+        const char* system;
+    } cases[] = {
+        {kOperators21c, "P 1 21/c 1", "14", "monoclinic"},
+        {"", "?", "?", "?"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.symbol);
+        ShownWizard wizard("data_c\n_cell_length_a 5\n" + c.operators);
+        auto* symmetry = wizard.pageOf<QcbsWizardSpaceGroupPage>();
+        wizard.goTo(symmetry);
+        EXPECT_EQ(symmetry->symbolBox()->currentText(), c.symbol);
+        EXPECT_EQ(symmetry->numberField()->text(), c.number);
+        EXPECT_EQ(symmetry->crystalSystemBox()->currentText(), c.system);
+        const bool derived = !c.operators.empty();
+        EXPECT_EQ(symmetry->note("_symmetry_space_group_name_H-M")->text(),
+                  derived ? "from the operators" : "");
+        EXPECT_EQ(symmetry->note("_symmetry_int_tables_number")->text(), derived ? "from the operators" : "");
+        EXPECT_EQ(symmetry->note("_symmetry_cell_setting")->text(), derived ? "from the space group" : "");
+        EXPECT_TRUE(symmetry->message()->text().isEmpty());
+        if (!derived) {
+            EXPECT_EQ(entries(symmetry->crystalSystemBox()),
+                      (QStringList{"?", "triclinic", "monoclinic", "orthorhombic", "tetragonal",
+                                   "rhombohedral", "trigonal", "hexagonal", "cubic"}));
+        }
+        wizard.press(QWizard::NextButton);
+        EXPECT_EQ(value(wizard, "_symmetry_space_group_name_H-M"), c.symbol);
+        EXPECT_EQ(value(wizard, "_symmetry_int_tables_number"), c.number);
+        EXPECT_EQ(value(wizard, "_symmetry_cell_setting"), c.system);
+    }
 }
 
 TEST(CrystalWizard, ABlockWithNewerSymmetryNamesIsReadAndWrittenUnderThem) {
