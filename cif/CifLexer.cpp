@@ -2,14 +2,13 @@
 // Splits CIF 1.1 or 2.0 text into tokens in one pass, with the line of each.
 #include "cif/CifLexer.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 #include "cif/CifNames.hpp"
+#include "cif/CifTextWindow.hpp"
 #include "cif/CifValueRef.hpp"
 
 namespace {
@@ -51,56 +50,6 @@ struct OddEnds {
 constexpr OddEnds odd_ends;
 
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
-
-#if defined(__SSE2__)
-// 64 bytes of text seen at once, a bit per byte: white space, line ends,
-// and the bytes that end an unquoted word (white space, NUL, and in CIF 2.0
-// the brackets).
-struct Window {
-    const char* base = nullptr;
-    std::uint64_t space = 0;
-    std::uint64_t newline = 0;
-    std::uint64_t stop = 0;
-};
-
-// The line ends between two words are few: counted one by one (a popcount
-// instruction is not part of the base instruction set).
-int count_bits(std::uint64_t bits) {
-    int count = 0;
-    for (; bits != 0; bits &= bits - 1) ++count;
-    return count;
-}
-
-Window classify(const char* p, bool cif2) {
-    const __m128i blank = _mm_set1_epi8(' ');
-    const __m128i tab = _mm_set1_epi8('\t');
-    const __m128i line_end = _mm_set1_epi8('\n');
-    const __m128i nul = _mm_setzero_si128();
-    Window window;
-    window.base = p;
-    for (int k = 0; k < 4; ++k) {
-        __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * k));
-        __m128i newline = _mm_cmpeq_epi8(bytes, line_end);
-        __m128i space =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, blank), _mm_cmpeq_epi8(bytes, tab)), newline);
-        __m128i stop = _mm_or_si128(space, _mm_cmpeq_epi8(bytes, nul));
-        if (cif2) {
-            stop = _mm_or_si128(stop, _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('[')),
-                                                   _mm_cmpeq_epi8(bytes, _mm_set1_epi8(']'))));
-            stop = _mm_or_si128(stop, _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('{')),
-                                                   _mm_cmpeq_epi8(bytes, _mm_set1_epi8('}'))));
-        }
-        const int shift = 16 * k;
-        window.space |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(space)))
-                        << shift;
-        window.newline |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(newline)))
-                          << shift;
-        window.stop |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(stop)))
-                       << shift;
-    }
-    return window;
-}
-#endif
 
 std::string excerpt(const char* begin, std::size_t length) {
     constexpr std::size_t shown = 40;
@@ -187,47 +136,88 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
     int last_line = last_end_line_;
     std::size_t count = 0;
 #if defined(__SSE2__)
-    // While 64 bytes or more are left, white space and word ends are found
-    // a window of 64 bytes at a time; the loop below then takes the rest
-    // and everything it leaves to next(), the same way.
-    const bool cif2 = version_ >= 2;
-    Window window;
-    while (count < max_count && end_ - p >= 64) {
-        if (window.base == nullptr || p - window.base >= 64) window = classify(p, cif2);
-        std::size_t offset = static_cast<std::size_t>(p - window.base);
-        std::uint64_t words = ~window.space >> offset;
-        if (words == 0) {
-            line += count_bits(window.newline >> offset);
-            p = window.base + 64;
-            continue;
+    // Windows of 64 bytes one after the other from p: the words that begin
+    // in a window are found from its bits and those of the next one (where
+    // a word may end), its line ends counted at once when it is left. The
+    // loop below takes over, from the start of a word or of a window, with
+    // whatever this one leaves (and the last 64 bytes of the text).
+    if (count < max_count && end_ - p >= 64) {
+        const bool cif2 = version_ >= 2;
+        CifTextCheck* const check = check_;
+        const char* base = p;
+        auto classify = [&](const char* at) {
+            if (end_ - at < 64) return CifTextWindow();  // no stops: a word reaching it goes below
+            CifTextWindow seen(at, cif2);
+            if (check != nullptr) check->take(at, seen.newline, seen.usual);
+            return seen;
+        };
+        CifTextWindow window = classify(base);
+        CifTextWindow next = classify(base + 64);
+        // A word begins at a byte that is not white space after one that is;
+        // p counts as after white space.
+        std::uint64_t starts = ~window.space & ((window.space << 1) | 1);
+        // Values are gathered a few rows at a time and then handed to their
+        // columns, each of which takes its own in one go.
+        constexpr std::size_t gathered = 510;
+        CifValueRef refs[gathered];
+        std::size_t held = 0;
+        std::size_t room = std::min(gathered, max_count - count);
+        const char* last_word = nullptr;
+        auto hand_over = [&]() {
+            for (std::size_t k = 0; k < width && k < held; ++k) {
+                std::size_t target = column + k;
+                if (target >= width) target -= width;
+                columns[target]->append_plain(refs + k, width, (held - k + width - 1) / width);
+            }
+            if (held > 0) last_word = begin_ + refs[held - 1].offset;
+            column = (column + held) % width;
+            count += held;
+            held = 0;
+            room = std::min(gathered, max_count - count);
+        };
+        for (;;) {
+            if (starts == 0) {
+                line += cif_count_bits(window.newline);
+                const std::uint64_t carry = window.space >> 63;
+                base += 64;
+                p = base;
+                if (end_ - base < 64) break;
+                window = next;
+                next = classify(base + 64);
+                starts = ~window.space & ((window.space << 1) | carry);
+                continue;
+            }
+            const unsigned at = static_cast<unsigned>(std::countr_zero(starts));
+            const char* word = base + at;
+            // Where the word ends, in this window or the next.
+            const std::uint64_t stops = (window.stop >> at) | ((next.stop << 1) << (63 - at));
+            const std::size_t length = static_cast<std::size_t>(std::countr_zero(stops));
+            // Longer words, anything but a plain value, and NULs or brackets
+            // after a word take the slow path.
+            if (stops == 0 || (plain_starts.other[static_cast<unsigned char>(*word)] |
+                               odd_ends.odd[static_cast<unsigned char>(word[length])] | (length > limit))) {
+                p = word;
+                line += cif_count_bits(window.newline & ((std::uint64_t(1) << at) - 1));
+                break;
+            }
+            refs[held].offset = static_cast<std::uint32_t>(word - begin_);
+            refs[held].bits = static_cast<std::uint32_t>(length);
+            starts &= starts - 1;
+            if (++held == room) {
+                hand_over();
+                if (count == max_count) {
+                    p = word + length;
+                    line += cif_count_bits(window.newline & ((std::uint64_t(1) << at) - 1));
+                    break;
+                }
+            }
         }
-        std::size_t skip = static_cast<std::size_t>(std::countr_zero(words));
-        if (skip > 0) {
-            line += count_bits((window.newline >> offset) & ((std::uint64_t(1) << skip) - 1));
-            p += skip;
-            offset += skip;
+        hand_over();
+        // The line of the last value: that of p, less the line ends after it.
+        if (last_word != nullptr) {
+            last_line = line;
+            for (const char* s = last_word; s < p; ++s) last_line -= *s == '\n';
         }
-        if (plain_starts.other[static_cast<unsigned char>(*p)]) break;
-        std::uint64_t stops = window.stop >> offset;
-        if (stops == 0) {
-            // The word goes on past the window: seen again from its start.
-            if (end_ - p < 64) break;
-            window = classify(p, cif2);
-            stops = window.stop;
-            if (stops == 0) break;  // 64 bytes or more: the loop below
-        }
-        std::size_t length = static_cast<std::size_t>(std::countr_zero(stops));
-        const char* after = p + length;
-        // NULs, brackets after a word and oversized words take the slow path.
-        if (odd_ends.odd[static_cast<unsigned char>(*after)] || length > limit) break;
-        CifValueRef ref;
-        ref.offset = static_cast<std::uint32_t>(p - begin_);
-        ref.bits = static_cast<std::uint32_t>(length);
-        columns[column]->push_plain(ref);
-        if (++column == width) column = 0;
-        ++count;
-        last_line = line;
-        p = after;
     }
 #endif
     while (count < max_count) {

@@ -9,6 +9,7 @@
 #include "cif/CifComment.hpp"
 #include "cif/CifErrorSink.hpp"
 #include "cif/CifParserSettings.hpp"
+#include "cif/CifTextCheck.hpp"
 #include "cif/CifToken.hpp"
 #include "cif/CifValueColumn.hpp"
 
@@ -32,6 +33,10 @@ public:
     // large loops.
     std::size_t read_plain_values(CifValueColumn* const* columns, std::size_t width, std::size_t& column,
                                   std::size_t max_count = static_cast<std::size_t>(-1));
+
+    // Hands the windows of text the fast path classifies to the check of
+    // characters and line lengths (see CifTextCheck::take).
+    void set_text_check(CifTextCheck* check) { check_ = check; }
 
     // Comments met since the reader last took them, in text order.
     std::vector<CifComment>& comments() { return comments_; }
@@ -64,5 +69,6 @@ private:
     int version_;
     const CifParserSettings& settings_;
     CifErrorSink& errors_;
+    CifTextCheck* check_ = nullptr;
     std::vector<CifComment> comments_;
 };

@@ -94,13 +94,17 @@ void CifReader::read(std::string text) {
     cif_.blocks_.reset(cif_.dictionary_, store_);
     cif_.version_ = version_;
 
-    CifTextCheck(settings_, version_, check_errors).check(stored, start);
-
+    // Characters and line lengths are checked as the text is read: the
+    // lexer's fast path hands over the windows it classifies.
+    CifTextCheck text_check(settings_, version_, check_errors);
+    text_check.begin(stored, start);
     CifLexer lexer(stored.data(), stored.data() + stored.size(), stored.data() + start, version_, settings_,
                    errors_);
+    lexer.set_text_check(&text_check);
     lexer_ = &lexer;
     parse();
     lexer_ = nullptr;
+    text_check.finish();
 
     int lines = stored.empty() ? 0 : (stored.back() == '\n' ? lexer.line() - 1 : lexer.line());
     cif_.line_count_ = lines;

@@ -9,10 +9,7 @@
 #include <string>
 
 #include "cif/CifCharacters.hpp"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include "cif/CifTextWindow.hpp"
 
 namespace {
 
@@ -55,60 +52,83 @@ CifTextCheck::CifTextCheck(const CifParserSettings& settings, int version, CifEr
     : limit_(settings.line_length > 0 && static_cast<std::size_t>(settings.line_length) < cif_line_limit
                  ? static_cast<std::size_t>(settings.line_length)
                  : cif_line_limit),
+      short_lines_(limit_ < 64),
       version_(version),
       errors_(errors) {}
 
-void CifTextCheck::check(std::string_view text, std::size_t start) {
-    const char* p = text.data() + start;
-    const char* end = text.data() + text.size();
-    int line = 1;
-#if defined(__SSE2__)
-    // 64 bytes at a time: a line is looked at closely only when it holds a
-    // byte other than printable ASCII and TAB, or is too long; the rest of
-    // the text, from the start of its line, goes line by line below.
-    const char* line_start = p;
-    bool dirty = false;
-    auto below = [](unsigned bit) { return bit >= 64 ? ~std::uint64_t(0) : (std::uint64_t(1) << bit) - 1; };
-    while (end - p >= 64) {
-        std::uint64_t newlines = 0;
-        std::uint64_t unusual = 0;
-        for (int k = 0; k < 4; ++k) {
-            __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * k));
-            __m128i newline = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'));
-            // Signed: bytes from 0x80 count as below a blank too.
-            __m128i odd = _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')),
-                                       _mm_cmpeq_epi8(bytes, _mm_set1_epi8(127)));
-            odd = _mm_andnot_si128(_mm_or_si128(newline, _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\t'))), odd);
-            newlines |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(newline)))
-                        << (16 * k);
-            unusual |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(odd)))
-                       << (16 * k);
-        }
-        unsigned from = 0;
-        for (; newlines != 0; newlines &= newlines - 1) {
-            unsigned at = static_cast<unsigned>(std::countr_zero(newlines));
-            if ((unusual & below(at) & ~below(from)) != 0) dirty = true;
-            const char* stop = p + at;
-            if (dirty || static_cast<std::size_t>(stop - line_start) > limit_)
-                check_line(line_start, stop, line);
-            ++line;
-            line_start = stop + 1;
-            dirty = false;
-            from = at + 1;
-        }
-        if ((unusual & ~below(from)) != 0) dirty = true;
-        p += 64;
+void CifTextCheck::begin(std::string_view text, std::size_t start) {
+    end_ = text.data() + text.size();
+    done_ = line_start_ = text.data() + start;
+    dirty_ = false;
+    line_ = 1;
+}
+
+void CifTextCheck::take_window(const char* p, std::uint64_t newlines, std::uint64_t usual) {
+    if (p + 64 <= done_) return;
+    if (p > done_) read_to(p);
+    // The bytes from done_ on; those before were checked already.
+    const unsigned skip = static_cast<unsigned>(done_ - p);
+    window(newlines >> skip, ~usual >> skip, 64 - skip);
+}
+
+void CifTextCheck::window(std::uint64_t newlines, std::uint64_t unusual, unsigned count) {
+    if (unusual == 0 && !short_lines_) {
+        clean_window(newlines, count);
+        return;
     }
-    p = line_start;
+    // A line is looked at closely when it holds an unusual byte or is too long.
+    auto below = [](unsigned bit) { return bit >= 64 ? ~std::uint64_t(0) : (std::uint64_t(1) << bit) - 1; };
+    unsigned from = 0;
+    for (; newlines != 0; newlines &= newlines - 1) {
+        const unsigned at = static_cast<unsigned>(std::countr_zero(newlines));
+        if ((unusual & below(at) & ~below(from)) != 0) dirty_ = true;
+        const char* stop = done_ + at;
+        if (dirty_ || static_cast<std::size_t>(stop - line_start_) > limit_)
+            check_line(line_start_, stop, line_);
+        ++line_;
+        line_start_ = stop + 1;
+        dirty_ = false;
+        from = at + 1;
+    }
+    if ((unusual & ~below(from)) != 0) dirty_ = true;
+    done_ += count;
+}
+
+void CifTextCheck::read_to(const char* p) {
+#if defined(__SSE2__)
+    while (p - done_ >= 64) {
+        const CifTextWindow bytes(done_, false);
+        take(done_, bytes.newline, bytes.usual);
+    }
+    if (p > done_) {
+        // Part of a window: p + 64 lies within the text, and so do these 64 bytes.
+        const CifTextWindow bytes(done_, false);
+        const unsigned count = static_cast<unsigned>(p - done_);
+        const std::uint64_t mask = (std::uint64_t(1) << count) - 1;
+        window(bytes.newline & mask, ~bytes.usual & mask, count);
+    }
+#else
+    (void)p;
 #endif
-    while (p < end) {
+}
+
+void CifTextCheck::finish() {
+#if defined(__SSE2__)
+    if (end_ - done_ >= 64) read_to(end_ - 64);
+#endif
+    // The rest, from the start of its line, line by line.
+    const char* p = line_start_;
+    int line = line_;
+    while (p < end_) {
         const char* newline =
-            static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
-        const char* stop = newline == nullptr ? end : newline;
+            static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end_ - p)));
+        const char* stop = newline == nullptr ? end_ : newline;
         check_line(p, stop, line);
         p = stop + 1;
         ++line;
     }
+    done_ = line_start_ = end_;
+    line_ = line;
 }
 
 void CifTextCheck::check_line(const char* begin, const char* end, int line) {

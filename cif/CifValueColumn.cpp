@@ -125,6 +125,30 @@ void CifValueColumn::push(CifValueRef ref, bool plain) {
     resume();
 }
 
+void CifValueColumn::append_plain(const CifValueRef* refs, std::size_t stride, std::size_t count) {
+    const CifValueRef* const stop = refs + count * stride;
+    while (refs != stop) {
+        Store* store = store_.get();
+        if (store != nullptr) {
+            // Straight into the last group while it has room and the values stay near its base.
+            std::uint16_t* next = store->next;
+            std::uint16_t* const limit = store->limit;
+            const std::uint32_t base = store->base;
+            std::uint16_t* const first = next;
+            for (; refs != stop && next != limit; refs += stride) {
+                const std::uint32_t distance = refs->offset - base;
+                if (distance > 0xffff) break;
+                *next++ = static_cast<std::uint16_t>(distance);
+            }
+            store->next = next;
+            size_ += static_cast<std::size_t>(next - first);
+            if (refs == stop) return;
+        }
+        push(*refs, true);
+        refs += stride;
+    }
+}
+
 void CifValueColumn::make_wide(std::size_t g, std::size_t count) {
     Store& store = *store_;
     std::vector<CifValueRef> refs(count);

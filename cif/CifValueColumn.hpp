@@ -62,6 +62,10 @@ public:
         push(ref, true);
     }
 
+    // push_plain for count values, refs[0], refs[stride], ...: the reader
+    // gathers the values of a loop's rows and hands each column its own.
+    void append_plain(const CifValueRef* refs, std::size_t stride, std::size_t count);
+
     void set(std::size_t n, CifValueRef ref);
     void insert(std::size_t n, CifValueRef ref);
     void erase(std::size_t n);

@@ -116,3 +116,68 @@ TEST(CifPlainValues, WordsEndingAtABracketOrNulLeaveTheFastPathWithTheirMessages
 }
 
 }  // namespace
+
+namespace {
+
+// What the check of characters and line lengths finds in the rows of a
+// loop read on the fast path, wherever the odd byte, the long line, the
+// line ends and the end of the text fall against its windows: the blanks
+// after the second row move everything after them one byte at a time.
+TEST(CifPlainValues, OddBytesAndLongLinesAreFoundWhereverTheyFallAgainstTheWindows) {
+    struct Case {
+        const char* name;
+        int version;
+        std::string odd;  // inside a value of line 20
+        int odd_code;
+        std::string line_end;
+        bool final_line_end;
+    };
+    const Case cases[] = {
+        {"control character", 1, "\x01", CifError::invalid_character, "\n", true},
+        {"DEL", 1, "\x7f", CifError::invalid_character, "\n", true},
+        {"byte beyond ASCII", 1, "\xc3\xa9", CifError::invalid_character, "\n", true},
+        {"broken UTF-8", 2, "\xc3", CifError::invalid_utf8, "\n", true},
+        {"UTF-8, fine", 2, "\xc3\xa9", 0, "\n", true},
+        {"CR LF line ends", 1, "\x01", CifError::invalid_character, "\r\n", true},
+        {"CR line ends", 1, "\x01", CifError::invalid_character, "\r", true},
+        {"no final line end", 1, "\x01", CifError::invalid_character, "\n", false},
+    };
+    CifParserSettings settings;
+    settings.line_length = 80;
+    for (const Case& c : cases) {
+        for (int shift = 0; shift < 72; ++shift) {  // every place in a window, the line within 80
+            std::vector<std::string> lines;
+            if (c.version >= 2) lines.push_back("#\\#CIF_2.0");
+            for (const char* head : {"data_x", "loop_", "_a", "_b"}) lines.push_back(head);
+            const int first_row = static_cast<int>(lines.size()) + 1;
+            lines.push_back("1 2");
+            lines.push_back("3" + std::string(static_cast<std::size_t>(shift) + 1, ' ') + "4");
+            for (int row = first_row + 2; row < first_row + 60; ++row) {
+                std::string left = std::to_string(row) + ".5";
+                if (row == first_row + 20) left = "7" + c.odd + "7";
+                std::string right = row == first_row + 30 ? std::string(79, '9') : "0.25";
+                lines.push_back(left + " " + right);
+            }
+            std::string text;
+            for (std::size_t n = 0; n < lines.size(); ++n) {
+                text += lines[n];
+                if (n + 1 < lines.size() || c.final_line_end) text += c.line_end;
+            }
+            THandle<Cif> cif = cif_test::read(text, settings);
+            cif_test::Messages expected;
+            if (c.odd_code != 0) expected.emplace_back(c.odd_code, first_row + 20);
+            expected.emplace_back(CifError::line_too_long, first_row + 30);
+            const int last = static_cast<int>(lines.size());
+            if (!c.final_line_end) expected.emplace_back(CifError::no_final_line_end, last);
+            ASSERT_EQ(cif_test::messages(*cif), expected) << c.name << ", shift " << shift;
+            const THandle<CifDataBlock> block = cif->block(0);
+            ASSERT_EQ(block->find("_a")->size(), 60u) << c.name << ", shift " << shift;
+            EXPECT_EQ(block->find("_a")->value(20), "7" + c.odd + "7") << c.name << ", shift " << shift;
+            EXPECT_EQ(block->find("_b")->value(30), std::string(79, '9')) << c.name << ", shift " << shift;
+            EXPECT_EQ(block->find("_b")->value(59), "0.25") << c.name << ", shift " << shift;
+            EXPECT_EQ(block->find("_b")->line(), first_row - 1) << c.name;
+        }
+    }
+}
+
+}  // namespace

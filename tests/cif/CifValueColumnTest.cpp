@@ -2,6 +2,7 @@
 // Value columns: plain values kept short, the rest in full, at group and chunk boundaries.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,28 @@ TEST(CifValueColumn, PlainValuesComeBackAsTheyWentIn) {
             const std::size_t begun = count > chunk ? 2 * chunk : 0;
             EXPECT_LT(fast.heap_bytes(), count * 3 + 4096 + begun) << count;
         }
+    }
+}
+
+TEST(CifValueColumn, ValuesAppendedInRunsMatchThoseTakenOneByOne) {
+    // Runs of every size from the gathered rows of a loop of three columns,
+    // with values near each other and, padded, more than two bytes apart.
+    const std::size_t g = CifValueColumn::group_size;
+    for (std::size_t padding : {std::size_t(0), std::size_t(300)}) {
+        const Words words(3 * g + 7, padding);
+        CifValueColumn one_by_one(words.text.c_str());
+        CifValueColumn appended(words.text.c_str());
+        for (const CifValueRef& ref : words.refs) one_by_one.push_plain(ref);
+        std::size_t run = 1;
+        for (std::size_t n = 0; n < words.refs.size(); n += run, run = run * 3 % 509 + 1) {
+            const std::size_t count = std::min(run, words.refs.size() - n);
+            std::vector<CifValueRef> rows(3 * count, ref_of(0, 0));
+            for (std::size_t k = 0; k < count; ++k) rows[3 * k + 1] = words.refs[n + k];
+            appended.append_plain(rows.data() + 1, 3, count);
+        }
+        SCOPED_TRACE(padding);
+        expect_same(appended, words.refs);
+        EXPECT_EQ(appended.heap_bytes(), one_by_one.heap_bytes());
     }
 }
 
