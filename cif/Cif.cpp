@@ -9,7 +9,9 @@
 #include "cif/CifStreamText.hpp"
 
 Cif::Cif(THandle<CifDictionary> dictionary)
-    : dictionary_(dictionary), errors_(new CifErrorContainer()), store_(new CifTextStore()) {}
+    : dictionary_(dictionary), errors_(new CifErrorContainer()), store_(new CifTextStore()) {
+    blocks_.reset(dictionary_, store_);
+}
 
 void Cif::read(std::istream& stream, const CifParserSettings& settings) {
     std::string text;
@@ -21,7 +23,7 @@ void Cif::read(std::istream& stream, const CifParserSettings& settings) {
 }
 
 void Cif::read_text(std::string text, const CifParserSettings& settings) {
-    blocks_.clear();
+    blocks_.reset(dictionary_, store_);
     errors_->clear();
     CifReader(*this, settings).read(std::move(text));
 }
@@ -39,9 +41,11 @@ void Cif::check_mandatory(const std::vector<std::string>& document_names,
         return std::any_of(std::begin(categories), std::end(categories),
                            [&](const char* category) { return block.has_item_with_category(category); });
     };
-    int first_line = blocks_.empty() || blocks_.front()->line() < 1 ? 1 : blocks_.front()->line();
+    int first_line = blocks_.empty() || blocks_.line(0) < 1 ? 1 : blocks_.line(0);
+    // Blocks that hold nothing lack every name and hold no crystal data.
+    const CifBlockList::Filled filled = blocks_.filled();
     auto in_document = [&](const std::string& name) {
-        return std::any_of(blocks_.begin(), blocks_.end(),
+        return std::any_of(filled.begin(), filled.end(),
                            [&](const THandle<CifDataBlock>& block) { return present_in(*block, name); });
     };
     std::vector<CifError> found;
@@ -49,7 +53,7 @@ void Cif::check_mandatory(const std::vector<std::string>& document_names,
         if (!in_document(name)) found.emplace_back(CifError::mandatory_item_missing, first_line, name);
     }
     bool any_crystal_block = false;
-    for (const THandle<CifDataBlock>& block : blocks_) {
+    for (const THandle<CifDataBlock>& block : filled) {
         if (!holds_crystal_data(*block)) continue;
         any_crystal_block = true;
         for (const std::string& name : block_names) {
@@ -79,16 +83,20 @@ THandle<CifDataBlock> Cif::block(unsigned int n) const {
     return n < blocks_.size() ? blocks_[n] : THandle<CifDataBlock>();
 }
 
-Cif::iterator Cif::block_with_name(const std::string& name) {
+Cif::iterator Cif::block_with_name(const std::string& name) const {
     std::string code = cif_block_code(name);
-    return std::find_if(blocks_.begin(), blocks_.end(),
-                        [&](const THandle<CifDataBlock>& block) { return cif_iequals(block->name(), code); });
+    std::size_t n = 0;
+    while (n < blocks_.size() && !cif_iequals(blocks_.name(n), code)) ++n;
+    return iterator(&blocks_, n);
 }
 
-Cif::iterator Cif::block_at_line(int line) {
-    return std::find_if(blocks_.begin(), blocks_.end(), [&](const THandle<CifDataBlock>& block) {
-        return block->line() > 0 && line >= block->line() && line <= block->end_line();
-    });
+Cif::iterator Cif::block_at_line(int line) const {
+    std::size_t n = 0;
+    for (; n < blocks_.size(); ++n) {
+        const int first = blocks_.line(n);
+        if (first > 0 && line >= first && line <= blocks_.end_line(n)) break;
+    }
+    return iterator(&blocks_, n);
 }
 
 Cif::iterator Cif::new_block(const std::string& name, iterator position) {
@@ -97,10 +105,8 @@ Cif::iterator Cif::new_block(const std::string& name, iterator position) {
 
 void Cif::print(std::ostream& stream, const CifWriteSettings& settings) const {
     if (settings.cif_version >= 2) stream << "#\\#CIF_2.0\n";
-    bool first = true;
-    for (const THandle<CifDataBlock>& block : blocks_) {
-        if (!first) stream << '\n';
-        block->print(stream, settings);
-        first = false;
+    for (std::size_t n = 0; n < blocks_.size(); ++n) {
+        if (n > 0) stream << '\n';
+        (blocks_.made(n) ? blocks_[n] : blocks_.unmade_block(n))->print(stream, settings);
     }
 }

@@ -2,12 +2,12 @@
 // One CIF document: its data blocks in text order, its dictionary and its messages.
 #pragma once
 
-#include <deque>
 #include <istream>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "cif/CifBlockList.hpp"
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifDictionary.hpp"
 #include "cif/CifErrorContainer.hpp"
@@ -20,11 +20,13 @@
 // checked against and the messages of reading and checking it.
 class Cif {
 public:
-    using BlockList = std::deque<THandle<CifDataBlock>>;
+    using BlockList = CifBlockList;
     using iterator = BlockList::iterator;
-    using const_iterator = BlockList::const_iterator;
+    using const_iterator = BlockList::iterator;
 
     explicit Cif(THandle<CifDictionary> dictionary = THandle<CifDictionary>());
+    Cif(const Cif&) = delete;
+    Cif& operator=(const Cif&) = delete;
     virtual ~Cif() = default;
 
     // Reads the whole stream into blocks (CIF 1.1, or CIF 2.0 when the text
@@ -47,22 +49,22 @@ public:
     void check_mandatory(const std::vector<std::string>& document_names,
                          const std::vector<std::string>& block_names);
 
-    BlockList& blocks() { return blocks_; }
+    // The blocks, in text order. Blocks read with nothing in them are kept
+    // as records and made when handed out; blocks().filled() passes over them.
     const BlockList& blocks() const { return blocks_; }
     std::size_t block_count() const { return blocks_.size(); }
-    iterator block_begin() { return blocks_.begin(); }
-    iterator block_end() { return blocks_.end(); }
-    const_iterator block_begin() const { return blocks_.begin(); }
-    const_iterator block_end() const { return blocks_.end(); }
+    iterator block_begin() const { return blocks_.begin(); }
+    iterator block_end() const { return blocks_.end(); }
     // The n-th block (0-based); a null handle when there is none.
     THandle<CifDataBlock> block(unsigned int n) const;
-    // The first block of that name (with or without "data_", case ignored), or block_end().
-    iterator block_with_name(const std::string& name);
+    // The first block of that name (with or without "data_", case ignored),
+    // or block_end(). Blocks passed over are not made.
+    iterator block_with_name(const std::string& name) const;
     // The block whose text holds the 1-based line: from its "data_" line to
     // the line before the next block's, the last block to the end of the
     // text. block_end() before the first "data_" line, past the end of the
-    // text, and for blocks not read from text.
-    iterator block_at_line(int line);
+    // text, and for blocks not read from text. Blocks passed over are not made.
+    iterator block_at_line(int line) const;
     // Inserts an empty block before position and returns it.
     iterator new_block(const std::string& name, iterator position);
 

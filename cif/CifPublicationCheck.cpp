@@ -16,7 +16,7 @@ void CifPublicationCheck::check() {
     std::string journal, journal_name;
     // A value that is only ? or ., in a text field too, is not given.
     auto given_as = [&](const char* name) {
-        for (const THandle<CifDataBlock>& block : blocks) {
+        for (const THandle<CifDataBlock>& block : blocks.filled()) {
             THandle<CifDataItem> item = block->find(name);
             if (item.is_null() || !item->has_value()) continue;
             std::string_view value = item->value_view(0);
@@ -32,7 +32,7 @@ void CifPublicationCheck::check() {
         return given_as(name) ||
                (std::string_view(name) == "_publ_contact_author_name" && given_as("_publ_contact_author"));
     };
-    for (const THandle<CifDataBlock>& block : blocks) {
+    for (const THandle<CifDataBlock>& block : blocks.filled()) {
         for_publication = for_publication || block->has_item_with_category("publ") ||
                           block->has_item_with_category("journal");
         if (journal.empty())

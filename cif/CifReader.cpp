@@ -91,6 +91,7 @@ void CifReader::read(std::string text) {
     const std::string& stored = store_->text();
     base_ = stored.data();
     cif_.store_ = store_;
+    cif_.blocks_.reset(cif_.dictionary_, store_);
     cif_.version_ = version_;
 
     // Characters and line lengths are checked as the text is read: the
@@ -107,9 +108,13 @@ void CifReader::read(std::string text) {
 
     int lines = stored.empty() ? 0 : (stored.back() == '\n' ? lexer.line() - 1 : lexer.line());
     cif_.line_count_ = lines;
-    for (std::size_t i = 0; i < cif_.blocks_.size(); ++i) {
-        CifDataBlock& block = *cif_.blocks_[i];
-        int end = i + 1 < cif_.blocks_.size() ? cif_.blocks_[i + 1]->line() - 1 : lines;
+    // A record's end line follows from the next heading; a made block keeps its own.
+    CifBlockList& blocks = cif_.blocks_;
+    blocks.set_line_count(lines);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        if (!blocks.made(i)) continue;
+        CifDataBlock& block = *blocks[i];
+        int end = i + 1 < blocks.size() ? blocks.line(i + 1) - 1 : lines;
         block.set_lines(block.line(), block.last_line(), std::max(end, block.line()));
     }
     if (cif_.blocks_.empty()) errors_.add(CifError::no_data_blocks, 1);
@@ -177,29 +182,37 @@ void CifReader::parse() {
 
 CifToken CifReader::on_data(const CifToken& token) {
     std::string name(token.begin, token.length);
-    THandle<CifDataBlock> block =
-        store_->make<CifDataBlock>(cif_.dictionary_, "data_" + name, token.line, store_);
+    // The block stays a record until something is put in it.
+    CifBlockList& blocks = cif_.blocks_;
+    const std::size_t index = blocks.size();
+    blocks.add_record(static_cast<std::size_t>(token.begin - base_), token.length, token.line);
     // Comments between blocks introduce the next one.
-    take_comments(block.get());
+    take_comments(comments_for_target() ? blocks[index].get() : nullptr);
     finish_block(false);
     if (name.empty()) errors_.add(CifError::block_without_name, token.line);
     check_name(name, token.line, true);
-    const int first = first_block_line(name, cif_.blocks_.size());
+    const int first = first_block_line(name, index);
     if (first >= 0 && !name.empty()) {
         errors_.add(CifError::duplicate_block_name, token.line, name, std::to_string(first));
     }
-    block_ = block;
-    cif_.blocks_.push_back(block_);
+    in_block_ = true;
+    block_index_ = index;
+    block_ = blocks.made(index) ? blocks[index] : THandle<CifDataBlock>();
     outside_reported_ = false;
     return next();
 }
 
 void CifReader::finish_block(bool at_end) {
     close_frame(false, previous_end_);
-    if (block_.is_null()) return;  // comments before the first block go to it
-    if (at_end) take_comments(block_.get(), CifCommentable::following_comment);
-    block_->set_lines(block_->line(), std::max(block_->line(), previous_end_), previous_end_);
-    validate(*block_);
+    if (!in_block_) return;  // comments before the first block go to it
+    if (at_end) {
+        take_comments(comments_for_target() ? &current_block() : nullptr, CifCommentable::following_comment);
+    }
+    CifBlockList& blocks = cif_.blocks_;
+    blocks.set_last_line(block_index_, std::max(blocks.line(block_index_), previous_end_));
+    // A block still a record holds nothing to check.
+    if (!block_.is_null()) validate(*block_);
+    in_block_ = false;
     block_ = THandle<CifDataBlock>();
     last_item_ = THandle<CifDataItem>();
 }
@@ -212,9 +225,25 @@ void CifReader::close_frame(bool terminated, int line) {
     last_item_ = THandle<CifDataItem>();
 }
 
-CifDataBlock* CifReader::target() const {
+CifDataBlock* CifReader::target() {
     if (!frame_.is_null()) return frame_.get();
-    return block_.get();
+    if (!in_block_) return nullptr;
+    return &current_block();
+}
+
+CifDataBlock& CifReader::current_block() {
+    if (block_.is_null()) block_ = cif_.blocks_[block_index_];
+    return *block_;
+}
+
+bool CifReader::trails_last_item(const CifComment& comment) const {
+    return comment.trailing && !last_item_.is_null() && comment.line == last_item_line_;
+}
+
+bool CifReader::comments_for_target() const {
+    const std::vector<CifComment>& comments = lexer_->comments();
+    return std::any_of(comments.begin(), comments.end(),
+                       [&](const CifComment& comment) { return !trails_last_item(comment); });
 }
 
 void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentType type) {
@@ -222,7 +251,7 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
     if (comments.empty()) return;
     for (const CifComment& comment : comments) {
         std::string_view text(comment.begin, comment.length);
-        if (comment.trailing && !last_item_.is_null() && comment.line == last_item_line_) {
+        if (trails_last_item(comment)) {
             last_item_->append_comments(text, CifCommentable::trailing_comment);
         } else if (target != nullptr) {
             target->append_comments(text, type);
@@ -292,28 +321,7 @@ CifValueRef CifReader::reference(const CifToken& token) const {
 }
 
 int CifReader::first_block_line(std::string_view name, std::size_t index) {
-    // A slot holds the upper half of the name's hash (which places it) and
-    // 1 + the block's place: the blocks are looked at only on a match.
-    if ((block_names_ + 1) * 4 > block_slots_.size() * 3) {
-        std::vector<std::uint64_t> old(block_slots_.empty() ? 16 : block_slots_.size() * 2, 0);
-        old.swap(block_slots_);
-        for (std::uint64_t kept : old) {
-            if (kept == 0) continue;
-            std::size_t i = static_cast<std::size_t>(kept >> 32) & (block_slots_.size() - 1);
-            while (block_slots_[i] != 0) i = (i + 1) & (block_slots_.size() - 1);
-            block_slots_[i] = kept;
-        }
-    }
-    const std::uint64_t tag = cif_name_hash(name) >> 32;
-    std::size_t i = static_cast<std::size_t>(tag) & (block_slots_.size() - 1);
-    for (; block_slots_[i] != 0; i = (i + 1) & (block_slots_.size() - 1)) {
-        if (block_slots_[i] >> 32 != tag) continue;
-        const CifDataBlock& block = *cif_.blocks_[(block_slots_[i] & 0xffffffffu) - 1];
-        if (cif_iequals(block.name(), name)) return block.line();
-    }
-    block_slots_[i] = (tag << 32) | static_cast<std::uint64_t>(index + 1);
-    ++block_names_;
-    return -1;
+    return block_names_.first_line(name, index, cif_.blocks_);
 }
 
 CifValueRef CifReader::unknown_value() {
@@ -369,7 +377,7 @@ CifToken CifReader::on_name(const CifToken& token) {
 }
 
 CifToken CifReader::on_stray_value(const CifToken& token) {
-    if (target() == nullptr) return skip_outside_block(token);
+    if (!in_block_) return skip_outside_block(token);
     if (token.line != stray_value_line_) {
         std::string text(token.begin, std::min<std::size_t>(token.length, 40));
         errors_.add(CifError::value_without_data_name, token.line, text);
@@ -499,7 +507,7 @@ std::size_t CifReader::note_damage(const CifDataBlock::ItemList& columns, bool s
 }
 
 CifToken CifReader::on_save(const CifToken& token) {
-    if (block_.is_null()) return skip_outside_block(token);
+    if (!in_block_) return skip_outside_block(token);
     std::string name(token.begin, token.length);
     if (!settings_.allow_save_frames || (token.kind == CifToken::save_end && frame_.is_null())) {
         errors_.add(CifError::save_frame_not_allowed, token.line, "save_" + name);
@@ -516,7 +524,7 @@ CifToken CifReader::on_save(const CifToken& token) {
     }
     check_name(name, token.line, true);
     frame_ = store_->make<CifDataBlock>(cif_.dictionary_, "data_" + name, token.line, store_);
-    block_->add_save_frame(frame_);
+    current_block().add_save_frame(frame_);
     take_comments(frame_.get());
     last_item_ = THandle<CifDataItem>();
     return next();

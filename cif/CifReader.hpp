@@ -10,7 +10,9 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cif/CifBlockNames.hpp"
 #include "cif/CifBlockValidator.hpp"
+#include "cif/CifComment.hpp"
 #include "cif/CifCommentable.hpp"
 #include "cif/CifErrorSink.hpp"
 #include "cif/CifLexer.hpp"
@@ -53,7 +55,14 @@ private:
     void close_frame(bool terminated, int line);
     void finish_block(bool at_end);
 
-    CifDataBlock* target() const;
+    // Where items go: the open frame, else the block (made from its record
+    // now), or null outside every block.
+    CifDataBlock* target();
+    CifDataBlock& current_block();
+    // Whether a comment waiting belongs to the last item (it trails its value).
+    bool trails_last_item(const CifComment& comment) const;
+    // Whether a comment waiting goes to what take_comments is given.
+    bool comments_for_target() const;
     void take_comments(CifCommentable* target,
                        CifCommentable::CommentType type = CifCommentable::preceding_comment);
     void check_name(const std::string& name, int line, bool block_name);
@@ -85,6 +94,10 @@ private:
     const char* base_ = nullptr;
     int version_ = 1;
     int previous_end_ = 0;  // the line where the token before the current one ended
+    // The block being read: its place in the document's list, and its object
+    // once made (a block with nothing in it stays a record).
+    bool in_block_ = false;
+    std::size_t block_index_ = 0;
     THandle<CifDataBlock> block_;
     THandle<CifDataBlock> frame_;
     THandle<CifDataItem> last_item_;  // the unlooped item a trailing comment belongs to
@@ -93,11 +106,7 @@ private:
     bool outside_reported_ = false;
     bool unknown_added_ = false;
     CifValueRef unknown_;
-    // The blocks read so far by name, case ignored, by their place in the
-    // document's list, in a flat table at most three quarters full (files
-    // of millions of blocks exist).
-    std::vector<std::uint64_t> block_slots_;
-    std::size_t block_names_ = 0;
+    CifBlockNames block_names_;            // the names of the blocks read so far
     std::unique_ptr<CifLineIndex> lines_;  // built when the first block is checked
     std::unique_ptr<CifValueReporter> reporter_;
     std::unordered_set<const CifDataItem*> checked_loops_;  // first columns of loops checked while read

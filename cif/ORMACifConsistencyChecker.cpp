@@ -48,7 +48,7 @@ void ORMACifConsistencyChecker::check_cif() {
     if (cif_.is_null()) return;
     CifCheckFindings findings(*cif_);
     findings_ = &findings;
-    for (const THandle<CifDataBlock>& block : cif_->blocks()) check_block(*block);
+    for (const THandle<CifDataBlock>& block : cif_->blocks().filled()) check_block(*block);
     check_publication();
     for (CifError& finding : findings.take()) cif_->errors()->add(std::move(finding));
     findings_ = nullptr;

@@ -178,7 +178,7 @@ int main(int argc, char** argv) {
             cif_read_file(args[i], text, std::size_t(1) << 30);
             THandle<Cif> cif(new Cif());
             cif->read_text(std::move(text), settings);
-            for (const THandle<CifDataBlock>& block : cif->blocks()) count += count_values(*block);
+            for (const THandle<CifDataBlock>& block : cif->blocks().filled()) count += count_values(*block);
             errors += static_cast<std::size_t>(cif->errors()->errors_of_type(CifError::error));
             if (i + 1 == args.size()) last_ours = cif;
         } else if (mode == "gemmi") {
