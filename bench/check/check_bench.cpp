@@ -38,6 +38,7 @@
 #include <functional>
 #include <random>
 
+#include "../common/ReflectionRows.hpp"
 #include "application/QcbsMainWindow.hpp"
 #include "application/QcbsMainWindowActions.hpp"
 #include "cif/ORMACifConsistencyChecker.hpp"
@@ -154,15 +155,10 @@ QString reflectionFile(long rows) {
         "data_r1abcsf\n_cell_length_a 61.2\n_cell_length_b 75.4\n_cell_length_c 98.1\n"
         "loop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_meas\n_refln_F_sigma\n"
         "_refln_include_status\n";
-    std::mt19937 random(7);
-    std::uniform_int_distribution<int> index(-60, 60);
-    std::uniform_real_distribution<double> value(1.0, 9999.0);
-    char row[96];
+    ReflectionRows generated;
     for (long r = 0; r < rows; ++r) {
-        const double f = value(random);
-        std::snprintf(row, sizeof row, "%4d%4d%4d %10.2f %8.2f o\n", index(random), index(random),
-                      index(random), f, f / 37.0);
-        text += QLatin1String(row);
+        const std::string_view row = generated.next();
+        text += QLatin1String(row.data(), static_cast<qsizetype>(row.size()));
     }
     return text;
 }

@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-License-Identifier: MIT
 // Timing work started from the event loop, and the longest the event loop was held meanwhile.
 #pragma once
 

@@ -43,6 +43,7 @@
 #include <vector>
 
 #include "../common/EventLoopTiming.hpp"
+#include "../common/ReflectionRows.hpp"
 #include "cif/CifDocumentCheck.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "editor/QcbsLineNumberedTextEdit.hpp"
@@ -55,15 +56,10 @@ QByteArray reflectionFile(long rows) {
         "data_refl\n_cell_length_a 10.123(2)\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n"
         "_refln_F_squared_meas\n_refln_F_squared_sigma\n_refln_observed_status\n";
     text.reserve(rows * 36 + 1024);
-    std::mt19937 random(7);
-    std::uniform_int_distribution<int> index(-40, 40);
-    std::uniform_real_distribution<double> value(0.0, 9999.0);
-    char row[96];
+    ReflectionRows generated(40, 0.0);
     for (long i = 0; i < rows; ++i) {
-        const double f = value(random);
-        std::snprintf(row, sizeof row, "%4d%4d%4d %10.2f %8.2f o\n", index(random), index(random),
-                      index(random), f, f / 37.0);
-        text += row;
+        const std::string_view row = generated.next();
+        text.append(row.data(), static_cast<qsizetype>(row.size()));
     }
     return text;
 }

@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "../common/ReflectionRows.hpp"
 #include "cif/Cif.hpp"
 #include "cif/CifFileText.hpp"
 
@@ -89,16 +90,10 @@ void write_refln(const std::string& path, long rows) {
     out << "data_r1abcsf\n_cell.entry_id 1ABC\n_cell.length_a 61.2\n_cell.length_b 75.4\n_cell.length_c "
            "98.1\nloop_\n_refln.index_h\n_refln.index_k\n_refln.index_l\n_refln.F_meas_au\n"
            "_refln.F_meas_sigma_au\n_refln.status\n";
-    std::mt19937 random(7);
-    std::uniform_int_distribution<int> index(-60, 60);
-    std::uniform_real_distribution<double> value(1.0, 9999.0);
+    ReflectionRows generated;
     std::string chunk;
-    char line[96];
     for (long r = 0; r < rows; ++r) {
-        double f = value(random);
-        int n = std::snprintf(line, sizeof line, "%4d%4d%4d %10.2f %8.2f o\n", index(random), index(random),
-                              index(random), f, f / 37.0);
-        chunk.append(line, static_cast<std::size_t>(n));
+        chunk += generated.next();
         if (chunk.size() > (1 << 20)) {
             out << chunk;
             chunk.clear();

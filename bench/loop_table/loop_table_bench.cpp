@@ -28,6 +28,7 @@
 #include <sstream>
 #include <string>
 
+#include "../common/ReflectionRows.hpp"
 #include "cif/Cif.hpp"
 #include "cif/CifConcreteDictionary.hpp"
 #include "cif/CifDictionaryPool.hpp"
@@ -42,16 +43,8 @@ std::string reflectionLoop(long rows) {
         "loop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_meas\n_refln_F_sigma\n"
         "_refln_observed_status\n";
     text.reserve(static_cast<std::size_t>(rows) * 34 + text.size());
-    std::mt19937 random(7);
-    std::uniform_int_distribution<int> index(-60, 60);
-    std::uniform_real_distribution<double> value(1.0, 9999.0);
-    char line[96];
-    for (long r = 0; r < rows; ++r) {
-        const double f = value(random);
-        const int n = std::snprintf(line, sizeof line, "%4d%4d%4d %10.2f %8.2f o\n", index(random),
-                                    index(random), index(random), f, f / 37.0);
-        text.append(line, static_cast<std::size_t>(n));
-    }
+    ReflectionRows generated;
+    for (long r = 0; r < rows; ++r) text += generated.next();
     return text;
 }
 

@@ -23,6 +23,7 @@
 #include <string>
 #include <vector>
 
+#include "../common/ReflectionRows.hpp"
 #include "cif/Cif.hpp"
 
 namespace {
@@ -154,16 +155,10 @@ void write_refln_file(const std::string& path, long rows) {
            "98.1\n"
            "loop_\n_refln.index_h\n_refln.index_k\n_refln.index_l\n_refln.F_meas_au\n_refln.F_meas_sigma_au\n"
            "_refln.status\n";
-    std::mt19937 random(7);
-    std::uniform_int_distribution<int> index(-60, 60);
-    std::uniform_real_distribution<double> value(1.0, 9999.0);
+    ReflectionRows generated;
     std::string chunk;
-    char line[96];
     for (long r = 0; r < rows; ++r) {
-        double f = value(random);
-        int n = std::snprintf(line, sizeof line, "%4d%4d%4d %10.2f %8.2f o\n", index(random), index(random),
-                              index(random), f, f / 37.0);
-        chunk.append(line, static_cast<std::size_t>(n));
+        chunk += generated.next();
         if (chunk.size() > (1 << 20)) {
             out << chunk;
             chunk.clear();

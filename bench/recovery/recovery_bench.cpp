@@ -27,6 +27,7 @@
 #include <random>
 
 #include "../common/EventLoopTiming.hpp"
+#include "../common/ReflectionRows.hpp"
 #include "document/QcbsCifDocument.hpp"
 #include "document/QcbsRecoveryStore.hpp"
 #include "document/QcbsRecoveryWriter.hpp"
@@ -42,16 +43,11 @@ void writeReflectionFile(const QString& name, long rows) {
     out.write(
         "data_refl\nloop_\n_refln_index_h\n_refln_index_k\n_refln_index_l\n_refln_F_squared_meas\n"
         "_refln_F_squared_sigma\n_refln_observed_status\n");
-    std::mt19937 random(7);
-    std::uniform_int_distribution<int> index(-40, 40);
-    std::uniform_real_distribution<double> value(0.0, 9999.0);
+    ReflectionRows generated(40, 0.0);
     QByteArray chunk;
-    char row[96];
     for (long i = 0; i < rows; ++i) {
-        const double f = value(random);
-        std::snprintf(row, sizeof row, "%4d%4d%4d %10.2f %8.2f o\n", index(random), index(random),
-                      index(random), f, f / 37.0);
-        chunk += row;
+        const std::string_view row = generated.next();
+        chunk.append(row.data(), static_cast<qsizetype>(row.size()));
         if (chunk.size() > (1 << 20)) out.write(std::exchange(chunk, QByteArray()));
     }
     out.write(chunk);

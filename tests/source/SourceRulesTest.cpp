@@ -54,7 +54,7 @@ const FolderLicence kLicences[] = {
     {"bench/loop_table", kGpl},
     {"bench/visualiser", kGpl},
     {"bench/recovery", kGpl},
-    {"bench/common", kGpl},
+    {"bench/common", kMit},
 };
 
 // One source file: its path in the source tree ("src/editor/QcbsUnicode.cpp") and its folder
