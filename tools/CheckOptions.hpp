@@ -19,6 +19,6 @@ struct CheckOptions {
     std::string problem;                    // set when the command line is not usable
 
     // Reads the arguments after the program name.
-    static CheckOptions parse(const std::vector<std::string>& arguments);
+    static CheckOptions parse(std::vector<std::string> arguments);
     static const char* usage();
 };
