@@ -86,6 +86,7 @@ void CifConcreteDictionary::add_definition(CifItemDefinition definition,
                                  std::to_string(definitions_[found->second].line)));
         return;
     }
+    if (!explanations_kept_) definition.drop_explanations();
     definitions_.push_back(std::move(definition));
 }
 

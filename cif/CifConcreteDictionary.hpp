@@ -44,6 +44,13 @@ public:
         import_directories_ = std::move(directories);
     }
 
+    // Whether the definitions read keep what only explains an item to a
+    // person (CifItemDefinition::drop_explanations): the data-item help
+    // needs them, checking does not, and they are most of a dictionary's
+    // memory (kept by default; set before reading).
+    void set_explanations_kept(bool kept) { explanations_kept_ = kept; }
+    bool explanations_kept() const { return explanations_kept_; }
+
     // The definition language of the text read.
     enum class Language { ddl1, ddlm, ddl2 };
     Language language() const { return language_; }
@@ -90,6 +97,7 @@ private:
 
     Language language_ = Language::ddl1;
     std::vector<std::string> import_directories_;
+    bool explanations_kept_ = true;
 
     CifDictionaryDescriptor descriptor_;
     std::vector<CifItemDefinition> definitions_;

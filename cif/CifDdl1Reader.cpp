@@ -100,6 +100,7 @@ void CifDdl1Reader::read_definition(const CifDataBlock& block) {
     CifItemDefinition definition;
     definition.line = block.line();
     if (!read_attributes(block, definition)) return;
+    if (!dictionary_.explanations_kept_) definition.drop_explanations();
     for (std::size_t i = 0; i < names.size(); ++i) {
         CifItemDefinition copy = i + 1 < names.size() ? definition : std::move(definition);
         copy.name = names[i];

@@ -95,4 +95,18 @@ struct CifItemDefinition {
     int line = 0;            // the 1-based line of the definition block in the dictionary file
 
     bool is_category_overview() const { return category == "category_overview"; }
+
+    // Drops what only explains the item to a person (the explanation, units,
+    // examples, default value, child items and the permitted values'
+    // details); no check looks at them.
+    void drop_explanations() {
+        // Swapped with empty ones: assigning an empty string keeps the old buffer.
+        std::string().swap(definition);
+        std::string().swap(units);
+        std::string().swap(units_detail);
+        std::string().swap(enumeration_default);
+        std::vector<Example>().swap(examples);
+        std::vector<std::string>().swap(list_link_child);
+        for (CifEnumeration& entry : enumerations) std::string().swap(entry.detail);
+    }
 };
