@@ -111,21 +111,30 @@ void CifConcreteDictionary::build_lookup() {
     std::size_t size = 16;
     while (size < 2 * index_.size()) size *= 2;
     lookup_.assign(size, Slot());
-    for (const auto& [name, index] : index_) {
-        const std::uint64_t hash = cif_name_hash(name);
+    for (const auto& [key, index] : index_) {
+        // The slot points at the definition's own spelling of the name or
+        // alias (compared without case), so the reading's table can go.
+        const CifItemDefinition& found = definitions_[index];
+        const std::string* name = &found.name;
+        for (auto alias = found.aliases.begin(); !cif_iequals(*name, key) && alias != found.aliases.end();
+             ++alias)
+            name = &*alias;
+        const std::uint64_t hash = cif_name_hash(key);
         std::size_t at = hash & (size - 1);
         while (lookup_[at].name != nullptr) at = (at + 1) & (size - 1);
-        lookup_[at] = Slot{hash, &name, index};
+        lookup_[at] = Slot{static_cast<std::uint32_t>(hash >> 32), static_cast<std::uint32_t>(index), name};
     }
+    decltype(index_)().swap(index_);
 }
 
 const CifItemDefinition* CifConcreteDictionary::definition(const std::string& data_name) const {
     if (!lookup_.empty()) {
         const std::uint64_t hash = cif_name_hash(data_name);
         const std::size_t mask = lookup_.size() - 1;
+        const auto high = static_cast<std::uint32_t>(hash >> 32);
         for (std::size_t at = hash & mask; lookup_[at].name != nullptr; at = (at + 1) & mask) {
             const Slot& slot = lookup_[at];
-            if (slot.hash == hash && cif_iequals(*slot.name, data_name)) return &definitions_[slot.index];
+            if (slot.high == high && cif_iequals(*slot.name, data_name)) return &definitions_[slot.index];
         }
         return nullptr;
     }

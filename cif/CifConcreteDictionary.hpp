@@ -86,7 +86,7 @@ private:
     void index_by_length();
     // Works out every category's facts (facts_).
     void gather_facts();
-    // Fills lookup_ from index_ once the reading is done.
+    // Fills lookup_ from index_ once the reading is done, and lets index_ go.
     void build_lookup();
     // Appends a definition; one of a name already defined is an error (350) and is dropped.
     void add_definition(CifItemDefinition definition, const THandle<CifErrorContainer>& errors);
@@ -102,16 +102,17 @@ private:
     CifDictionaryDescriptor descriptor_;
     std::vector<CifItemDefinition> definitions_;
     std::vector<std::string> categories_;
-    // Lower-case data name -> index into definitions_; looked up without
-    // regard to case, so a query needs no lower-case copy.
+    // Lower-case data name -> index into definitions_ while reading; looked
+    // up without regard to case, so a query needs no lower-case copy.
     std::unordered_map<std::string, std::size_t, CifNameHash, CifNameEqual> index_;
     // The same as one flat table (open addressing, twice as many slots as
-    // names), which definition() searches once the reading is done: the
-    // checks look names up several times for every item of every file.
+    // names), which definition() searches once the reading is done (index_
+    // is then let go): the checks look names up several times for every
+    // item of every file.
     struct Slot {
-        std::uint64_t hash = 0;
-        const std::string* name = nullptr;  // a key of index_; null: a free slot
-        std::size_t index = 0;
+        std::uint32_t high = 0;  // the upper half of the name's hash
+        std::uint32_t index = 0;
+        const std::string* name = nullptr;  // the name or alias as defined; null: a free slot
     };
     std::vector<Slot> lookup_;
     // Lower-case plain category name -> indexes of its definitions.

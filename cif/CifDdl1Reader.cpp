@@ -100,7 +100,6 @@ void CifDdl1Reader::read_definition(const CifDataBlock& block) {
     CifItemDefinition definition;
     definition.line = block.line();
     if (!read_attributes(block, definition)) return;
-    if (!dictionary_.explanations_kept_) definition.drop_explanations();
     for (std::size_t i = 0; i < names.size(); ++i) {
         CifItemDefinition copy = i + 1 < names.size() ? definition : std::move(definition);
         copy.name = names[i];
@@ -132,7 +131,8 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
     for (std::size_t i = 0; i < values.size(); ++i) {
         definition.enumerations.push_back({values[i], i < details.size() ? details[i] : std::string()});
     }
-    definition.enumeration_default = value_of(block, "_enumeration_default");
+    CifItemDefinition::Notes notes;
+    notes.enumeration_default = value_of(block, "_enumeration_default");
 
     definition.range_text = value_of(block, "_enumeration_range");
     if (!definition.range_text.empty()) {
@@ -159,25 +159,26 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
     definition.list_reference = values_of(block, "_list_reference");
     definition.list_mandatory = cif_iequals(value_of(block, "_list_mandatory"), "yes");
     definition.list_link_parent = values_of(block, "_list_link_parent");
-    definition.list_link_child = values_of(block, "_list_link_child");
+    notes.list_link_child = values_of(block, "_list_link_child");
 
-    definition.units = value_of(block, "_units");
-    definition.units_detail = value_of(block, "_units_detail");
+    notes.units = value_of(block, "_units");
+    notes.units_detail = value_of(block, "_units_detail");
     std::vector<std::string> examples = values_of(block, "_example");
     std::vector<std::string> example_details = values_of(block, "_example_detail");
     for (std::size_t i = 0; i < examples.size(); ++i) {
-        definition.examples.push_back({examples[i], i < example_details.size() ? example_details[i] : ""});
+        notes.examples.push_back({examples[i], i < example_details.size() ? example_details[i] : ""});
     }
     std::vector<std::string> related = values_of(block, "_related_item");
     std::vector<std::string> functions = values_of(block, "_related_function");
     for (std::size_t i = 0; i < related.size(); ++i) {
         definition.related.push_back({related[i], i < functions.size() ? functions[i] : ""});
     }
-    definition.definition = value_of(block, "_definition");
+    notes.definition = value_of(block, "_definition");
     definition.enumeration_concatenated =
-        !definition.enumerations.empty() && definition.definition.find("concatenated") != std::string::npos &&
+        !definition.enumerations.empty() && notes.definition.find("concatenated") != std::string::npos &&
         std::all_of(definition.enumerations.begin(), definition.enumerations.end(),
                     [](const CifEnumeration& entry) { return entry.value.size() == 1; });
+    if (dictionary_.explanations_kept_) definition.set_notes(std::move(notes));
     return true;
 }
 

@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
     // The standard streams stay synchronised with C's: unsynchronised, each
     // of the six gets a buffer of its own (128 KiB of heap, the wide ones
     // never used), and the report has its own buffered stream anyway.
-    CheckOptions options = CheckOptions::parse(std::vector<std::string>(argv + 1, argv + argc));
+    CheckOptions options = CheckOptions::parse(std::vector<std::string_view>(argv + 1, argv + argc));
     if (!options.problem.empty()) {
         std::cerr << "tessary-check: " << options.problem << "\n\n" << CheckOptions::usage();
         return 2;
@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
                                            : std::max(1u, std::thread::hardware_concurrency());
     threads = std::min(threads, count);
     if (threads <= 1) {
-        for (std::size_t i = 0; i < count; ++i) print(checker.check(options.files[i], keep(i)));
+        for (std::size_t i = 0; i < count; ++i) print(checker.check(std::string(options.files[i]), keep(i)));
     } else {
         // Each file is checked on one thread; results are printed in the
         // order the files were named, each as soon as it and those before
@@ -104,7 +104,7 @@ int main(int argc, char** argv) {
         std::atomic<std::size_t> next_file{0};
         auto work = [&]() {
             for (std::size_t i = next_file++; i < count; i = next_file++) {
-                FileCheckResult result = checker.check(options.files[i], keep(i));
+                FileCheckResult result = checker.check(std::string(options.files[i]), keep(i));
                 std::lock_guard<std::mutex> lock(mutex);
                 results[i] = std::move(result);
                 ready.notify_all();
