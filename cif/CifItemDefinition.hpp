@@ -125,5 +125,6 @@ struct CifItemDefinition {
     }
 
 private:
+    friend class CifDictionaryStore;
     std::shared_ptr<const Notes> notes_;
 };
