@@ -35,6 +35,9 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& o
     if (ops.empty()) return nullptr;
     auto group = std::make_unique<gemmi::GroupOps>(gemmi::split_centering_vectors(ops));
     if (group->cen_ops.empty()) group->cen_ops.push_back({0, 0, 0});
+    // Kept for the process: without the room the lists grew into.
+    group->sym_ops.shrink_to_fit();
+    group->cen_ops.shrink_to_fit();
     return group;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dictionaries kept packed and read a piece at a time answer as those read whole and kept as objects.
+// Packed dictionaries and ones read a piece at a time answer as those read whole, as objects.
 #include <gtest/gtest.h>
 
 #include <filesystem>
