@@ -118,8 +118,10 @@ void CifConcreteDictionary::build_lookup() {
         // The slot keeps the store's own spelling of the name or alias
         // (compared without case), so the reading's table can go.
         std::string_view name = store_->name(index);
-        for (std::string_view spelling : store_->names(index))
-            if (cif_iequals(spelling, key)) name = spelling;
+        if (!cif_iequals(name, key)) {
+            for (std::string_view spelling : store_->names(index))
+                if (cif_iequals(spelling, key)) name = spelling;
+        }
         const std::uint64_t hash = cif_name_hash(key);
         std::size_t at = hash & (size - 1);
         while (lookup_[at].index != Slot::free) at = (at + 1) & (size - 1);

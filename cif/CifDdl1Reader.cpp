@@ -209,13 +209,17 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
             definition.uncertainty = CifItemDefinition::Uncertainty::allowed;
     }
 
+    // What only explains the item is not even read when it is not kept.
+    const bool explained = dictionary_.explanations_kept_;
     std::vector<std::string> values = values_of(block, "_enumeration");
-    std::vector<std::string> details = values_of(block, "_enumeration_detail");
+    std::vector<std::string> details =
+        explained ? values_of(block, "_enumeration_detail") : std::vector<std::string>();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        definition.enumerations.push_back({values[i], i < details.size() ? details[i] : std::string()});
+        definition.enumerations.push_back(
+            {values[i], explained && i < details.size() ? details[i] : std::string()});
     }
     CifItemDefinition::Notes notes;
-    notes.enumeration_default = value_of(block, "_enumeration_default");
+    if (explained) notes.enumeration_default = value_of(block, "_enumeration_default");
 
     definition.range_text = value_of(block, "_enumeration_range");
     if (!definition.range_text.empty()) {
@@ -242,26 +246,31 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
     definition.list_reference = values_of(block, "_list_reference");
     definition.list_mandatory = cif_iequals(value_of(block, "_list_mandatory"), "yes");
     definition.list_link_parent = values_of(block, "_list_link_parent");
-    notes.list_link_child = values_of(block, "_list_link_child");
-
-    notes.units = value_of(block, "_units");
-    notes.units_detail = value_of(block, "_units_detail");
-    std::vector<std::string> examples = values_of(block, "_example");
-    std::vector<std::string> example_details = values_of(block, "_example_detail");
-    for (std::size_t i = 0; i < examples.size(); ++i) {
-        notes.examples.push_back({examples[i], i < example_details.size() ? example_details[i] : ""});
+    if (explained) {
+        notes.list_link_child = values_of(block, "_list_link_child");
+        notes.units = value_of(block, "_units");
+        notes.units_detail = value_of(block, "_units_detail");
+        std::vector<std::string> examples = values_of(block, "_example");
+        std::vector<std::string> example_details = values_of(block, "_example_detail");
+        for (std::size_t i = 0; i < examples.size(); ++i) {
+            notes.examples.push_back({examples[i], i < example_details.size() ? example_details[i] : ""});
+        }
     }
     std::vector<std::string> related = values_of(block, "_related_item");
     std::vector<std::string> functions = values_of(block, "_related_function");
     for (std::size_t i = 0; i < related.size(); ++i) {
         definition.related.push_back({related[i], i < functions.size() ? functions[i] : ""});
     }
-    notes.definition = value_of(block, "_definition");
+    // The explanation tells whether the codes may run together.
+    std::string text = explained || !definition.enumerations.empty() ? value_of(block, "_definition") : "";
     definition.enumeration_concatenated =
-        !definition.enumerations.empty() && notes.definition.find("concatenated") != std::string::npos &&
+        !definition.enumerations.empty() && text.find("concatenated") != std::string::npos &&
         std::all_of(definition.enumerations.begin(), definition.enumerations.end(),
                     [](const CifEnumeration& entry) { return entry.value.size() == 1; });
-    if (dictionary_.explanations_kept_) definition.set_notes(std::move(notes));
+    if (explained) {
+        notes.definition = std::move(text);
+        definition.set_notes(std::move(notes));
+    }
     return true;
 }
 
