@@ -85,6 +85,22 @@ std::string_view CifDataBlock::record_name(const Record& record) const {
     return std::string_view(name, CifValueColumn::word_length(name));
 }
 
+bool CifDataBlock::record_is(const Record& record, std::string_view tag) const {
+    if (record.is_column()) return cif_iequals(record_name(record), tag);
+    // The name in the text ends at white space or the text's NUL: names
+    // of other lengths are told apart by the byte after tag's length first.
+    const std::string& text = store_->text();
+    if (tag.empty() || record.name_offset + tag.size() > text.size()) return false;
+    const char* p = text.data() + record.name_offset;
+    if (!CifValueColumn::word_stop(p[tag.size()]) || cif_lower(p[tag.size() - 1]) != cif_lower(tag.back()))
+        return false;
+    for (const char c : tag) {
+        if (CifValueColumn::word_stop(*p) || cif_lower(*p) != cif_lower(c)) return false;
+        ++p;
+    }
+    return CifValueColumn::word_stop(*p);
+}
+
 std::size_t CifDataBlock::position_of(std::string_view tag) const {
     if (contents_ == nullptr) return CifNameIndex::npos;
     const Contents& c = *contents_;
@@ -95,8 +111,14 @@ std::size_t CifDataBlock::position_of(std::string_view tag) const {
         }
         return CifNameIndex::npos;
     };
-    if (c.has_records.load(std::memory_order_relaxed))
-        return search(c.records.size(), [&](std::size_t n) { return record_name(c.records[n]); });
+    if (c.has_records.load(std::memory_order_relaxed)) {
+        if (!c.index.empty())
+            return c.index.find(tag, [&](std::size_t n) { return record_name(c.records[n]); });
+        for (std::size_t i = 0; i < c.records.size(); ++i) {
+            if (record_is(c.records[i], tag)) return i;
+        }
+        return CifNameIndex::npos;
+    }
     return search(c.order.size(), [&](std::size_t n) -> std::string_view { return c.order[n]->name(); });
 }
 

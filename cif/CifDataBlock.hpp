@@ -207,6 +207,8 @@ private:
     }
     void make_items() const;
     std::string_view record_name(const Record& record) const;
+    // Whether the record's name is tag, case ignored (without finding its length first).
+    bool record_is(const Record& record, std::string_view tag) const;
     // The position in write order of the item of that name, made or not, or npos.
     std::size_t position_of(std::string_view tag) const;
 

@@ -280,11 +280,11 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
     comments.clear();
 }
 
-void CifReader::check_name(const std::string& name, int line, bool block_name) {
+void CifReader::check_name(std::string_view name, int line, bool block_name) {
     if (version_ >= 2 || settings_.max_name_length <= 0) return;
     if (name.size() <= static_cast<std::size_t>(settings_.max_name_length)) return;
-    errors_.add(block_name ? CifError::block_name_too_long : CifError::data_name_too_long, line, name,
-                std::to_string(settings_.max_name_length));
+    errors_.add(block_name ? CifError::block_name_too_long : CifError::data_name_too_long, line,
+                std::string(name), std::to_string(settings_.max_name_length));
 }
 
 CifValueReporter& CifReader::reporter() {
@@ -369,9 +369,12 @@ CifToken CifReader::skip_outside_block(const CifToken& token) {
 CifToken CifReader::on_name(const CifToken& token) {
     CifDataBlock* block = target();
     if (block == nullptr) return skip_outside_block(token);
+    if (records_) {
+        check_name(std::string_view(token.begin, token.length), token.line, false);
+        return on_read_item(*block, token);
+    }
     std::string name(token.begin, token.length);
     check_name(name, token.line, false);
-    if (records_) return on_read_item(*block, token, name);
     THandle<CifDataItem> item =
         store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, token.line);
     take_comments(item.get());
@@ -398,7 +401,8 @@ CifToken CifReader::on_name(const CifToken& token) {
     return after;
 }
 
-CifToken CifReader::on_read_item(CifDataBlock& block, const CifToken& token, const std::string& name) {
+CifToken CifReader::on_read_item(CifDataBlock& block, const CifToken& token) {
+    const std::string_view name(token.begin, token.length);
     CifCommentable comments;
     take_comments(&comments);
     CifToken value = next();
@@ -407,7 +411,7 @@ CifToken CifReader::on_read_item(CifDataBlock& block, const CifToken& token, con
     if (has_value) {
         ref = reference(value);
     } else {
-        errors_.add(CifError::data_name_without_value, token.line, name);
+        errors_.add(CifError::data_name_without_value, token.line, std::string(name));
     }
     const std::size_t position =
         block.add_read_item(static_cast<std::size_t>(token.begin - base_), token.length, token.line,
@@ -418,7 +422,8 @@ CifToken CifReader::on_read_item(CifDataBlock& block, const CifToken& token, con
         last_position_ = position;
         last_item_line_ = lexer_->last_end_line();
     } else {
-        errors_.add(CifError::duplicate_data_name, token.line, name, std::to_string(*block.item_line(name)));
+        errors_.add(CifError::duplicate_data_name, token.line, std::string(name),
+                    std::to_string(*block.item_line(name)));
         forget_last_item();
     }
     if (!has_value) return value;

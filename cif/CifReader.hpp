@@ -49,7 +49,7 @@ private:
     CifToken on_data(const CifToken& token);
     CifToken on_name(const CifToken& token);
     // The same for an item kept as a record (records_).
-    CifToken on_read_item(CifDataBlock& block, const CifToken& token, const std::string& name);
+    CifToken on_read_item(CifDataBlock& block, const CifToken& token);
     CifToken on_loop(const CifToken& token);
     CifToken on_save(const CifToken& token);
     CifToken on_stray_value(const CifToken& token);
@@ -68,7 +68,7 @@ private:
     bool comments_for_target() const;
     void take_comments(CifCommentable* target,
                        CifCommentable::CommentType type = CifCommentable::preceding_comment);
-    void check_name(const std::string& name, int line, bool block_name);
+    void check_name(std::string_view name, int line, bool block_name);
     // Checks a finished block against the document's dictionary.
     void validate(const CifDataBlock& block);
     // Whether values are checked against a dictionary while reading.

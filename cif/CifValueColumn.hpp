@@ -85,6 +85,8 @@ public:
 
     // The length of the word at p: up to white space or a NUL.
     static std::uint32_t word_length(const char* p);
+    // Whether c ends a word so (white space or a NUL).
+    static bool word_stop(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\0'; }
 
 private:
     static constexpr std::size_t chunk_bits = 20;  // distances kept in chunks of 2 MiB
