@@ -67,7 +67,7 @@ void CifDataBlock::make_items() const {
             continue;
         }
         THandle<CifDataItem> item =
-            store_->make<CifDataItem>(std::string(record_name(record)), store_, dictionary_, record.line);
+            store_->make<CifDataItem>(record_name(record), store_, dictionary_, record.line);
         static_cast<CifCommentable&>(*item) = std::move(record.comments);
         if (record.has_value()) item->values().push_back(record.value);
         order.push_back(std::move(item));
@@ -163,8 +163,8 @@ std::size_t CifDataBlock::add_read_item(std::size_t name_offset, std::size_t nam
                            name_offset < Record::none &&
                            CifValueColumn::word_length(store_->text().data() + name_offset) == name_length;
     if (!as_record) {
-        THandle<CifDataItem> item = store_->make<CifDataItem>(store_->text().substr(name_offset, name_length),
-                                                              store_, dictionary_, line);
+        THandle<CifDataItem> item = store_->make<CifDataItem>(
+            std::string_view(store_->text()).substr(name_offset, name_length), store_, dictionary_, line);
         static_cast<CifCommentable&>(*item) = std::move(comments);
         if (value != nullptr) item->values().push_back(*value);
         return add_item(item) ? contents_->order.size() - 1 : npos;

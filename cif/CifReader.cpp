@@ -369,14 +369,10 @@ CifToken CifReader::skip_outside_block(const CifToken& token) {
 CifToken CifReader::on_name(const CifToken& token) {
     CifDataBlock* block = target();
     if (block == nullptr) return skip_outside_block(token);
-    if (records_) {
-        check_name(std::string_view(token.begin, token.length), token.line, false);
-        return on_read_item(*block, token);
-    }
-    std::string name(token.begin, token.length);
+    const std::string_view name(token.begin, token.length);
     check_name(name, token.line, false);
-    THandle<CifDataItem> item =
-        store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, token.line);
+    if (records_) return on_read_item(*block, token);
+    THandle<CifDataItem> item = store_->make<CifDataItem>(name, store_, cif_.dictionary_, token.line);
     take_comments(item.get());
     CifToken value = next();
     bool has_value = value.kind == CifToken::value;
@@ -453,10 +449,9 @@ CifToken CifReader::on_loop(const CifToken& token) {
     CifDataBlock::ItemList columns;
     CifToken t = next();
     while (t.kind == CifToken::name) {
-        std::string name(t.begin, t.length);
+        const std::string_view name(t.begin, t.length);
         check_name(name, t.line, false);
-        THandle<CifDataItem> item =
-            store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, t.line);
+        THandle<CifDataItem> item = store_->make<CifDataItem>(name, store_, cif_.dictionary_, t.line);
         if (columns.empty()) item->append_comments(loop_comments);
         take_comments(item.get());
         columns.push_back(item);
