@@ -193,6 +193,11 @@ std::size_t CifDataBlock::add_read_item(std::size_t name_offset, std::size_t nam
     return c.records.size() - 1;
 }
 
+void CifDataBlock::add_save_frame(THandle<CifDataBlock> frame) {
+    if (contents_ == nullptr) contents_ = std::make_unique<Contents>();
+    contents_->frames.push_back(frame);
+}
+
 void CifDataBlock::shrink_to_fit() {
     if (has_records()) contents_->records.shrink_to_fit();
 }

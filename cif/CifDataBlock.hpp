@@ -108,7 +108,7 @@ public:
     void set_write_order(const std::vector<std::string>& tags, OrderingMode mode);
     ItemList::const_iterator begin_write_order() const { return contents().order.begin(); }
     ItemList::const_iterator end_write_order() const { return contents().order.end(); }
-    // These three make no item of a record.
+    // These make no item of a record.
     std::size_t item_count() const;
     const std::vector<ItemList>& loops() const { return held().loops; }
     // The number of values of all items (one for an unlooped item with a value).
@@ -140,7 +140,8 @@ public:
     bool add_loop(const ItemList& columns);
 
     const std::vector<THandle<CifDataBlock>>& save_frames() const { return held().frames; }
-    void add_save_frame(THandle<CifDataBlock> frame) { contents().frames.push_back(frame); }
+    // Makes no item of a record (the reader adds frames among a block's records).
+    void add_save_frame(THandle<CifDataBlock> frame);
 
     // Writes the block as CIF text, starting with its "data_" line.
     void print(std::ostream& stream, const CifWriteSettings& settings) const;
@@ -168,7 +169,8 @@ private:
     // An item not made yet: an unlooped item read from text, or the place
     // in write order of a loop column (which is an object from the start).
     struct Record {
-        // name_offset of a loop column; value of a name without a value.
+        // The name_offset of a loop column's record, and the value's offset
+        // (its bits 0) of a name read without a value: no text is that long.
         static constexpr std::uint32_t none = 0xffffffff;
         CifCommentable comments;
         CifValueRef value;  // a loop column: offset = its loop, bits = its column
