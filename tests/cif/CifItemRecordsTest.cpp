@@ -151,41 +151,49 @@ TEST(CifItemRecords, ThreadsMakingTheSameItemsGetOneObjectEach) {
     std::string text = many_items();
     text += "save_frame\n_s.a 1\n_s.b 2\nsave_\n";
     struct Seen {
-        const CifDataItem* by_name = nullptr;
         std::vector<const CifDataItem*> order;
-        const CifDataItem* in_frame = nullptr;
+        std::vector<const CifDataItem*> frame;
         std::size_t count = 0;
     };
     for (int round = 0; round < 20; ++round) {
         THandle<Cif> cif = read_with(text, THandle<CifDictionary>(), false);
         const CifDataBlock& block = *cif->blocks()[0];
+        const CifDataBlock& frame = *block.save_frames()[0];
         constexpr int thread_count = 4;
         std::vector<Seen> seen(thread_count);
         std::atomic<int> ready{0};
         std::vector<std::thread> threads;
+        // The threads see items by reference only: copying one handle on
+        // several threads at once is no more allowed than before.
         for (int t = 0; t < thread_count; ++t) {
             threads.emplace_back([&, t] {
                 ++ready;
                 while (ready.load() < thread_count) {
                 }
-                // Half the threads ask by name first, half walk the write order first.
                 Seen& mine = seen[static_cast<std::size_t>(t)];
                 mine.count = block.item_count();
-                if (t % 2 == 0) mine.by_name = block.find("_m.item_20").get();
-                for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it)
-                    mine.order.push_back(it->get());
-                if (t % 2 == 1) mine.by_name = block.find("_M.Item_20").get();
-                mine.in_frame = block.save_frames()[0]->find("_s.b").get();
+                auto walk = [](const CifDataBlock& b, std::vector<const CifDataItem*>& out, bool backwards) {
+                    out.assign(static_cast<std::size_t>(b.end_write_order() - b.begin_write_order()),
+                               nullptr);
+                    for (std::size_t n = 0; n < out.size(); ++n) {
+                        const std::size_t k = backwards ? out.size() - 1 - n : n;
+                        out[k] = b.begin_write_order()[static_cast<std::ptrdiff_t>(k)].get();
+                    }
+                };
+                // Half the threads start with the frame and walk backwards.
+                if (t % 2 == 1) walk(frame, mine.frame, true);
+                walk(block, mine.order, t % 2 == 1);
+                if (t % 2 == 0) walk(frame, mine.frame, false);
             });
         }
         for (std::thread& thread : threads) thread.join();
         ASSERT_EQ(seen[0].order.size(), 43u);  // 41 items and 2 columns; the two repeated names left out
-        EXPECT_EQ(seen[0].by_name, seen[0].order[20]);
+        EXPECT_EQ(block.find("_M.Item_20").get(), seen[0].order[20]);
+        EXPECT_EQ(frame.find("_s.b").get(), seen[0].frame.at(1));
         for (const Seen& other : seen) {
             EXPECT_EQ(other.count, 43u);
             EXPECT_EQ(other.order, seen[0].order);
-            EXPECT_EQ(other.by_name, seen[0].by_name);
-            EXPECT_EQ(other.in_frame, seen[0].in_frame);
+            EXPECT_EQ(other.frame, seen[0].frame);
         }
     }
 }
