@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Fuzz target of the DDL1 reader: a text read a few blocks at a time must give what it gives read whole.
+// Fuzz target of the DDL1 reader: read a few blocks at a time, a text gives what it gives whole.
 
 #include <cstdint>
 #include <cstdio>
