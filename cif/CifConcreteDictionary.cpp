@@ -51,6 +51,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
                                       THandle<CifErrorContainer> errors, std::ostream* log) {
     descriptor_ = CifDictionaryDescriptor();
     definitions_.clear();
+    store_.reset();
     categories_.clear();
     index_.clear();
     lookup_.clear();
@@ -73,6 +74,8 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     }
     index_by_length();
     gather_facts();
+    store_ = std::make_unique<CifDictionaryStore>(std::move(definitions_));
+    std::vector<CifItemDefinition>().swap(definitions_);
     build_lookup();
     return errors.is_null() || errors->size() == before;
 }
@@ -86,6 +89,7 @@ void CifConcreteDictionary::add_definition(CifItemDefinition definition,
                                  std::to_string(definitions_[found->second].line)));
         return;
     }
+    if (!explanations_kept_) definition.drop_explanations();
     definitions_.push_back(std::move(definition));
 }
 
@@ -110,21 +114,34 @@ void CifConcreteDictionary::build_lookup() {
     std::size_t size = 16;
     while (size < 2 * index_.size()) size *= 2;
     lookup_.assign(size, Slot());
-    for (const auto& [name, index] : index_) {
-        const std::uint64_t hash = cif_name_hash(name);
+    for (const auto& [key, index] : index_) {
+        // The slot keeps the store's own spelling of the name or alias
+        // (compared without case), so the reading's table can go.
+        std::string_view name = store_->name(index);
+        if (!cif_iequals(name, key)) {
+            for (std::string_view spelling : store_->names(index))
+                if (cif_iequals(spelling, key)) name = spelling;
+        }
+        const std::uint64_t hash = cif_name_hash(key);
         std::size_t at = hash & (size - 1);
-        while (lookup_[at].name != nullptr) at = (at + 1) & (size - 1);
-        lookup_[at] = Slot{hash, &name, index};
+        while (lookup_[at].index != Slot::free) at = (at + 1) & (size - 1);
+        lookup_[at] = Slot{static_cast<std::uint32_t>(hash >> 32), static_cast<std::uint32_t>(index),
+                           static_cast<std::uint32_t>(name.data() - store_->packed().data()),
+                           static_cast<std::uint32_t>(name.size())};
     }
+    decltype(index_)().swap(index_);
 }
 
 const CifItemDefinition* CifConcreteDictionary::definition(const std::string& data_name) const {
     if (!lookup_.empty()) {
         const std::uint64_t hash = cif_name_hash(data_name);
         const std::size_t mask = lookup_.size() - 1;
-        for (std::size_t at = hash & mask; lookup_[at].name != nullptr; at = (at + 1) & mask) {
+        const auto high = static_cast<std::uint32_t>(hash >> 32);
+        const std::string_view packed = store_->packed();
+        for (std::size_t at = hash & mask; lookup_[at].index != Slot::free; at = (at + 1) & mask) {
             const Slot& slot = lookup_[at];
-            if (slot.hash == hash && cif_iequals(*slot.name, data_name)) return &definitions_[slot.index];
+            if (slot.high == high && cif_iequals(packed.substr(slot.at, slot.size), data_name))
+                return &(*store_)[slot.index];
         }
         return nullptr;
     }
@@ -135,9 +152,11 @@ const CifItemDefinition* CifConcreteDictionary::definition(const std::string& da
 std::vector<std::string> CifConcreteDictionary::data_names() const {
     // The reader keeps no second definition of a name, so each comes once.
     std::vector<std::string> result;
-    result.reserve(definitions_.size());
-    for (const CifItemDefinition& definition : definitions_)
-        if (!definition.is_category_overview()) result.push_back(definition.name);
+    result.reserve(definition_count());
+    for (std::size_t i = 0; i < definition_count(); ++i) {
+        const std::string_view category = store_ ? store_->category(i) : definitions_[i].category;
+        if (category != "category_overview") result.emplace_back(name_at(i));
+    }
     return result;
 }
 
@@ -145,7 +164,7 @@ std::vector<std::string> CifConcreteDictionary::category_items(const std::string
     std::vector<std::string> result;
     auto found = members_.find(plain_category_name(category));
     if (found == members_.end()) return result;
-    for (std::size_t index : found->second) result.push_back(definitions_[index].name);
+    for (std::size_t index : found->second) result.emplace_back(name_at(index));
     return result;
 }
 
@@ -154,7 +173,7 @@ std::vector<std::string> CifConcreteDictionary::mandatory_items(const std::strin
     auto found = members_.find(plain_category_name(category));
     if (found == members_.end()) return result;
     for (std::size_t index : found->second) {
-        if (definitions_[index].list_mandatory) result.push_back(definitions_[index].name);
+        if (definition_at(index).list_mandatory) result.emplace_back(name_at(index));
     }
     return result;
 }
@@ -210,13 +229,13 @@ std::vector<CifDictionary::SimilarName> CifConcreteDictionary::find_similar_name
     for (std::size_t length = shortest; length < longest; ++length) {
         for (const auto& [index, other] : by_length_[length]) {
             if (cif_edit_distance_floor(letters, other) > max_edits) continue;
-            const int distance = cif_edit_distance(data_name, definitions_[index].name, max_edits);
+            const int distance = cif_edit_distance(data_name, name_at(index), max_edits);
             if (distance <= max_edits) found.emplace_back(index, distance);
         }
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
         return a.second != b.second ? a.second < b.second : a.first < b.first;
     });
-    for (const auto& [index, distance] : found) result.push_back({definitions_[index].name, distance});
+    for (const auto& [index, distance] : found) result.push_back({std::string(name_at(index)), distance});
     return result;
 }

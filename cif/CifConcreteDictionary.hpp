@@ -14,6 +14,7 @@
 
 #include "cif/CifDictionary.hpp"
 #include "cif/CifDictionaryDescriptor.hpp"
+#include "cif/CifDictionaryStore.hpp"
 #include "cif/CifErrorContainer.hpp"
 #include "cif/CifItemDefinition.hpp"
 #include "cif/CifNames.hpp"
@@ -44,6 +45,13 @@ public:
         import_directories_ = std::move(directories);
     }
 
+    // Whether the definitions read keep what only explains an item to a
+    // person (CifItemDefinition::drop_explanations): the data-item help
+    // needs them, checking does not, and they are most of a dictionary's
+    // memory (kept by default; set before reading).
+    void set_explanations_kept(bool kept) { explanations_kept_ = kept; }
+    bool explanations_kept() const { return explanations_kept_; }
+
     // The definition language of the text read.
     enum class Language { ddl1, ddlm, ddl2 };
     Language language() const { return language_; }
@@ -56,7 +64,7 @@ public:
 
     bool is_defined(const std::string& data_name) const override;
     const CifItemDefinition* definition(const std::string& data_name) const override;
-    bool has_definitions() const override { return !definitions_.empty(); }
+    bool has_definitions() const override { return definition_count() > 0; }
     std::string name() const override { return descriptor_.name; }
     std::vector<std::string> categories() const override { return categories_; }
     std::vector<std::string> category_items(const std::string& category) const override;
@@ -65,9 +73,14 @@ public:
     std::vector<SimilarName> similar_names(std::string_view data_name, int max_edits) const override;
     const CifCategoryFacts* category_facts(const std::string& category) const override;
 
-    // Every definition, in the dictionary's order (one per data name).
-    const std::vector<CifItemDefinition>& definitions() const { return definitions_; }
-    std::size_t definition_count() const { return definitions_.size(); }
+    // Every definition, in the dictionary's order (one per data name), by
+    // its place: made when first asked for (see CifDictionaryStore).
+    std::size_t definition_count() const { return store_ ? store_->size() : definitions_.size(); }
+    const CifItemDefinition& definition_at(std::size_t index) const {
+        return store_ ? (*store_)[index] : definitions_[index];
+    }
+    // How many definitions have been made into objects so far.
+    std::size_t definitions_made() const { return store_ ? store_->made() : definitions_.size(); }
 
 private:
     friend class CifDdl1Reader;
@@ -79,7 +92,7 @@ private:
     void index_by_length();
     // Works out every category's facts (facts_).
     void gather_facts();
-    // Fills lookup_ from index_ once the reading is done.
+    // Fills lookup_ from index_ once the reading is done, and lets index_ go.
     void build_lookup();
     // Appends a definition; one of a name already defined is an error (350) and is dropped.
     void add_definition(CifItemDefinition definition, const THandle<CifErrorContainer>& errors);
@@ -90,20 +103,32 @@ private:
 
     Language language_ = Language::ddl1;
     std::vector<std::string> import_directories_;
+    bool explanations_kept_ = true;
+
+    // A definition's data name, from whichever holds the definitions.
+    std::string_view name_at(std::size_t index) const {
+        return store_ ? store_->name(index) : std::string_view(definitions_[index].name);
+    }
 
     CifDictionaryDescriptor descriptor_;
+    // The definitions while the dictionary is read; then packed into store_.
     std::vector<CifItemDefinition> definitions_;
+    std::unique_ptr<CifDictionaryStore> store_;
     std::vector<std::string> categories_;
-    // Lower-case data name -> index into definitions_; looked up without
-    // regard to case, so a query needs no lower-case copy.
+    // Lower-case data name -> index into definitions_ while reading; looked
+    // up without regard to case, so a query needs no lower-case copy.
     std::unordered_map<std::string, std::size_t, CifNameHash, CifNameEqual> index_;
     // The same as one flat table (open addressing, twice as many slots as
-    // names), which definition() searches once the reading is done: the
-    // checks look names up several times for every item of every file.
+    // names), which definition() searches once the reading is done (index_
+    // is then let go): the checks look names up several times for every
+    // item of every file.
     struct Slot {
-        std::uint64_t hash = 0;
-        const std::string* name = nullptr;  // a key of index_; null: a free slot
-        std::size_t index = 0;
+        static constexpr std::uint32_t free = UINT32_MAX;
+        std::uint32_t high = 0;  // the upper half of the name's hash
+        std::uint32_t index = free;
+        // The name or alias as the store keeps it: where it is in the store's packed text.
+        std::uint32_t at = 0;
+        std::uint32_t size = 0;
     };
     std::vector<Slot> lookup_;
     // Lower-case plain category name -> indexes of its definitions.

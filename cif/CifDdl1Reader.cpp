@@ -42,15 +42,64 @@ CifDdl1Reader::CifDdl1Reader(CifConcreteDictionary& dictionary, THandle<CifError
 
 void CifDdl1Reader::error(int code, int line, std::string text, std::string detail) {
     if (errors_.is_null()) return;
-    errors_->add(CifError(static_cast<CifError::ErrorID>(code), line, std::move(text), std::move(detail)));
+    errors_->add(CifError(static_cast<CifError::ErrorID>(code), line + line_offset_, std::move(text),
+                          std::move(detail)));
 }
 
-void CifDdl1Reader::read(std::string text) {
+namespace {
+
+// Where the pieces of a DDL1 text start: before a data_ heading at the start
+// of a line outside text fields, once the piece before holds at least
+// `size` bytes; with the number of lines before each.
+std::vector<std::pair<std::size_t, int>> piece_starts(std::string_view text, std::size_t size) {
+    std::vector<std::pair<std::size_t, int>> starts{{0, 0}};
+    bool in_text = false;
+    bool headed = false;
+    int lines = 0;
+    for (std::size_t at = 0; at < text.size(); ++lines) {
+        std::size_t end = text.find('\n', at);
+        if (end == std::string_view::npos) end = text.size();
+        const std::string_view line = text.substr(at, end - at);
+        if (!line.empty() && line.front() == ';') {
+            in_text = !in_text;
+        } else if (!in_text && cif_istarts_with(line, "data_")) {
+            if (headed && at - starts.back().first >= size) starts.emplace_back(at, lines);
+            headed = true;
+        }
+        at = end + 1;
+    }
+    return starts;
+}
+
+}  // namespace
+
+void CifDdl1Reader::read(std::string text, std::size_t piece_size) {
+    if (piece_size == 0 || !read_in_pieces(text, piece_size)) {
+        read_whole(std::move(text));
+    } else {
+        std::string().swap(text);
+        dictionary_.definitions_.shrink_to_fit();
+    }
+    line_offset_ = 0;
+    if (dictionary_.definitions_.empty()) error(CifError::not_a_dictionary, 1);
+    build_categories();
+    if (log_ != nullptr) {
+        *log_ << "Read dictionary " << dictionary_.descriptor_.text() << ": "
+              << dictionary_.definitions_.size() << " data names in " << dictionary_.categories_.size()
+              << " categories\n";
+    }
+}
+
+CifParserSettings CifDdl1Reader::settings() {
     CifParserSettings settings;
     settings.line_length = 0;
     settings.check_data_names = false;
+    return settings;
+}
+
+void CifDdl1Reader::read_whole(std::string text) {
     Cif cif;
-    cif.read_text(std::move(text), settings);
+    cif.read_text(std::move(text), settings());
     // Only errors of the text make the dictionary unfit; remarks and
     // warnings (a missing final line end, say) go to the log.
     for (const CifError& problem : *cif.errors()) {
@@ -69,19 +118,53 @@ void CifDdl1Reader::read(std::string text) {
         names += name.is_null() ? 0 : name->size();
     }
     dictionary_.definitions_.reserve(names);
+    read_blocks(cif);
+}
+
+bool CifDdl1Reader::read_in_pieces(const std::string& text, std::size_t piece_size) {
+    // Pieces read alike only where lines end in LF alone and quoted values
+    // cannot span lines (CIF 1.1).
+    if (text.find('\r') != std::string::npos || cif_istarts_with(text, "#\\#CIF_2")) return false;
+    const std::vector<std::pair<std::size_t, int>> starts = piece_starts(text, piece_size);
+    if (starts.size() < 2) return false;
+    // The dictionary's own errors wait until every piece has read cleanly.
+    THandle<CifErrorContainer> errors = errors_;
+    if (!errors.is_null()) errors_ = THandle<CifErrorContainer>(new CifErrorContainer());
+    std::unordered_set<std::string> block_names;
+    bool clean = true;
+    for (std::size_t n = 0; clean && n < starts.size(); ++n) {
+        const std::size_t end = n + 1 < starts.size() ? starts[n + 1].first : text.size();
+        Cif cif;
+        cif.read_text(text.substr(starts[n].first, end - starts[n].first), settings());
+        clean = cif.errors()->empty();
+        for (const THandle<CifDataBlock>& block : cif.blocks())
+            clean = clean && block_names.insert(cif_lowercase(block->name())).second;
+        if (!clean) break;
+        line_offset_ = starts[n].second;
+        read_blocks(cif);
+    }
+    line_offset_ = 0;
+    THandle<CifErrorContainer> own = errors_;
+    errors_ = errors;
+    if (!clean) {
+        // The whole text is read again, as one, for its messages.
+        dictionary_.descriptor_ = CifDictionaryDescriptor();
+        std::vector<CifItemDefinition>().swap(dictionary_.definitions_);
+        dictionary_.index_.clear();
+        return false;
+    }
+    if (!errors_.is_null())
+        for (const CifError& problem : *own) errors_->add(problem);
+    return true;
+}
+
+void CifDdl1Reader::read_blocks(const Cif& cif) {
     for (const THandle<CifDataBlock>& block : cif.blocks()) {
         if (cif_iequals(block->name(), "on_this_dictionary")) {
             read_descriptor(*block);
         } else {
             read_definition(*block);
         }
-    }
-    if (dictionary_.definitions_.empty()) error(CifError::not_a_dictionary, 1);
-    build_categories();
-    if (log_ != nullptr) {
-        *log_ << "Read dictionary " << dictionary_.descriptor_.text() << ": "
-              << dictionary_.definitions_.size() << " data names in " << dictionary_.categories_.size()
-              << " categories\n";
     }
 }
 
@@ -98,7 +181,7 @@ void CifDdl1Reader::read_definition(const CifDataBlock& block) {
         return;
     }
     CifItemDefinition definition;
-    definition.line = block.line();
+    definition.line = block.line() + line_offset_;
     if (!read_attributes(block, definition)) return;
     for (std::size_t i = 0; i < names.size(); ++i) {
         CifItemDefinition copy = i + 1 < names.size() ? definition : std::move(definition);
@@ -126,12 +209,17 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
             definition.uncertainty = CifItemDefinition::Uncertainty::allowed;
     }
 
+    // What only explains the item is not even read when it is not kept.
+    const bool explained = dictionary_.explanations_kept_;
     std::vector<std::string> values = values_of(block, "_enumeration");
-    std::vector<std::string> details = values_of(block, "_enumeration_detail");
+    std::vector<std::string> details =
+        explained ? values_of(block, "_enumeration_detail") : std::vector<std::string>();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        definition.enumerations.push_back({values[i], i < details.size() ? details[i] : std::string()});
+        definition.enumerations.push_back(
+            {values[i], explained && i < details.size() ? details[i] : std::string()});
     }
-    definition.enumeration_default = value_of(block, "_enumeration_default");
+    CifItemDefinition::Notes notes;
+    if (explained) notes.enumeration_default = value_of(block, "_enumeration_default");
 
     definition.range_text = value_of(block, "_enumeration_range");
     if (!definition.range_text.empty()) {
@@ -158,25 +246,31 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
     definition.list_reference = values_of(block, "_list_reference");
     definition.list_mandatory = cif_iequals(value_of(block, "_list_mandatory"), "yes");
     definition.list_link_parent = values_of(block, "_list_link_parent");
-    definition.list_link_child = values_of(block, "_list_link_child");
-
-    definition.units = value_of(block, "_units");
-    definition.units_detail = value_of(block, "_units_detail");
-    std::vector<std::string> examples = values_of(block, "_example");
-    std::vector<std::string> example_details = values_of(block, "_example_detail");
-    for (std::size_t i = 0; i < examples.size(); ++i) {
-        definition.examples.push_back({examples[i], i < example_details.size() ? example_details[i] : ""});
+    if (explained) {
+        notes.list_link_child = values_of(block, "_list_link_child");
+        notes.units = value_of(block, "_units");
+        notes.units_detail = value_of(block, "_units_detail");
+        std::vector<std::string> examples = values_of(block, "_example");
+        std::vector<std::string> example_details = values_of(block, "_example_detail");
+        for (std::size_t i = 0; i < examples.size(); ++i) {
+            notes.examples.push_back({examples[i], i < example_details.size() ? example_details[i] : ""});
+        }
     }
     std::vector<std::string> related = values_of(block, "_related_item");
     std::vector<std::string> functions = values_of(block, "_related_function");
     for (std::size_t i = 0; i < related.size(); ++i) {
         definition.related.push_back({related[i], i < functions.size() ? functions[i] : ""});
     }
-    definition.definition = value_of(block, "_definition");
+    // The explanation tells whether the codes may run together.
+    std::string text = explained || !definition.enumerations.empty() ? value_of(block, "_definition") : "";
     definition.enumeration_concatenated =
-        !definition.enumerations.empty() && definition.definition.find("concatenated") != std::string::npos &&
+        !definition.enumerations.empty() && text.find("concatenated") != std::string::npos &&
         std::all_of(definition.enumerations.begin(), definition.enumerations.end(),
                     [](const CifEnumeration& entry) { return entry.value.size() == 1; });
+    if (explained) {
+        notes.definition = std::move(text);
+        definition.set_notes(std::move(notes));
+    }
     return true;
 }
 

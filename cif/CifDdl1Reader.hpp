@@ -7,8 +7,10 @@
 #include <vector>
 
 #include "cif/CifErrorContainer.hpp"
+#include "cif/CifParserSettings.hpp"
 #include "support/THandle.hpp"
 
+class Cif;
 class CifConcreteDictionary;
 class CifDataBlock;
 struct CifItemDefinition;
@@ -24,9 +26,18 @@ class CifDdl1Reader {
 public:
     CifDdl1Reader(CifConcreteDictionary& dictionary, THandle<CifErrorContainer> errors, std::ostream* log);
 
-    void read(std::string text);
+    // A text of several pieces of piece_size bytes or more is read a piece
+    // (whole data blocks) at a time, so that the definitions are made without
+    // the document of the whole text: a third of the memory. When a piece
+    // has any problem, or two pieces name the same block, the text is read
+    // again as one for its messages; a piece_size of 0 reads it as one.
+    void read(std::string text, std::size_t piece_size = std::size_t(1) << 16);
 
 private:
+    static CifParserSettings settings();
+    void read_whole(std::string text);
+    bool read_in_pieces(const std::string& text, std::size_t piece_size);
+    void read_blocks(const Cif& cif);
     void read_descriptor(const CifDataBlock& block);
     void read_definition(const CifDataBlock& block);
     bool read_attributes(const CifDataBlock& block, CifItemDefinition& definition);
@@ -37,4 +48,6 @@ private:
     CifConcreteDictionary& dictionary_;
     THandle<CifErrorContainer> errors_;
     std::ostream* log_;
+    // Lines before the piece being read, added to the lines it reports.
+    int line_offset_ = 0;
 };

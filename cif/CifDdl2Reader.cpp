@@ -103,7 +103,11 @@ void CifDdl2Reader::read_category(const CifDataBlock& frame) {
     overview.category = "category_overview";
     overview.type = Type::null;
     overview.type_text = "null";
-    overview.definition = attributes.value("_category.description");
+    if (dictionary_.explanations_kept_) {
+        CifItemDefinition::Notes notes;
+        notes.definition = attributes.value("_category.description");
+        overview.set_notes(std::move(notes));
+    }
     overview.line = frame.line();
     keys_[cif_lowercase(overview.name)] = attributes.values("_category_key.name");
     category_names_.push_back(overview.name);
@@ -151,10 +155,15 @@ void CifDdl2Reader::read_item(const CifDataBlock& frame) {
         definition.range_text = "1:";
     }
     const std::vector<std::string> values = attributes.values("_item_enumeration.value");
-    const std::vector<std::string> details = attributes.values("_item_enumeration.detail");
+    // What only explains the item is not even read when it is not kept.
+    const bool explained = dictionary_.explanations_kept_;
+    const std::vector<std::string> details =
+        explained ? attributes.values("_item_enumeration.detail") : std::vector<std::string>();
     for (std::size_t i = 0; i < values.size(); ++i)
-        definition.enumerations.push_back({values[i], i < details.size() ? details[i] : std::string()});
-    definition.enumeration_default = attributes.value("_item_default.value");
+        definition.enumerations.push_back(
+            {values[i], explained && i < details.size() ? details[i] : std::string()});
+    CifItemDefinition::Notes notes;
+    if (explained) notes.enumeration_default = attributes.value("_item_default.value");
     // Several ranges are read as the one that holds them all.
     const std::vector<std::string> minima = attributes.values("_item_range.minimum");
     const std::vector<std::string> maxima = attributes.values("_item_range.maximum");
@@ -190,12 +199,15 @@ void CifDdl2Reader::read_item(const CifDataBlock& frame) {
             errors_->add(CifError(CifError::dictionary_bad_range, frame.line(), definition.name));
         }
     }
-    definition.units = attributes.value("_item_units.code");
-    definition.definition = attributes.value("_item_description.description");
-    const std::vector<std::string> cases = attributes.values("_item_examples.case");
-    const std::vector<std::string> case_details = attributes.values("_item_examples.detail");
-    for (std::size_t i = 0; i < cases.size(); ++i)
-        definition.examples.push_back({cases[i], i < case_details.size() ? case_details[i] : std::string()});
+    if (explained) {
+        notes.units = attributes.value("_item_units.code");
+        notes.definition = attributes.value("_item_description.description");
+        const std::vector<std::string> cases = attributes.values("_item_examples.case");
+        const std::vector<std::string> case_details = attributes.values("_item_examples.detail");
+        for (std::size_t i = 0; i < cases.size(); ++i)
+            notes.examples.push_back({cases[i], i < case_details.size() ? case_details[i] : std::string()});
+        definition.set_notes(std::move(notes));
+    }
     definition.aliases = attributes.values("_item_aliases.alias_name");
     definition.list = CifItemDefinition::List::both;
 

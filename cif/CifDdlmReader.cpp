@@ -124,7 +124,11 @@ void CifDdlmReader::read_frame(const CifDataBlock& frame, const std::string& dir
     overview.category = "category_overview";
     overview.type = CifItemDefinition::Type::null;
     overview.type_text = "null";
-    overview.definition = attributes.value("_description.text");
+    if (dictionary_.explanations_kept_) {
+        CifItemDefinition::Notes notes;
+        notes.definition = attributes.value("_description.text");
+        overview.set_notes(std::move(notes));
+    }
     overview.line = frame.line();
     dictionary_.add_definition(std::move(overview), errors_);
 }
@@ -208,10 +212,15 @@ void CifDdlmReader::read_item(const Layers& layers, const std::string& name, int
     if (cif_iequals(purpose, "Measurand")) definition.uncertainty = CifItemDefinition::Uncertainty::allowed;
 
     std::vector<std::string> states = attributes.values("_enumeration_set.state");
-    std::vector<std::string> details = attributes.values("_enumeration_set.detail");
+    // What only explains the item is not even read when it is not kept.
+    const bool explained = dictionary_.explanations_kept_;
+    std::vector<std::string> details =
+        explained ? attributes.values("_enumeration_set.detail") : std::vector<std::string>();
     for (std::size_t i = 0; i < states.size(); ++i)
-        definition.enumerations.push_back({states[i], i < details.size() ? details[i] : std::string()});
-    definition.enumeration_default = attributes.value("_enumeration.default");
+        definition.enumerations.push_back(
+            {states[i], explained && i < details.size() ? details[i] : std::string()});
+    CifItemDefinition::Notes notes;
+    notes.enumeration_default = attributes.value("_enumeration.default");
     definition.range_text = attributes.value("_enumeration.range");
     if (!definition.range_text.empty()) {
         if (CifDictionaryAttributes::read_range(definition.range_text, numeric, definition)) {
@@ -226,12 +235,14 @@ void CifDdlmReader::read_item(const Layers& layers, const std::string& name, int
         definition.range_text = "0:";
     }
 
-    definition.units = attributes.value("_units.code");
-    definition.definition = attributes.value("_description.text");
-    std::vector<std::string> cases = attributes.values("_description_example.case");
-    std::vector<std::string> case_details = attributes.values("_description_example.detail");
-    for (std::size_t i = 0; i < cases.size(); ++i)
-        definition.examples.push_back({cases[i], i < case_details.size() ? case_details[i] : std::string()});
+    if (explained) {
+        notes.units = attributes.value("_units.code");
+        notes.definition = attributes.value("_description.text");
+        std::vector<std::string> cases = attributes.values("_description_example.case");
+        std::vector<std::string> case_details = attributes.values("_description_example.detail");
+        for (std::size_t i = 0; i < cases.size(); ++i)
+            notes.examples.push_back({cases[i], i < case_details.size() ? case_details[i] : std::string()});
+    }
     for (const std::string& alias : attributes.values("_alias.definition_id"))
         if (!cif_iequals(alias, name)) definition.aliases.push_back(alias);
     for (const std::string& by : attributes.values("_definition_replaced.by"))
@@ -239,9 +250,9 @@ void CifDdlmReader::read_item(const Layers& layers, const std::string& name, int
     // An SU names its measurand the same way, but only a link is a parent.
     const std::string linked = attributes.value("_name.linked_item_id");
     if (!linked.empty() && cif_iequals(purpose, "Link")) definition.list_link_parent.push_back(linked);
-    if (!definition.enumeration_default.empty() ||
-        cif_iequals(attributes.value("_method.purpose"), "Evaluation"))
+    if (!notes.enumeration_default.empty() || cif_iequals(attributes.value("_method.purpose"), "Evaluation"))
         derivable_.insert(cif_lowercase(name));
+    if (explained) definition.set_notes(std::move(notes));
     dictionary_.add_definition(std::move(definition), errors_);
 }
 

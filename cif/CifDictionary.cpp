@@ -19,7 +19,7 @@ std::vector<CifDictionary::Enumeration> CifDictionary::enumerations(const std::s
 
 std::string CifDictionary::definition_text(const std::string& data_name) const {
     const CifItemDefinition* found = definition(data_name);
-    return found == nullptr ? std::string() : found->definition;
+    return found == nullptr ? std::string() : found->notes().definition;
 }
 
 std::string CifDictionary::category_of(const std::string& data_name) const {

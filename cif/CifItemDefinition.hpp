@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,13 +16,13 @@
 struct CifItemDefinition {
     // The type of the values: numb (numbers), char (text), null (category
     // overviews and other definitions without values).
-    enum class Type { numb, char_text, null };
+    enum class Type : std::uint8_t { numb, char_text, null };
     // Whether a numeric value may carry a standard uncertainty in
     // parentheses: DDL1 _type_conditions esd or su.
-    enum class Uncertainty { none, allowed };
+    enum class Uncertainty : std::uint8_t { none, allowed };
     // DDL1 _list: whether the item must be (yes), must not be (no) or may be
     // (both) a loop column. DDL1 reads an absent _list as no.
-    enum class List { no, yes, both };
+    enum class List : std::uint8_t { no, yes, both };
 
     // What a value must look like beyond numb or char: DDLm _type.contents
     // and DDL2 _item_type.code. DDL1 definitions leave it at any.
@@ -47,33 +48,33 @@ struct CifItemDefinition {
         std::string name;      // a data name, or a name prefix such as "_atom_site_Cartn_"
         std::string function;  // "alternate", "replace", "conversion", ...
     };
+    // What only explains the item to a person (the data-item help shows
+    // it); no check looks at it.
+    struct Notes {
+        std::string definition;  // the explanation text
+        std::string units;
+        std::string units_detail;
+        std::string enumeration_default;
+        std::vector<Example> examples;
+        std::vector<std::string> list_link_child;
 
-    std::string name;      // as the dictionary writes it: "_atom_site_fract_x", "_atom_site_[]"
-    std::string category;  // "atom_site"; "category_overview" for overview definitions
-    Type type = Type::char_text;
+        bool empty() const {
+            return definition.empty() && units.empty() && units_detail.empty() &&
+                   enumeration_default.empty() && examples.empty() && list_link_child.empty();
+        }
+    };
+
+    std::string name;       // as the dictionary writes it: "_atom_site_fract_x", "_atom_site_[]"
+    std::string category;   // "atom_site"; "category_overview" for overview definitions
     std::string type_text;  // as written: "numb", "char", "null"
-    Uncertainty uncertainty = Uncertainty::none;
     std::vector<CifEnumeration> enumerations;
-    std::string enumeration_default;
-    // The value is a run of the single-letter codes of the enumeration
-    // ("SG" for S and G), as definitions that speak of a concatenated series
-    // of codes allow (_atom_site_refinement_flags).
-    bool enumeration_concatenated = false;
+    std::string range_text;  // as written: "0.0:180.0"
     // _enumeration_range min:max, either end may be open; for char items the
     // ends are compared as texts.
-    bool has_range = false;
-    bool has_minimum = false;
-    bool has_maximum = false;
     double minimum = 0.0;
     double maximum = 0.0;
-    std::string range_text;  // as written: "0.0:180.0"
-    List list = List::no;
     std::vector<std::string> list_reference;  // the item(s) a loop of this item must carry
-    bool list_mandatory = false;              // every loop of the category must carry this item
     std::vector<std::string> list_link_parent;
-    std::vector<std::string> list_link_child;
-    Contents contents = Contents::any;
-    Container container = Container::single;
     // The sizes of a List, Matrix or Array ([3,3] gives 3, 3); empty: any size.
     std::vector<std::size_t> dimension;
     // The data names whose values together tell the rows of the item's
@@ -84,15 +85,46 @@ struct CifItemDefinition {
     // the item's own (DDLm: a Loop category inside a Loop category, such as
     // atom_type_scat inside atom_type); empty otherwise.
     std::string loop_category;
-    std::string units;
-    std::string units_detail;
-    std::vector<Example> examples;
     std::vector<Related> related;
     // Other names of the same item (DDLm _alias.definition_id, DDL2
     // _item_aliases.alias_name): the dictionary answers for them too.
     std::vector<std::string> aliases;
-    std::string definition;  // the explanation text
-    int line = 0;            // the 1-based line of the definition block in the dictionary file
+    int line = 0;  // the 1-based line of the definition block in the dictionary file
+    Type type = Type::char_text;
+    Uncertainty uncertainty = Uncertainty::none;
+    // The value is a run of the single-letter codes of the enumeration
+    // ("SG" for S and G), as definitions that speak of a concatenated series
+    // of codes allow (_atom_site_refinement_flags).
+    bool enumeration_concatenated = false;
+    bool has_range = false;
+    bool has_minimum = false;
+    bool has_maximum = false;
+    List list = List::no;
+    bool list_mandatory = false;  // every loop of the category must carry this item
+    Contents contents = Contents::any;
+    Container container = Container::single;
 
     bool is_category_overview() const { return category == "category_overview"; }
+
+    // The explanations (empty ones when the dictionary gives none or was
+    // read without them). Kept apart from what the checks use, and shared
+    // by the definitions of one block that names several items.
+    const Notes& notes() const {
+        static const Notes none;
+        return notes_ ? *notes_ : none;
+    }
+    void set_notes(Notes notes) {
+        notes_ = notes.empty() ? nullptr : std::make_shared<const Notes>(std::move(notes));
+    }
+
+    // Drops the explanations, and the permitted values' details with them.
+    void drop_explanations() {
+        notes_.reset();
+        // Swapped with empty ones: assigning an empty string keeps the old buffer.
+        for (CifEnumeration& entry : enumerations) std::string().swap(entry.detail);
+    }
+
+private:
+    friend class CifDictionaryStore;
+    std::shared_ptr<const Notes> notes_;
 };

@@ -98,11 +98,39 @@ const gemmi::SpaceGroup* find(const std::string& symbol) {
     return find_name(plain);
 }
 
+// Operators' numbers as one text, kept for the process: a byte each while
+// all fit in one (rotations are multiples of 24 from -24 to 24, wrapped
+// translations 0 to 23), four bytes each otherwise; the first byte tells
+// which. Equal texts, equal operators.
+std::string packed(const std::vector<gemmi::Op>& ops) {
+    bool small = true;
+    for (const gemmi::Op& op : ops) {
+        for (const auto& row : op.rot)
+            for (int value : row) small = small && value >= -128 && value <= 127;
+        for (int value : op.tran) small = small && value >= -128 && value <= 127;
+    }
+    std::string text(1, small ? 's' : 'w');
+    text.reserve(1 + ops.size() * 12 * (small ? 1 : sizeof(int)));
+    auto put = [&text, small](int value) {
+        if (small) {
+            text += static_cast<char>(static_cast<signed char>(value));
+        } else {
+            text.append(reinterpret_cast<const char*>(&value), sizeof value);
+        }
+    };
+    for (const gemmi::Op& op : ops) {
+        for (const auto& row : op.rot)
+            for (int value : row) put(value);
+        for (int value : op.tran) put(value);
+    }
+    return text;
+}
+
 // A tabulated setting's operations, counted and sorted as a comparison of
 // groups needs them, made once per process (thread-safe; never dropped).
 struct SettingOps {
     std::size_t sym = 0, cen = 0;
-    std::vector<gemmi::Op> sorted;
+    std::string sorted;  // packed()
 };
 
 const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
@@ -113,7 +141,7 @@ const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
     if (!slot) {
         const gemmi::GroupOps ops = setting.operations();
         slot = std::make_unique<SettingOps>(
-            SettingOps{ops.sym_ops.size(), ops.cen_ops.size(), ops.all_ops_sorted()});
+            SettingOps{ops.sym_ops.size(), ops.cen_ops.size(), packed(ops.all_ops_sorted())});
     }
     return *slot;
 }
@@ -163,12 +191,7 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
     // The same operators in any order or written form give the same key
     // (translations are wrapped into [0, 1) above).
     std::sort(ops.begin(), ops.end());
-    std::string key;
-    key.reserve(ops.size() * 12 * sizeof(int));
-    for (const gemmi::Op& op : ops) {
-        for (const auto& row : op.rot) key.append(reinterpret_cast<const char*>(row.data()), sizeof row);
-        key.append(reinterpret_cast<const char*>(op.tran.data()), sizeof op.tran);
-    }
+    const std::string key = packed(ops);
     return SpacegroupCache::by_operators().lookup(key, [&ops, &unknown, number]() {
         SpacegroupCache::Group result = unknown;
         gemmi::GroupOps group_ops = gemmi::split_centering_vectors(ops);
@@ -179,7 +202,7 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
         // (As GroupOps::is_same_as compares them, the settings' side kept.)
         const gemmi::SpaceGroup* found = nullptr;
         char centring = group_ops.find_centering();
-        const std::vector<gemmi::Op> sorted = group_ops.all_ops_sorted();
+        const std::string sorted = packed(group_ops.all_ops_sorted());
         for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
             if (number < 1 || number > 230) break;
             if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]))

@@ -35,6 +35,9 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& o
     if (ops.empty()) return nullptr;
     auto group = std::make_unique<gemmi::GroupOps>(gemmi::split_centering_vectors(ops));
     if (group->cen_ops.empty()) group->cen_ops.push_back({0, 0, 0});
+    // Kept for the process: without the room the lists grew into.
+    group->sym_ops.shrink_to_fit();
+    group->cen_ops.shrink_to_fit();
     return group;
 }
 
@@ -77,7 +80,42 @@ Lists& lists() {
 
 }  // namespace
 
-SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) : texts_(std::move(texts)) {}
+SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) {
+    std::size_t size = 0;
+    for (const std::string& text : texts) size += sizeof(std::uint32_t) + text.size();
+    texts_.reserve(size);
+    for (const std::string& text : texts) {
+        const auto length = static_cast<std::uint32_t>(text.size());
+        texts_.append(reinterpret_cast<const char*>(&length), sizeof length);
+        texts_ += text;
+    }
+}
+
+bool SpacegroupOperators::holds(const std::vector<std::string_view>& texts) const {
+    const std::string_view kept = texts_;
+    std::size_t at = 0;
+    for (std::string_view text : texts) {
+        std::uint32_t length = 0;
+        if (kept.size() - at < sizeof length) return false;
+        std::memcpy(&length, kept.data() + at, sizeof length);
+        at += sizeof length;
+        if (kept.size() - at < length || kept.substr(at, length) != text) return false;
+        at += length;
+    }
+    return at == kept.size();
+}
+
+std::vector<std::string> SpacegroupOperators::texts() const {
+    std::vector<std::string> result;
+    for (std::size_t at = 0; at < texts_.size();) {
+        std::uint32_t length = 0;
+        std::memcpy(&length, texts_.data() + at, sizeof length);
+        at += sizeof length;
+        result.emplace_back(texts_, at, length);
+        at += length;
+    }
+    return result;
+}
 
 SpacegroupOperators::~SpacegroupOperators() = default;
 
@@ -88,10 +126,8 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
     ++all.lookups;
     std::lock_guard<std::mutex> lock(all.mutex);
     auto [first, last] = all.entries.equal_range(hash);
-    for (auto found = first; found != last; ++found) {
-        const std::vector<std::string>& kept = found->second->texts_;
-        if (std::equal(kept.begin(), kept.end(), texts.begin(), texts.end())) return found->second;
-    }
+    for (auto found = first; found != last; ++found)
+        if (found->second->holds(texts)) return found->second;
     ++all.misses;
     // The cache starts afresh when it has grown large; entries in use live on.
     if (all.entries.size() >= 4096) all.entries.clear();
@@ -102,12 +138,12 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
 }
 
 const gemmi::GroupOps* SpacegroupOperators::operations() const {
-    std::call_once(operations_once_, [this] { operations_ = from_triplets(texts_); });
+    std::call_once(operations_once_, [this] { operations_ = from_triplets(texts()); });
     return operations_.get();
 }
 
 const SpacegroupCache::Group& SpacegroupOperators::group(int number) const {
-    std::call_once(group_once_, [this, number] { group_ = Spacegroup::from_operators(texts_, number); });
+    std::call_once(group_once_, [this, number] { group_ = Spacegroup::from_operators(texts(), number); });
     return group_;
 }
 

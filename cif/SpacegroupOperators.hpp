@@ -41,7 +41,13 @@ public:
     ~SpacegroupOperators();
 
 private:
-    std::vector<std::string> texts_;
+    // Whether the entry is of these texts.
+    bool holds(const std::vector<std::string_view>& texts) const;
+    std::vector<std::string> texts() const;
+
+    // The texts one after another, each after its length (four bytes):
+    // entries stay for the process.
+    std::string texts_;
     mutable std::once_flag operations_once_, group_once_;
     mutable std::unique_ptr<gemmi::GroupOps> operations_;
     mutable SpacegroupCache::Group group_;

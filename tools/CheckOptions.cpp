@@ -16,15 +16,17 @@ bool read_number(const std::string& text, int minimum, int& out) {
 
 }  // namespace
 
-CheckOptions CheckOptions::parse(const std::vector<std::string>& arguments) {
+CheckOptions CheckOptions::parse(const std::vector<std::string_view>& arguments) {
     CheckOptions options;
+    options.files.reserve(arguments.size());
     bool only_files = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (only_files || argument == "-" || argument.empty() || argument[0] != '-') {
-            options.files.push_back(argument);
+        const std::string_view view = arguments[i];
+        if (only_files || view == "-" || view.empty() || view[0] != '-') {
+            options.files.push_back(view);
             continue;
         }
+        const std::string argument(view);
         // "--name=value" and "--name value" are both accepted.
         std::string name = argument;
         std::string value;
@@ -42,7 +44,7 @@ CheckOptions CheckOptions::parse(const std::vector<std::string>& arguments) {
         auto take_value = [&]() {
             if (has_value) return true;
             if (i + 1 >= arguments.size()) return false;
-            value = arguments[++i];
+            value = std::string(arguments[++i]);
             return true;
         };
         if (name == "--") {
@@ -93,7 +95,8 @@ const char* CheckOptions::usage() {
            "\n"
            "Options:\n"
            "  -d FILE, --dictionary FILE\n"
-           "                    check data names and values against a dictionary, DDL1, DDLm or DDL2 (repeatable);\n"
+           "                    check data names and values against a dictionary, DDL1, DDLm or DDL2 "
+           "(repeatable);\n"
            "                    TESSARY_DICTIONARIES (files or directories of *.dic, separated by :)\n"
            "                    adds dictionaries before these\n"
            "  --mandatory FILE  report the data items a mandatory-items file lists and a file lacks\n"

@@ -3,11 +3,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 // The command line of tessary-check.
 struct CheckOptions {
-    std::vector<std::string> files;
+    // Views of the arguments (a run over thousands of files keeps no copy of
+    // their names), which must outlive the options: main's argv does.
+    std::vector<std::string_view> files;
     bool json = false;
     int line_length = 80;
     int jobs = 0;  // 0: one thread per processor core
@@ -19,6 +22,6 @@ struct CheckOptions {
     std::string problem;                    // set when the command line is not usable
 
     // Reads the arguments after the program name.
-    static CheckOptions parse(const std::vector<std::string>& arguments);
+    static CheckOptions parse(const std::vector<std::string_view>& arguments);
     static const char* usage();
 };

@@ -60,6 +60,8 @@ THandle<CifDictionaryPool> DictionaryFiles::load(const std::vector<std::string>&
         THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
         THandle<CifErrorContainer> errors(new CifErrorContainer());
         dictionary->set_import_directories(directories);
+        // Checking needs no explanations of the items (most of a dictionary's memory).
+        dictionary->set_explanations_kept(false);
         dictionary->read_file(file, errors, nullptr);
         if (!errors->empty()) {
             problems << "tessary-check: errors loading dictionary " << file << '\n';

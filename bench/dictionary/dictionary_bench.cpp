@@ -100,11 +100,11 @@ std::string undefined_names(const CifConcreteDictionary& core, std::size_t count
     for (std::size_t i = 0; made < count; ++i) {
         std::string name;
         if (misspelt) {
-            const CifItemDefinition& definition = core.definitions()[i % core.definitions().size()];
+            const CifItemDefinition& definition = core.definition_at(i % core.definition_count());
             name = definition.name;
             if (name.find('[') != std::string::npos || name.size() < 8) continue;
-            std::swap(name[name.size() - 2 - i / core.definitions().size()],
-                      name[name.size() - 3 - i / core.definitions().size()]);
+            std::swap(name[name.size() - 2 - i / core.definition_count()],
+                      name[name.size() - 3 - i / core.definition_count()]);
             if (core.is_defined(name)) continue;
         } else {
             name = "_zz_local_item_" + std::to_string(i);

@@ -206,8 +206,9 @@ QString QcbsDataItemInfo::definitionHtml(const THandle<CifDictionary>& dictionar
         page.row("Category", page.code(qs(CifDictionary::plain_category_name(name))));
         page.row("Data names", page.links(members));
         html += page.table();
-        if (definition != nullptr && !definition->definition.empty())
-            html += "<p style=\"white-space:pre-wrap\">" + escaped(dedented(definition->definition)) + "</p>";
+        if (definition != nullptr && !definition->notes().definition.empty())
+            html += "<p style=\"white-space:pre-wrap\">" + escaped(dedented(definition->notes().definition)) +
+                    "</p>";
         return html;
     }
 
@@ -221,8 +222,9 @@ QString QcbsDataItemInfo::definitionHtml(const THandle<CifDictionary>& dictionar
         page.row("Standard uncertainty", definition->uncertainty == CifItemDefinition::Uncertainty::allowed
                                              ? "allowed"
                                              : "not allowed");
-    QString units = escaped(qs(definition->units));
-    if (!definition->units_detail.empty()) units += " (" + escaped(qs(definition->units_detail)) + ")";
+    QString units = escaped(qs(definition->notes().units));
+    if (!definition->notes().units_detail.empty())
+        units += " (" + escaped(qs(definition->notes().units_detail)) + ")";
     page.row("Units", units);
     page.row("Range", rangeText(*definition));
     if (!definition->enumerations.empty()) {
@@ -234,8 +236,8 @@ QString QcbsDataItemInfo::definitionHtml(const THandle<CifDictionary>& dictionar
         if (definition->enumeration_concatenated) values += "several codes may be run together";
         page.row("Permitted values", values);
     }
-    if (!definition->enumeration_default.empty())
-        page.row("Default", page.code(qs(definition->enumeration_default)));
+    if (!definition->notes().enumeration_default.empty())
+        page.row("Default", page.code(qs(definition->notes().enumeration_default)));
     page.row("Loop",
              listText(definition->list) + (definition->list_mandatory ? "; every loop of its category "
                                                                         "must hold it"
@@ -248,7 +250,7 @@ QString QcbsDataItemInfo::definitionHtml(const THandle<CifDictionary>& dictionar
     };
     page.row("Loop must hold", names(definition->list_reference));
     page.row("Parent", names(definition->list_link_parent));
-    page.row("Children", names(definition->list_link_child));
+    page.row("Children", names(definition->notes().list_link_child));
 
     QStringList related;
     QStringList replacements;
@@ -262,12 +264,13 @@ QString QcbsDataItemInfo::definitionHtml(const THandle<CifDictionary>& dictionar
     page.row("Replaced by", replacements.join(", "));
     page.row("Related", related.join("<br>"));
     QStringList examples;
-    for (const CifItemDefinition::Example& example : definition->examples)
+    for (const CifItemDefinition::Example& example : definition->notes().examples)
         examples << page.code(qs(example.text)) +
                         (example.detail.empty() ? QString() : " &mdash; " + escaped(qs(example.detail)));
     page.row("Examples", examples.join("<br>"));
     html += page.table();
-    if (!definition->definition.empty())
-        html += "<p style=\"white-space:pre-wrap\">" + escaped(dedented(definition->definition)) + "</p>";
+    if (!definition->notes().definition.empty())
+        html +=
+            "<p style=\"white-space:pre-wrap\">" + escaped(dedented(definition->notes().definition)) + "</p>";
     return html;
 }

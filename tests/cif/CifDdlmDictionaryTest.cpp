@@ -81,8 +81,8 @@ TEST(CifDdlmDictionary, ImportsFillDefinitionsAndOwnAttributesWin) {
     EXPECT_EQ(dictionary->descriptor().text(), "TESSARY_DDLM 1.0.0 (2026-11-24)");
     const CifItemDefinition* length = dictionary->definition("_cell.length_a");
     ASSERT_NE(length, nullptr);
-    EXPECT_EQ(length->units, "angstroms");
-    EXPECT_NE(length->definition.find("A length of the unit cell."), std::string::npos);
+    EXPECT_EQ(length->notes().units, "angstroms");
+    EXPECT_NE(length->notes().definition.find("A length of the unit cell."), std::string::npos);
     EXPECT_EQ(length->uncertainty, CifItemDefinition::Uncertainty::allowed);
     EXPECT_EQ(length->type, CifItemDefinition::Type::numb);
     EXPECT_TRUE(length->has_minimum && !length->has_maximum);
@@ -90,13 +90,13 @@ TEST(CifDdlmDictionary, ImportsFillDefinitionsAndOwnAttributesWin) {
     const CifItemDefinition* alpha = dictionary->definition("_cell.angle_alpha");
     ASSERT_NE(alpha, nullptr);
     EXPECT_EQ(alpha->range_text, "10.0:170.0");
-    EXPECT_EQ(alpha->units, "degrees");
+    EXPECT_EQ(alpha->notes().units, "degrees");
     // A template that imports the permitted values in turn.
     const CifItemDefinition* flag = dictionary->definition("_atom_site.calc_flag");
     ASSERT_NE(flag, nullptr);
     ASSERT_EQ(flag->enumerations.size(), 3u);
     EXPECT_EQ(flag->enumerations[1].value, "calc");
-    EXPECT_EQ(flag->enumeration_default, "d");
+    EXPECT_EQ(flag->notes().enumeration_default, "d");
     EXPECT_EQ(flag->contents, Contents::code);
 }
 
@@ -277,7 +277,7 @@ TEST(CifDdlmDictionary, TheCoreDictionaryReadsWithItsImportsAndChecksOldNames) {
     const CifItemDefinition* length = core->definition("_cell_length_a");
     ASSERT_NE(length, nullptr);
     EXPECT_EQ(length->name, "_cell.length_a");
-    EXPECT_EQ(length->units, "angstroms");  // from the imported template
+    EXPECT_EQ(length->notes().units, "angstroms");  // from the imported template
     EXPECT_FALSE(core->definition("_space_group_symop.operation_xyz")->category_keys.empty());
     THandle<Cif> cif =
         check(core,

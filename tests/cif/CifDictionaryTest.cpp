@@ -31,8 +31,8 @@ TEST(CifConcreteDictionary, ReadsTheDescriptorAndEveryDefinitionOfALoopedName) {
         EXPECT_EQ(definition->type, CifItemDefinition::Type::numb);
         EXPECT_EQ(definition->uncertainty, CifItemDefinition::Uncertainty::allowed);
         EXPECT_TRUE(definition->has_minimum && !definition->has_maximum);
-        EXPECT_EQ(definition->units, "A");
-        EXPECT_EQ(definition->units_detail, "angstroms");
+        EXPECT_EQ(definition->notes().units, "A");
+        EXPECT_EQ(definition->notes().units_detail, "angstroms");
         EXPECT_EQ(definition->list, CifItemDefinition::List::no);  // DDL1 reads an absent _list as no
     }
     EXPECT_FALSE(dictionary->is_defined("_cell_length_d"));
@@ -45,10 +45,10 @@ TEST(CifConcreteDictionary, KeepsEveryAttributeTheChecksAndTheHelpNeed) {
     EXPECT_DOUBLE_EQ(angle.minimum, 0.0);
     EXPECT_DOUBLE_EQ(angle.maximum, 180.0);
     EXPECT_EQ(angle.range_text, "0.0:180.0");
-    EXPECT_EQ(angle.enumeration_default, "90.0");
+    EXPECT_EQ(angle.notes().enumeration_default, "90.0");
     EXPECT_EQ(dictionary->definition("_cell_formula_units_Z")->uncertainty,
               CifItemDefinition::Uncertainty::none);
-    EXPECT_EQ(dictionary->definition("_cell_formula_units_Z")->examples.size(), 2u);
+    EXPECT_EQ(dictionary->definition("_cell_formula_units_Z")->notes().examples.size(), 2u);
 
     std::vector<CifEnumeration> values = dictionary->enumerations("_exptl_absorpt_correction_type");
     ASSERT_EQ(values.size(), 3u);
@@ -63,7 +63,8 @@ TEST(CifConcreteDictionary, KeepsEveryAttributeTheChecksAndTheHelpNeed) {
     EXPECT_EQ(fract.related[0].name, "_atom_site_Cartn_");
     EXPECT_EQ(fract.related[0].function, "alternate");
     EXPECT_TRUE(dictionary->definition("_atom_site_label")->list_mandatory);
-    EXPECT_EQ(dictionary->definition("_atom_site_label")->list_link_child, Names{"_atom_site_aniso_label"});
+    EXPECT_EQ(dictionary->definition("_atom_site_label")->notes().list_link_child,
+              Names{"_atom_site_aniso_label"});
     EXPECT_EQ(dictionary->definition("_atom_site_type_symbol")->list_link_parent, Names{"_atom_type_symbol"});
     EXPECT_EQ(dictionary->definition("_publ_author_name")->list, CifItemDefinition::List::both);
     EXPECT_TRUE(dictionary->definition("_atom_site_refinement_flags")->enumeration_concatenated);
@@ -98,9 +99,10 @@ TEST(CifDictionaryNames, EveryDefinedDataNameOnceInOrderWithoutOverviews) {
     ASSERT_GE(names.size(), 4u);
     EXPECT_EQ(Names(names.begin(), names.begin() + 4),
               (Names{"_cell_length_a", "_cell_length_b", "_cell_length_c", "_cell_angle_alpha"}));
-    const auto overviews = std::count_if(test->definitions().begin(), test->definitions().end(),
-                                         [](const CifItemDefinition& d) { return d.is_category_overview(); });
-    EXPECT_EQ(names.size(), test->definition_count() - static_cast<std::size_t>(overviews));
+    std::size_t overviews = 0;
+    for (std::size_t i = 0; i < test->definition_count(); ++i)
+        overviews += test->definition_at(i).is_category_overview() ? 1 : 0;
+    EXPECT_EQ(names.size(), test->definition_count() - overviews);
     for (const std::string& name : names) {
         EXPECT_TRUE(test->is_defined(name)) << name;
         EXPECT_EQ(name.find("[]"), std::string::npos) << name;
@@ -293,7 +295,8 @@ TEST(CifConcreteDictionary, EveryNameIsFoundInAnyCaseAndNothingElse) {
     THandle<CifConcreteDictionary> core = cif_test::core_dictionary();
     for (const THandle<CifConcreteDictionary>& dictionary : {test_dictionary(), core}) {
         if (dictionary.is_null()) continue;  // the core dictionary is absent
-        for (const CifItemDefinition& definition : dictionary->definitions()) {
+        for (std::size_t i = 0; i < dictionary->definition_count(); ++i) {
+            const CifItemDefinition& definition = dictionary->definition_at(i);
             std::string upper = definition.name;
             for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
             EXPECT_EQ(dictionary->definition(upper), &definition) << upper;

@@ -16,6 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using Strings = std::vector<std::string>;
+using Views = std::vector<std::string_view>;
 
 TEST(CheckOptions, ReadsOptionsInBothFormsAndKeepsFilesInOrder) {
     CheckOptions options =
@@ -25,7 +26,7 @@ TEST(CheckOptions, ReadsOptionsInBothFormsAndKeepsFilesInOrder) {
     EXPECT_TRUE(options.json);
     EXPECT_EQ(options.line_length, 100);
     EXPECT_EQ(options.jobs, 4);
-    EXPECT_EQ(options.files, (Strings{"a.cif", "b.cif", "-"}));
+    EXPECT_EQ(options.files, (Views{"a.cif", "b.cif", "-"}));
     EXPECT_EQ(options.dictionaries, (Strings{"core.dic", "local.dic", "third.dic"}));
     EXPECT_TRUE(options.consistency);
     EXPECT_EQ(options.mandatory_file, "");
@@ -35,7 +36,7 @@ TEST(CheckOptions, ReadsOptionsInBothFormsAndKeepsFilesInOrder) {
     EXPECT_EQ(options.problem, "");
     EXPECT_EQ(options.line_length, 0);
     EXPECT_EQ(options.jobs, 2);
-    EXPECT_EQ(options.files, Strings{"-odd.cif"});
+    EXPECT_EQ(options.files, Views{"-odd.cif"});
     EXPECT_EQ(options.mandatory_file, "items.txt");
     EXPECT_FALSE(options.consistency);
     EXPECT_TRUE(options.dictionaries.empty());
@@ -46,9 +47,9 @@ TEST(CheckOptions, ReadsOptionsInBothFormsAndKeepsFilesInOrder) {
 TEST(CheckOptions, UnusableCommandLinesNameTheProblem) {
     EXPECT_EQ(CheckOptions::parse({}).problem, "no file named");
     EXPECT_EQ(CheckOptions::parse({"--frobnicate", "a.cif"}).problem, "unknown option --frobnicate");
-    for (const Strings& arguments : {Strings{"-j", "0", "a.cif"}, Strings{"--line-length", "eighty", "a.cif"},
-                                     Strings{"a.cif", "--line-length"}, Strings{"a.cif", "-d"},
-                                     Strings{"--dictionary=", "a.cif"}, Strings{"a.cif", "--mandatory"}}) {
+    for (const Views& arguments : {Views{"-j", "0", "a.cif"}, Views{"--line-length", "eighty", "a.cif"},
+                                   Views{"a.cif", "--line-length"}, Views{"a.cif", "-d"},
+                                   Views{"--dictionary=", "a.cif"}, Views{"a.cif", "--mandatory"}}) {
         EXPECT_NE(CheckOptions::parse(arguments).problem, "") << arguments.front() << " " << arguments[1];
     }
 }
