@@ -48,6 +48,10 @@ private:
                                        const std::string& category) const;
     void check_key(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key, std::size_t rows,
                    const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const;
+    // Whether a loop of a few rows holds each key once, told without
+    // allocating; false when it may not (the full check then decides).
+    static bool distinct_small_loop(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key,
+                                    std::size_t rows);
     // Reports the key values of the row; false once the sink keeps no more.
     static bool report(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key,
                        std::size_t row, CifValueReporter& reporter);
