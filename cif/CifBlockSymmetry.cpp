@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A block's symmetry items read once: symbols, number, operators and the group they form.
+// A block's symmetry items and cell read once: symbols, number, operators, the group they form, the cell.
 #include "cif/CifBlockSymmetry.hpp"
 
 #include <array>
@@ -66,6 +66,7 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
         for (std::size_t n = 0; n < item->size(); ++n) operators_.push_back(item->value_view(n));
         break;
     }
+    cif_check_read_cell(block, cell_);
 }
 
 CifBlockSymmetry::~CifBlockSymmetry() = default;

@@ -101,9 +101,9 @@ void ORMACifConsistencyChecker::check_block(const CifDataBlock& block) {
     const CifBlockNameFilter::Scope scope(names);
     // Every check of the block asks this one for its space group.
     CifBlockSymmetry symmetry(block);
-    check_cell(block);
+    check_cell(block, symmetry);
     check_chemistry(block, symmetry);
-    check_crystal_system(block);
+    check_crystal_system(block, symmetry);
     check_space_group(block, symmetry);
     check_order(block);
     check_counts(block);
@@ -117,12 +117,10 @@ void ORMACifConsistencyChecker::add(CifError::ErrorID id, const CifDataBlock& bl
     findings_->add(id, block, name, detail);
 }
 
-void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block) {
-    Reading cell[6];
-    cif_check_read_cell(block, cell);
+void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block, const CifBlockSymmetry& symmetry) {
+    const Reading* cell = symmetry.cell();
     Reading volume = read(block, {"_cell_volume", "_cell.volume"});
-    if (!volume.ok || !std::all_of(std::begin(cell), std::end(cell), [](const Reading& r) { return r.ok; }))
-        return;
+    if (!volume.ok || !std::all_of(cell, cell + 6, [](const Reading& r) { return r.ok; })) return;
     double p[6];
     for (int i = 0; i < 6; ++i) p[i] = cell[i].value();
     double calculated = cif_check_cell_volume(p);
@@ -229,7 +227,8 @@ void ORMACifConsistencyChecker::check_refinement(const CifDataBlock& block,
 
 void ORMACifConsistencyChecker::check_publication() { CifPublicationCheck(*cif_, *findings_).check(); }
 
-void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block) {
+void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
+                                                     const CifBlockSymmetry& symmetry) {
     auto [system_name, system_text] = cif_check_text(
         block, {"_symmetry_cell_setting", "_space_group_crystal_system", "_space_group.crystal_system"});
     std::string system = lower(system_text);
@@ -253,9 +252,8 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block) 
         }
     }
 
-    Reading cell[6];
-    cif_check_read_cell(block, cell);
-    if (!std::all_of(std::begin(cell), std::end(cell), [](const Reading& r) { return r.ok; })) return;
+    const Reading* cell = symmetry.cell();
+    if (!std::all_of(cell, cell + 6, [](const Reading& r) { return r.ok; })) return;
     // Values fixed by symmetry are written without uncertainty; a small
     // slack covers their rounding.
     auto same = [&](int i, int j) {
