@@ -129,24 +129,34 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
 }
 
 void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
-    std::vector<std::string> replacements, present;
+    // Both lists are put together as they are found, without a list of names.
+    std::string replacements, present;
+    bool replaced = false;
+    auto append = [](std::string& list, const std::string& name) {
+        if (!list.empty()) list += ", ";
+        list += name;
+    };
     for (const CifItemDefinition::Related& related : definition.related) {
         if (!cif_iequals(related.function, "replace")) continue;
-        replacements.push_back(related.name);
+        replaced = true;
+        append(replacements, related.name);
         // The replacement may stand in the block under another of its names.
-        std::vector<std::string> names{related.name};
-        if (const CifItemDefinition* replacement = dictionary_.definition(related.name))
-            names.insert(names.end(), replacement->aliases.begin(), replacement->aliases.end());
-        for (const std::string& name : names) {
-            if (block_->find(name).is_null()) continue;
-            present.push_back(name);
+        if (!block_->find(related.name).is_null()) {
+            append(present, related.name);
+            continue;
+        }
+        const CifItemDefinition* replacement = dictionary_.definition(related.name);
+        if (replacement == nullptr) continue;
+        for (const std::string& alias : replacement->aliases) {
+            if (block_->find(alias).is_null()) continue;
+            append(present, alias);
             break;
         }
     }
-    if (replacements.empty()) return;
-    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), joined(replacements));
+    if (!replaced) return;
+    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), std::move(replacements));
     if (!present.empty())
-        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), joined(present));
+        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), std::move(present));
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
