@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -42,7 +43,9 @@ std::string joined(const std::vector<std::string>& parts) {
 }
 
 // A hash of a value, eight bytes at a time (equal values, equal hashes).
-std::uint64_t quick_hash(std::string_view value) {
+// A value whose last word may be read whole (eight bytes readable from it,
+// up to end) reads it so and masks it, which is the same word.
+std::uint64_t quick_hash(std::string_view value, const char* end = nullptr) {
     std::uint64_t hash = value.size() * 0x9E3779B97F4A7C15ull;
     const char* p = value.data();
     std::size_t left = value.size();
@@ -54,7 +57,12 @@ std::uint64_t quick_hash(std::string_view value) {
     }
     if (left > 0) {
         std::uint64_t word = 0;
-        std::memcpy(&word, p, left);
+        if (end != nullptr && end - p >= 8 && std::endian::native == std::endian::little) {
+            std::memcpy(&word, p, 8);
+            word &= (std::uint64_t(1) << (8 * left)) - 1;
+        } else {
+            std::memcpy(&word, p, left);
+        }
         hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
     }
     hash ^= hash >> 29;
@@ -337,7 +345,9 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
 bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const Key& key, std::size_t rows) {
     constexpr std::size_t most_rows = 256, most_columns = 4;
     if (rows > most_rows || key.size() > most_columns) return false;
-    const char* text = loop.front()->store()->text().data();
+    const std::string& whole = loop.front()->store()->text();
+    const char* text = whole.data();
+    const char* end = text + whole.size();
     const CifDataItem* columns[most_columns];
     bool symmetry[most_columns];
     for (std::size_t k = 0; k < key.size(); ++k) {
@@ -363,7 +373,7 @@ bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const 
             std::int64_t number = 0;
             const std::uint64_t part = CifKeyOrder::small_integer(value, number)
                                            ? static_cast<std::uint64_t>(number) * 0x9E3779B97F4A7C15ull
-                                           : quick_hash(value) | 1;
+                                           : quick_hash(value, ref.added() ? nullptr : end) | 1;
             hash = (hash ^ part) * 1099511628211ull;
         }
         if (keyed) hashes[count++] = hash + (hash == 0);
