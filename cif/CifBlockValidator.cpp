@@ -38,7 +38,7 @@ std::string joined(const std::vector<std::string>& names) {
 
 CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
                                      const std::unordered_set<const CifDataItem*>* checked,
-                                     const Notes* notes)
+                                     const Notes* notes, CifLoopKeys* keys)
     : reporter_(reporter),
       dictionary_(reporter.dictionary()),
       sink_(reporter.sink()),
@@ -46,7 +46,8 @@ CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, boo
       values_(values),
       checked_(checked),
       notes_(notes),
-      keys_(dictionary_) {}
+      own_keys_(dictionary_),
+      keys_(keys != nullptr ? *keys : own_keys_) {}
 
 void CifBlockValidator::validate(const CifDataBlock& block) {
     linked_.clear();
@@ -160,10 +161,14 @@ void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDef
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
+    // A loop checked while read came with its definitions.
+    const std::vector<const CifItemDefinition*>* known = keys_.remembered_definitions(loop);
     std::vector<const CifItemDefinition*> definitions;
     definitions.reserve(loop.size());
-    for (const THandle<CifDataItem>& item : loop) {
-        const CifItemDefinition* definition = dictionary_.definition(item->name());
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const THandle<CifDataItem>& item = loop[i];
+        const CifItemDefinition* definition =
+            known != nullptr ? (*known)[i] : dictionary_.definition(item->name());
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
             sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(item->name()));

@@ -190,10 +190,38 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
     return result;
 }
 
+const CifLoopKeys::Known* CifLoopKeys::known(const CifDataBlock::ItemList& loop) const {
+    for (const Known& entry : known_) {
+        if (entry.columns.size() == loop.size() &&
+            std::equal(loop.begin(), loop.end(), entry.columns.begin(),
+                       [](const THandle<CifDataItem>& a, const THandle<CifDataItem>& b) {
+                           return a.get() == b.get();
+                       }))
+            return &entry;
+    }
+    return nullptr;
+}
+
+const std::vector<Key>& CifLoopKeys::remembered_keys(
+    const CifDataBlock::ItemList& loop, const std::vector<const CifItemDefinition*>& definitions) {
+    if (const Known* entry = known(loop); entry != nullptr && entry->definitions == definitions)
+        return entry->keys;
+    // A block of very many loops keeps only its last ones.
+    if (known_.size() >= 64) known_.pop_front();
+    known_.push_back({loop, definitions, keys(loop, definitions)});
+    return known_.back().keys;
+}
+
+const std::vector<const CifItemDefinition*>* CifLoopKeys::remembered_definitions(
+    const CifDataBlock::ItemList& loop) const {
+    const Known* entry = known(loop);
+    return entry == nullptr ? nullptr : &entry->definitions;
+}
+
 void CifLoopKeys::check(const CifDataBlock::ItemList& loop,
                         const std::vector<const CifItemDefinition*>& definitions, std::size_t rows,
                         CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven) {
-    for (const Key& key : keys(loop, definitions)) {
+    for (const Key& key : remembered_keys(loop, definitions)) {
         bool whole =
             std::all_of(key.begin(), key.end(), [&](std::size_t i) { return loop[i]->size() >= rows; });
         if (whole) check_key(loop, key, rows, proven, reporter);

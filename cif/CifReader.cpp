@@ -284,9 +284,13 @@ void CifReader::validate(const CifDataBlock& block) {
     const THandle<CifDictionary>& dictionary = cif_.dictionary_;
     if (dictionary.is_null() || !dictionary->has_definitions()) return;
     if (!settings_.check_data_names && !settings_.check_values) return;
+    // The validator takes the keys and definitions of the loops checked
+    // while read from the reader's own, which then lets go of them.
+    if (loop_keys_ == nullptr) loop_keys_ = std::make_unique<CifLoopKeys>(*dictionary);
     CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_,
-                      &loop_notes_)
+                      &loop_notes_, loop_keys_.get())
         .validate(block);
+    loop_keys_->forget();
 }
 
 std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& block,
@@ -304,7 +308,7 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
     }
     if (checker->empty()) return nullptr;
     if (loop_keys_ == nullptr) loop_keys_ = std::make_unique<CifLoopKeys>(*cif_.dictionary_);
-    for (const std::vector<std::size_t>& key : loop_keys_->keys(columns, definitions)) {
+    for (const std::vector<std::size_t>& key : loop_keys_->remembered_keys(columns, definitions)) {
         std::vector<const CifDataItem*> key_columns;
         for (std::size_t i : key) key_columns.push_back(taken[i] ? nullptr : columns[i].get());
         if (std::find(key_columns.begin(), key_columns.end(), nullptr) == key_columns.end())
