@@ -45,7 +45,22 @@ struct Lists {
     std::atomic<std::size_t> lookups{0}, misses{0};
 };
 
-// A hash of the texts in order, each with its length, eight bytes at a time.
+// The bytes of a text of 1 to 8 bytes as one word, read without a loop:
+// two overlapping halves, or three bytes of a short one.
+std::uint64_t short_word(const char* p, std::size_t size) {
+    if (size >= 4) {
+        std::uint32_t first, last;
+        std::memcpy(&first, p, 4);
+        std::memcpy(&last, p + size - 4, 4);
+        return (std::uint64_t(first) << 32) | last;
+    }
+    return (std::uint64_t(static_cast<unsigned char>(p[0])) << 16) |
+           (std::uint64_t(static_cast<unsigned char>(p[size >> 1])) << 8) |
+           static_cast<unsigned char>(p[size - 1]);
+}
+
+// A hash of the texts in order, each with its length, eight bytes at a time
+// (the last eight of a text read whole, overlapping the word before).
 std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
     std::uint64_t hash = texts.size() * 0x9E3779B97F4A7C15ull;
     auto mix = [&hash](std::uint64_t word) {
@@ -53,19 +68,22 @@ std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
         hash ^= hash >> 32;
     };
     for (std::string_view text : texts) {
-        mix(text.size());
         const char* p = text.data();
-        std::size_t left = text.size();
-        for (; left >= 8; p += 8, left -= 8) {
-            std::uint64_t word;
-            std::memcpy(&word, p, 8);
-            mix(word);
+        const std::size_t size = text.size();
+        std::uint64_t word = size;
+        if (size > 0 && size <= 8) {
+            word ^= short_word(p, size) * 0xC4CEB9FE1A85EC53ull;
+        } else if (size > 8) {
+            for (std::size_t at = 0; at + 8 < size; at += 8) {
+                std::uint64_t part;
+                std::memcpy(&part, p + at, 8);
+                mix(part);
+            }
+            std::uint64_t last;
+            std::memcpy(&last, p + size - 8, 8);
+            word ^= last * 0x9E3779B97F4A7C15ull;
         }
-        if (left > 0) {
-            std::uint64_t word = 0;
-            std::memcpy(&word, p, left);
-            mix(word);
-        }
+        mix(word);
     }
     return hash;
 }
