@@ -93,7 +93,10 @@ std::string CifBlockValidator::suggestion(const std::string& name) const {
     const std::size_t letters = name.size() > 0 ? name.size() - 1 : 0;
     const int edits = letters >= 8 ? 2 : letters >= 4 ? 1 : 0;
     // Validation replies (_vrf_...) are meant to be undefined.
-    if (edits == 0 || cif_lowercase(name).find("_vrf") != std::string::npos) return {};
+    if (edits == 0) return {};
+    for (std::size_t at = 0; at + 4 <= name.size(); ++at) {
+        if (cif_iequals(std::string_view(name).substr(at, 4), "_vrf")) return {};
+    }
     const std::vector<CifDictionary::SimilarName> similar = dictionary_.similar_names(name, edits);
     if (similar.empty()) return {};
     // The nearest names only, at most three of them.
@@ -210,13 +213,13 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
 void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
                                         const std::vector<const CifItemDefinition*>& definitions,
                                         const std::vector<std::string>& dropped) {
-    auto has = [&](std::string_view reference) {
+    auto has = [&](const std::string& reference) {
         if (loop_has(loop, reference) ||
             std::any_of(dropped.begin(), dropped.end(),
                         [&](const std::string& name) { return satisfies(name, reference); }))
             return true;
         // A column may give the item under another of its names.
-        const CifItemDefinition* wanted = dictionary_.definition(std::string(reference));
+        const CifItemDefinition* wanted = dictionary_.definition(reference);
         return wanted != nullptr &&
                std::find(definitions.begin(), definitions.end(), wanted) != definitions.end();
     };
