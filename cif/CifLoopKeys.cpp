@@ -207,7 +207,7 @@ const std::vector<Key>& CifLoopKeys::remembered_keys(
     if (const Known* entry = known(loop); entry != nullptr && entry->definitions == definitions)
         return entry->keys;
     // A block of very many loops keeps only its last ones.
-    if (known_.size() >= 64) known_.pop_front();
+    if (known_.size() >= 64) known_.erase(known_.begin());
     known_.push_back({loop, definitions, keys(loop, definitions)});
     return known_.back().keys;
 }

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -34,6 +33,7 @@ public:
     // The same, worked out once per loop (the same columns, the same items)
     // until forget(): a reader asks about a loop while reading it and again
     // when its block is checked. The loop's definitions are kept with them.
+    // The keys stay valid until the next call.
     const std::vector<std::vector<std::size_t>>& remembered_keys(
         const CifDataBlock::ItemList& loop, const std::vector<const CifItemDefinition*>& definitions);
     // The definitions a loop of these very columns came with, or null.
@@ -78,7 +78,7 @@ private:
         std::vector<std::vector<std::size_t>> keys;
     };
     const Known* known(const CifDataBlock::ItemList& loop) const;
-    std::deque<Known> known_;
+    std::vector<Known> known_;
     // Scratch of check_key(), kept from loop to loop.
     mutable std::vector<std::uint64_t> hashes_, slots_;
 };

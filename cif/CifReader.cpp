@@ -298,6 +298,7 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
     if (!checks_values()) return nullptr;
     auto checker = std::make_unique<CifLoopChecker>(reporter(), store_->text().data(), store_->text().size());
     std::vector<const CifItemDefinition*> definitions;
+    definitions.reserve(columns.size());
     std::vector<bool> taken(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string& name = columns[i]->name();
