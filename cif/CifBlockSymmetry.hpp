@@ -81,6 +81,8 @@ private:
     CifReading cell_[6];
     // The process's entry for the list as written (its operations and group).
     const SpacegroupOperators& list() const;
+    // hall_setting() found in the tables.
+    const gemmi::SpaceGroup* tabulated_hall_setting() const;
     mutable std::shared_ptr<const SpacegroupOperators> list_;
     mutable std::unique_ptr<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;
