@@ -406,6 +406,15 @@ bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const 
         }
         if (keyed) hashes[count++] = hash + (hash == 0);
     }
+    // A few rows are compared pair by pair, without a table to clear.
+    if (count <= 16) {
+        for (std::size_t i = 1; i < count; ++i) {
+            for (std::size_t j = 0; j < i; ++j) {
+                if (hashes[i] == hashes[j]) return false;
+            }
+        }
+        return true;
+    }
     std::uint64_t slots[2 * most_rows];
     std::size_t size = 16;
     while (size < 2 * count) size *= 2;

@@ -710,4 +710,26 @@ TEST(CifValidation, ReflectionKeysInAnyOrderAndOfAnySizeAreFoundRepeatedOnce) {
     for (const Case& c : cases) expect_messages(c);
 }
 
+TEST(CifValidation, KeysRepeatedOrNotAreToldApartAtEveryLoopSize) {
+    // Loops of a few rows are told distinct apart from larger ones: around
+    // each size where the way changes, with a repetition on the last row
+    // and without, as text and as numbers written two ways.
+    for (const int rows : {2, 16, 17, 100, 255, 256, 257, 600}) {
+        for (const bool repeated : {false, true}) {
+            std::string types = "data_a\nloop_\n_atom_type_symbol\n";
+            std::string indices = reflections({});
+            for (int row = 0; row < rows; ++row) {
+                const bool last = repeated && row == rows - 1;
+                types += "T" + std::to_string(last ? 0 : row) + "\n";
+                indices +=
+                    last ? "+0 0 0 1.5\n" : std::to_string(row) + " 0 " + std::to_string(row % 3) + " 1.5\n";
+            }
+            const Messages none;
+            EXPECT_EQ(messages(*read_checked(types)), repeated ? (Messages{{359, 3 + rows}}) : none) << rows;
+            EXPECT_EQ(messages(*read_checked(indices)), repeated ? (Messages{{369, 6 + rows}}) : none)
+                << rows;
+        }
+    }
+}
+
 }  // namespace
