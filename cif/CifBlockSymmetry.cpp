@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A block's symmetry items and cell read once: symbols, number, operators, the group they form, the cell.
+// A block's symmetry items and cell read once: symbols, number, operators, group, cell.
 #include "cif/CifBlockSymmetry.hpp"
 
 #include <array>

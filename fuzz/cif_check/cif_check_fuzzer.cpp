@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Fuzz target of the whole check: arbitrary bytes read with the core dictionary's checks and cross-checked.
+// Fuzz target of the whole check: bytes read with the core dictionary and cross-checked.
 // Every message must name a line of the text, and the same text must give the same messages twice
 // (the process-wide caches of the checks must not change an answer).
 
