@@ -307,9 +307,12 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
         for (std::size_t j = 0; j < i && !taken[i]; ++j) taken[i] = cif_iequals(columns[j]->name(), name);
         if (!taken[i]) checker->add(*columns[i], definitions[i]);
     }
-    if (checker->empty()) return nullptr;
+    // The block's check takes the keys and definitions from here, even of a
+    // loop with no column to check while read.
     if (loop_keys_ == nullptr) loop_keys_ = std::make_unique<CifLoopKeys>(*cif_.dictionary_);
-    for (const std::vector<std::size_t>& key : loop_keys_->remembered_keys(columns, definitions)) {
+    const std::vector<std::vector<std::size_t>>& keys = loop_keys_->remembered_keys(columns, definitions);
+    if (checker->empty()) return nullptr;
+    for (const std::vector<std::size_t>& key : keys) {
         std::vector<const CifDataItem*> key_columns;
         for (std::size_t i : key) key_columns.push_back(taken[i] ? nullptr : columns[i].get());
         if (std::find(key_columns.begin(), key_columns.end(), nullptr) == key_columns.end())
