@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <gemmi/symmetry.hpp>
+#include <limits>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -25,9 +26,7 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& o
     std::vector<gemmi::Op> ops;
     try {
         for (const std::string& text : operators) {
-            gemmi::Op op = gemmi::parse_triplet(trimmed(text));
-            if (op.det_rot() == 0) return nullptr;
-            ops.push_back(op.wrap());
+            ops.push_back(SpacegroupOperators::read_triplet(trimmed(text)));
         }
     } catch (const std::exception&) {
         return nullptr;
@@ -94,6 +93,33 @@ Lists& lists() {
 }
 
 }  // namespace
+
+gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
+    // Every number of the text times the denominator of the operations, all
+    // added up, must stay an int: the reading adds them in ints.
+    constexpr long long most = std::numeric_limits<int>::max() / 2;
+    long long sum = 0;
+    for (std::size_t i = 0; i < triplet.size();) {
+        if (triplet[i] < '0' || triplet[i] > '9') {
+            ++i;
+            continue;
+        }
+        long long value = 0;
+        for (; i < triplet.size() && triplet[i] >= '0' && triplet[i] <= '9'; ++i)
+            value = std::min(value * 10 + (triplet[i] - '0'), most);
+        sum = std::min(sum + value * gemmi::Op::DEN, most);
+    }
+    if (sum >= most) throw std::runtime_error("numbers out of range");
+    gemmi::Op op = gemmi::parse_triplet(triplet);
+    // A determinant of entries up to 700 stays within an int.
+    for (const auto& row : op.rot) {
+        for (int entry : row) {
+            if (entry > 700 || entry < -700) throw std::runtime_error("factors out of range");
+        }
+    }
+    if (op.det_rot() == 0) throw std::runtime_error("singular operator");
+    return op.wrap();
+}
 
 SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) : texts_(std::move(texts)) {}
 

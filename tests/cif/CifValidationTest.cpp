@@ -720,9 +720,17 @@ TEST(CifValidation, KeysRepeatedOrNotAreToldApartAtEveryLoopSize) {
             std::string indices = reflections({});
             for (int row = 0; row < rows; ++row) {
                 const bool last = repeated && row == rows - 1;
-                types += "T" + std::to_string(last ? 0 : row) + "\n";
-                indices +=
-                    last ? "+0 0 0 1.5\n" : std::to_string(row) + " 0 " + std::to_string(row % 3) + " 1.5\n";
+                types += 'T';
+                types += std::to_string(last ? 0 : row);
+                types += '\n';
+                if (last) {
+                    indices += "+0 0 0 1.5\n";
+                } else {
+                    indices += std::to_string(row);
+                    indices += " 0 ";
+                    indices += std::to_string(row % 3);
+                    indices += " 1.5\n";
+                }
             }
             const Messages none;
             EXPECT_EQ(messages(*read_checked(types)), repeated ? (Messages{{359, 3 + rows}}) : none) << rows;
