@@ -65,9 +65,7 @@ int CifBlockList::end_line(std::size_t n) const {
 bool CifBlockList::holds_nothing(std::size_t n) const {
     std::uint32_t slot = slot_of(records_[n]);
     if (slot == 0) return true;
-    const CifDataBlock& block = *made_block(slot);
-    return block.item_count() == 0 && block.loops().empty() && block.save_frames().empty() &&
-           !block.has_comments();
+    return made_block(slot)->holds_nothing();
 }
 
 void CifBlockList::add_record(std::size_t name_offset, std::size_t name_length, int line) {

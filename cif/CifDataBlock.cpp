@@ -3,6 +3,8 @@
 #include "cif/CifDataBlock.hpp"
 
 #include <algorithm>
+#include <limits>
+#include <mutex>
 #include <unordered_set>
 
 #include "cif/CifNames.hpp"
@@ -12,6 +14,13 @@ namespace {
 
 bool is_unknown(std::string_view value, bool quoted) {
     return value.empty() || (!quoted && (value == "?" || value == "."));
+}
+
+// Guards the making of records' items from const accesses (once per block;
+// items are made in the store's arena, which threads do not share otherwise).
+std::mutex& making_items() {
+    static std::mutex mutex;
+    return mutex;
 }
 
 }  // namespace
@@ -28,13 +37,195 @@ CifDataBlock::CifDataBlock(THandle<CifDictionary> dictionary, const std::string&
 void CifDataBlock::set_name(const std::string& name) { name_ = cif_block_code(name); }
 
 CifDataBlock::Contents& CifDataBlock::contents() {
-    if (contents_ == nullptr) contents_ = std::make_unique<Contents>();
+    if (contents_ == nullptr) {
+        contents_ = std::make_unique<Contents>();
+    } else if (has_records()) {
+        make_items();
+    }
     return *contents_;
 }
 
 const CifDataBlock::Contents& CifDataBlock::contents() const {
+    if (has_records()) make_items();
+    return held();
+}
+
+const CifDataBlock::Contents& CifDataBlock::held() const {
     static const Contents nothing;
     return contents_ == nullptr ? nothing : *contents_;
+}
+
+void CifDataBlock::make_items() const {
+    std::lock_guard<std::mutex> lock(making_items());
+    Contents& c = *contents_;
+    if (!c.has_records.load(std::memory_order_relaxed)) return;
+    ItemList order;
+    order.reserve(c.records.size());
+    for (Record& record : c.records) {
+        if (record.is_column()) {
+            order.push_back(c.loops[record.value.offset][record.value.bits]);
+            continue;
+        }
+        THandle<CifDataItem> item =
+            store_->make<CifDataItem>(record_name(record), store_, dictionary_, record.line);
+        static_cast<CifCommentable&>(*item) = std::move(record.comments);
+        if (record.has_value()) item->values().push_back(record.value);
+        order.push_back(std::move(item));
+    }
+    // Same places, same names: an index stands.
+    c.order = std::move(order);
+    if (c.index.empty() && c.order.size() > small_block) c.index.build(c.order);
+    std::vector<Record>().swap(c.records);
+    c.has_records.store(false, std::memory_order_release);
+}
+
+std::string_view CifDataBlock::record_name(const Record& record) const {
+    if (record.is_column()) return contents_->loops[record.value.offset][record.value.bits]->name();
+    const char* name = store_->text().data() + record.name_offset;
+    return std::string_view(name, CifValueColumn::word_length(name));
+}
+
+bool CifDataBlock::record_is(const Record& record, std::string_view tag) const {
+    if (record.is_column()) return cif_iequals(record_name(record), tag);
+    // The name in the text ends at white space or the text's NUL: names
+    // of other lengths are told apart by the byte after tag's length first.
+    const std::string& text = store_->text();
+    if (tag.empty() || record.name_offset + tag.size() > text.size()) return false;
+    const char* p = text.data() + record.name_offset;
+    if (!CifValueColumn::word_stop(p[tag.size()]) || cif_lower(p[tag.size() - 1]) != cif_lower(tag.back()))
+        return false;
+    for (const char c : tag) {
+        if (CifValueColumn::word_stop(*p) || cif_lower(*p) != cif_lower(c)) return false;
+        ++p;
+    }
+    return CifValueColumn::word_stop(*p);
+}
+
+std::size_t CifDataBlock::position_of(std::string_view tag) const {
+    if (contents_ == nullptr) return CifNameIndex::npos;
+    const Contents& c = *contents_;
+    auto search = [&](std::size_t count, const auto& name_at) {
+        if (!c.index.empty()) return c.index.find(tag, name_at);
+        for (std::size_t i = 0; i < count; ++i) {
+            if (cif_iequals(name_at(i), tag)) return i;
+        }
+        return CifNameIndex::npos;
+    };
+    if (c.has_records.load(std::memory_order_relaxed)) {
+        if (!c.index.empty())
+            return c.index.find(tag, [&](std::size_t n) { return record_name(c.records[n]); });
+        for (std::size_t i = 0; i < c.records.size(); ++i) {
+            if (record_is(c.records[i], tag)) return i;
+        }
+        return CifNameIndex::npos;
+    }
+    return search(c.order.size(), [&](std::size_t n) -> std::string_view { return c.order[n]->name(); });
+}
+
+std::size_t CifDataBlock::item_count() const {
+    if (has_records()) {
+        std::lock_guard<std::mutex> lock(making_items());
+        if (contents_->has_records.load(std::memory_order_relaxed)) return contents_->records.size();
+    }
+    return held().order.size();
+}
+
+std::size_t CifDataBlock::value_count() const {
+    std::size_t values = 0;
+    if (has_records()) {
+        std::lock_guard<std::mutex> lock(making_items());
+        const Contents& c = *contents_;
+        if (c.has_records.load(std::memory_order_relaxed)) {
+            for (const Record& record : c.records) {
+                if (record.is_column()) {
+                    values += c.loops[record.value.offset][record.value.bits]->size();
+                } else if (record.has_value()) {
+                    ++values;
+                }
+            }
+            return values;
+        }
+    }
+    for (const THandle<CifDataItem>& item : held().order) values += item->size();
+    return values;
+}
+
+bool CifDataBlock::holds_nothing() const {
+    return item_count() == 0 && held().loops.empty() && held().frames.empty() && !has_comments();
+}
+
+std::size_t CifDataBlock::add_read_item(std::size_t name_offset, std::size_t name_length, int line,
+                                        const CifValueRef* value, CifCommentable&& comments) {
+    if (contents_ == nullptr) contents_ = std::make_unique<Contents>();
+    Contents& c = *contents_;
+    // A record's name is found again as the word at its place.
+    const bool as_record = (c.has_records.load(std::memory_order_relaxed) || c.order.empty()) &&
+                           name_offset < Record::none &&
+                           CifValueColumn::word_length(store_->text().data() + name_offset) == name_length;
+    if (!as_record) {
+        THandle<CifDataItem> item = store_->make<CifDataItem>(
+            std::string_view(store_->text()).substr(name_offset, name_length), store_, dictionary_, line);
+        static_cast<CifCommentable&>(*item) = std::move(comments);
+        if (value != nullptr) item->values().push_back(*value);
+        return add_item(item) ? contents_->order.size() - 1 : npos;
+    }
+    if (position_of(std::string_view(store_->text().data() + name_offset, name_length)) != CifNameIndex::npos)
+        return npos;
+    // Room for a small block's items at once, as add_item makes.
+    if (c.records.empty()) c.records.reserve(small_block);
+    Record& record = c.records.emplace_back();
+    record.comments = std::move(comments);
+    if (value != nullptr) {
+        record.value = *value;
+    } else {
+        record.value.offset = Record::none;
+        record.value.bits = 0;
+    }
+    record.name_offset = static_cast<std::uint32_t>(name_offset);
+    record.line = line;
+    c.has_records.store(true, std::memory_order_release);
+    auto names = [&](std::size_t n) { return record_name(c.records[n]); };
+    if (!c.index.empty()) {
+        c.index.add(c.records.size(), c.records.size() - 1, names);
+    } else if (c.records.size() > small_record_block) {
+        c.index.build(c.records.size(), names);
+    }
+    return c.records.size() - 1;
+}
+
+void CifDataBlock::add_save_frame(THandle<CifDataBlock> frame) {
+    if (contents_ == nullptr) contents_ = std::make_unique<Contents>();
+    contents_->frames.push_back(frame);
+}
+
+void CifDataBlock::shrink_to_fit() {
+    if (has_records()) contents_->records.shrink_to_fit();
+}
+
+std::optional<int> CifDataBlock::item_line(std::string_view tag) const {
+    std::unique_lock<std::mutex> lock;
+    if (has_records()) lock = std::unique_lock<std::mutex>(making_items());
+    const std::size_t found = position_of(tag);
+    if (found == CifNameIndex::npos) return std::nullopt;
+    const Contents& c = *contents_;
+    if (c.has_records.load(std::memory_order_relaxed)) {
+        const Record& record = c.records[found];
+        return record.line;
+    }
+    return c.order[found]->line();
+}
+
+void CifDataBlock::append_item_comments(std::size_t n, std::string_view text, CommentType type) {
+    if (has_records()) {
+        Record& record = contents_->records[n];
+        if (!record.is_column()) {
+            record.comments.append_comments(text, type);
+            return;
+        }
+        contents_->loops[record.value.offset][record.value.bits]->append_comments(text, type);
+        return;
+    }
+    contents().order[n]->append_comments(text, type);
 }
 
 THandle<CifDataItem> CifDataBlock::find(std::string_view tag) const { return lookup(tag); }
@@ -376,7 +567,7 @@ bool CifDataBlock::add_item(THandle<CifDataItem> item) {
 
 THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
     if (contents_ == nullptr) return THandle<CifDataItem>();
-    const Contents& c = *contents_;
+    const Contents& c = contents();
     if (!c.index.empty()) {
         const std::size_t found = c.index.find(c.order, tag);
         return found == CifNameIndex::npos ? THandle<CifDataItem>() : c.order[found];
@@ -397,6 +588,32 @@ void CifDataBlock::build_index() {
 }
 
 bool CifDataBlock::add_loop(const ItemList& columns) {
+    if (has_records()) {
+        // The columns take their places in write order as records of them.
+        Contents& c = *contents_;
+        const std::size_t loop = c.loops.size();
+        c.loops.emplace_back();
+        auto names = [&](std::size_t n) { return record_name(c.records[n]); };
+        std::size_t added = 0;
+        for (const THandle<CifDataItem>& item : columns) {
+            if (position_of(item->name()) != CifNameIndex::npos) continue;
+            item->set_looped(true);
+            Record& record = c.records.emplace_back();
+            record.name_offset = Record::none;
+            record.value.offset = static_cast<std::uint32_t>(loop);
+            record.value.bits = static_cast<std::uint32_t>(c.loops[loop].size());
+            record.line = item->line();
+            c.loops[loop].push_back(item);
+            ++added;
+            if (!c.index.empty()) {
+                c.index.add(c.records.size(), c.records.size() - 1, names);
+            } else if (c.records.size() > small_record_block) {
+                c.index.build(c.records.size(), names);
+            }
+        }
+        if (added == 0) c.loops.pop_back();
+        return added == columns.size();
+    }
     ItemList added;
     for (const THandle<CifDataItem>& item : columns) {
         if (!add_item(item)) continue;

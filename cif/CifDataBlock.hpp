@@ -2,8 +2,11 @@
 // One data block: its items, loops, comments, save frames and the order items print in.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -16,12 +19,19 @@
 #include "cif/CifNameIndex.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifTextStore.hpp"
+#include "cif/CifValueRef.hpp"
 #include "cif/CifWriteSettings.hpp"
 #include "support/THandle.hpp"
 
 // One data block: its name (the block code, without "data_"), its data
 // items keyed by data name (compared without regard to case), its loops,
 // comments, save frames (dictionaries only) and the order items print in.
+//
+// Unlooped items the reader adds (add_read_item) are kept as records of 24
+// bytes (where the name stands in the store's text, the line, the value,
+// the comments) until an item is first handed out: then every record of the
+// block becomes its object at once, in its place. Const accesses may do
+// that from several threads: it happens once, under a lock.
 class CifDataBlock : public CifCommentable {
 public:
     using ItemList = std::vector<THandle<CifDataItem>>;
@@ -98,8 +108,29 @@ public:
     void set_write_order(const std::vector<std::string>& tags, OrderingMode mode);
     ItemList::const_iterator begin_write_order() const { return contents().order.begin(); }
     ItemList::const_iterator end_write_order() const { return contents().order.end(); }
-    std::size_t item_count() const { return contents().order.size(); }
-    const std::vector<ItemList>& loops() const { return contents().loops; }
+    // These make no item of a record.
+    std::size_t item_count() const;
+    const std::vector<ItemList>& loops() const { return held().loops; }
+    // The number of values of all items (one for an unlooped item with a value).
+    std::size_t value_count() const;
+    // Whether the block holds no items, loops, save frames or comments.
+    bool holds_nothing() const;
+
+    // An unlooped item as the reader finds it: its name is name_length
+    // bytes at name_offset of the store's text; value is null for a name
+    // without a value. Added at the end as add_item does, kept as a record
+    // while the block holds records or nothing; comments are taken. The
+    // item's place in write order, or npos (and nothing added) when the
+    // name is present.
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+    std::size_t add_read_item(std::size_t name_offset, std::size_t name_length, int line,
+                              const CifValueRef* value, CifCommentable&& comments);
+    // Gives back the room kept for records to come (the reader, at the end of a block).
+    void shrink_to_fit();
+    // The line of the item of that name, made or not; nullopt when absent.
+    std::optional<int> item_line(std::string_view tag) const;
+    // Adds comment text to the n-th item in write order, made or not.
+    void append_item_comments(std::size_t n, std::string_view text, CommentType type);
 
     // Adds an unlooped item at the end; false (and nothing added) when the
     // name is present.
@@ -108,8 +139,9 @@ public:
     // are left out (false is returned then).
     bool add_loop(const ItemList& columns);
 
-    const std::vector<THandle<CifDataBlock>>& save_frames() const { return contents().frames; }
-    void add_save_frame(THandle<CifDataBlock> frame) { contents().frames.push_back(frame); }
+    const std::vector<THandle<CifDataBlock>>& save_frames() const { return held().frames; }
+    // Makes no item of a record (the reader adds frames among a block's records).
+    void add_save_frame(THandle<CifDataBlock> frame);
 
     // Writes the block as CIF text, starting with its "data_" line.
     void print(std::ostream& stream, const CifWriteSettings& settings) const;
@@ -134,18 +166,53 @@ private:
     int line_;
     int last_line_;
     int end_line_;
+    // An item not made yet: an unlooped item read from text, or the place
+    // in write order of a loop column (which is an object from the start).
+    struct Record {
+        // The name_offset of a loop column's record, and the value's offset
+        // (its bits 0) of a name read without a value: no text is that long.
+        static constexpr std::uint32_t none = 0xffffffff;
+        CifCommentable comments;
+        CifValueRef value;  // a loop column: offset = its loop, bits = its column
+        // Where the name stands in the store's text (it ends at white space).
+        std::uint32_t name_offset = 0;
+        std::int32_t line = -1;
+
+        bool is_column() const { return name_offset == none; }
+        bool has_value() const { return !(value.offset == none && value.bits == 0); }
+    };
     // What a block holds, apart, so that an empty block costs little.
     struct Contents {
+        // The items in write order; while records is not empty they are
+        // there instead (and order is empty).
         ItemList order;
-        // The positions in order by the items' own names, compared without
-        // regard to case; built once a block holds more than a few items.
+        std::vector<Record> records;
+        std::atomic<bool> has_records{false};
+        // The positions in write order by the items' own names, compared
+        // without regard to case; built once a block holds more than a few items.
         CifNameIndex index;
         std::vector<ItemList> loops;
         std::vector<THandle<CifDataBlock>> frames;
     };
     static constexpr std::size_t small_block = 8;
-    Contents& contents();  // made on first use
+    // Records are looked up one by one up to this many (a dictionary's save
+    // frames hold about eight); items made get their index at small_block.
+    static constexpr std::size_t small_record_block = 32;
+    // Made on first use; the non-const one makes the records' items.
+    Contents& contents();
+    // The items made from records first (under the lock when still needed).
     const Contents& contents() const;
+    // Without making anything: loops and frames are never records.
+    const Contents& held() const;
+    bool has_records() const {
+        return contents_ != nullptr && contents_->has_records.load(std::memory_order_acquire);
+    }
+    void make_items() const;
+    std::string_view record_name(const Record& record) const;
+    // Whether the record's name is tag, case ignored (without finding its length first).
+    bool record_is(const Record& record, std::string_view tag) const;
+    // The position in write order of the item of that name, made or not, or npos.
+    std::size_t position_of(std::string_view tag) const;
 
     std::unique_ptr<Contents> contents_;  // null while the block holds nothing
 };

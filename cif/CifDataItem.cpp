@@ -15,8 +15,8 @@ const std::string unknown_value = "?";
 
 }  // namespace
 
-CifDataItem::CifDataItem(std::string name, THandle<CifTextStore> store, THandle<CifDictionary> dictionary,
-                         int line)
+CifDataItem::CifDataItem(std::string_view name, THandle<CifTextStore> store,
+                         THandle<CifDictionary> dictionary, int line)
     : store_(store.is_null() ? THandle<CifTextStore>(new CifTextStore()) : store),
       name_(&store_->intern(name)),
       dictionary_(store_->keep(dictionary)),

@@ -18,7 +18,7 @@
 class CifDataItem : public CifCommentable {
 public:
     // An item without values. A null store gets a fresh one of its own.
-    explicit CifDataItem(std::string name, THandle<CifTextStore> store = THandle<CifTextStore>(),
+    explicit CifDataItem(std::string_view name, THandle<CifTextStore> store = THandle<CifTextStore>(),
                          THandle<CifDictionary> dictionary = THandle<CifDictionary>(), int line = -1);
 
     const std::string& name() const { return *name_; }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cif/CifDataItem.hpp"
+#include "cif/CifNames.hpp"
 #include "support/THandle.hpp"
 
 // A flat hash table (open addressing, one array) of the positions of items
@@ -20,15 +21,36 @@
 class CifNameIndex {
 public:
     using ItemList = std::vector<THandle<CifDataItem>>;
+
+private:
+    struct ItemNames {
+        const ItemList& items;
+        std::string_view operator()(std::size_t n) const { return items[n]->name(); }
+    };
+    static ItemNames item_names(const ItemList& items) { return ItemNames{items}; }
+
+public:
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
     // Indexes every item of the list (their names must differ).
-    void build(const ItemList& items);
+    void build(const ItemList& items) { build(items.size(), item_names(items)); }
     // Adds items[position], the one item of the list not indexed yet (the
     // caller makes sure no other item has its name).
-    void add(const ItemList& items, std::size_t position);
+    void add(const ItemList& items, std::size_t position) { add(items.size(), position, item_names(items)); }
     // The position in items of the item of that name, or npos.
-    std::size_t find(const ItemList& items, std::string_view name) const;
+    std::size_t find(const ItemList& items, std::string_view name) const {
+        return find(name, item_names(items));
+    }
+
+    // The same for any list the owner keeps, given as its size and a
+    // function from a position to the name there (string_view).
+    template <class NameAt>
+    void build(std::size_t count, const NameAt& name_at);
+    template <class NameAt>
+    void add(std::size_t count, std::size_t position, const NameAt& name_at);
+    template <class NameAt>
+    std::size_t find(std::string_view name, const NameAt& name_at) const;
+
     void clear();
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
@@ -38,11 +60,55 @@ private:
         std::uint32_t hash;      // the name's hash, folded
         std::uint32_t position;  // 1 + the item's position; 0: never used
     };
+
     static std::uint32_t slot_hash(std::string_view name);
-    void rehash(std::size_t capacity, const ItemList& items);
+    static std::size_t capacity_for(std::size_t count);
+    static void check_count(std::size_t count);
+    template <class NameAt>
+    void rehash(std::size_t capacity, std::size_t count, const NameAt& name_at);
+    void reset(std::size_t capacity);
     void place(std::uint32_t hash, std::size_t position);
 
     std::unique_ptr<Slot[]> slots_;
     std::uint32_t capacity_ = 0;  // a power of two, or 0
     std::uint32_t size_ = 0;
 };
+
+template <class NameAt>
+void CifNameIndex::build(std::size_t count, const NameAt& name_at) {
+    check_count(count);
+    rehash(capacity_for(count), count, name_at);
+}
+
+template <class NameAt>
+void CifNameIndex::add(std::size_t count, std::size_t position, const NameAt& name_at) {
+    check_count(position + 1);
+    if ((std::size_t(size_) + 1) * 4 > std::size_t(capacity_) * 3) {
+        // Grown from the list itself, which holds the new item already.
+        rehash(capacity_for(count), count, name_at);
+        return;
+    }
+    place(slot_hash(name_at(position)), position);
+    ++size_;
+}
+
+template <class NameAt>
+std::size_t CifNameIndex::find(std::string_view name, const NameAt& name_at) const {
+    if (capacity_ == 0) return npos;
+    const std::uint32_t hash = slot_hash(name);
+    const std::size_t mask = capacity_ - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const Slot& slot = slots_[i];
+        if (slot.position == 0) return npos;
+        if (slot.hash == hash && cif_iequals(name_at(slot.position - 1), name)) return slot.position - 1;
+    }
+}
+
+template <class NameAt>
+void CifNameIndex::rehash(std::size_t capacity, std::size_t count, const NameAt& name_at) {
+    reset(capacity);
+    for (std::size_t i = 0; i < count; ++i) {
+        place(slot_hash(name_at(i)), i);
+        ++size_;
+    }
+}

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include "cif/Cif.hpp"
@@ -93,6 +94,11 @@ void CifReader::read(std::string text) {
     cif_.store_ = store_;
     cif_.blocks_.reset(cif_.dictionary_, store_);
     cif_.version_ = version_;
+    {
+        const THandle<CifDictionary>& dictionary = cif_.dictionary_;
+        records_ = dictionary.is_null() || !dictionary->has_definitions() ||
+                   (!settings_.check_data_names && !settings_.check_values);
+    }
 
     // Characters and line lengths are checked as the text is read: the
     // lexer's fast path hands over the windows it classifies.
@@ -211,18 +217,22 @@ void CifReader::finish_block(bool at_end) {
     CifBlockList& blocks = cif_.blocks_;
     blocks.set_last_line(block_index_, std::max(blocks.line(block_index_), previous_end_));
     // A block still a record holds nothing to check.
-    if (!block_.is_null()) validate(*block_);
+    if (!block_.is_null()) {
+        block_->shrink_to_fit();
+        validate(*block_);
+    }
     in_block_ = false;
     block_ = THandle<CifDataBlock>();
-    last_item_ = THandle<CifDataItem>();
+    forget_last_item();
 }
 
 void CifReader::close_frame(bool terminated, int line) {
     if (frame_.is_null()) return;
     if (!terminated) errors_.add(CifError::unterminated_save_frame, frame_->line(), frame_->name());
     frame_->set_lines(frame_->line(), std::max(frame_->line(), line), line);
+    frame_->shrink_to_fit();
     frame_ = THandle<CifDataBlock>();
-    last_item_ = THandle<CifDataItem>();
+    forget_last_item();
 }
 
 CifDataBlock* CifReader::target() {
@@ -237,7 +247,13 @@ CifDataBlock& CifReader::current_block() {
 }
 
 bool CifReader::trails_last_item(const CifComment& comment) const {
-    return comment.trailing && !last_item_.is_null() && comment.line == last_item_line_;
+    return comment.trailing && (!last_item_.is_null() || last_block_ != nullptr) &&
+           comment.line == last_item_line_;
+}
+
+void CifReader::forget_last_item() {
+    last_item_ = THandle<CifDataItem>();
+    last_block_ = nullptr;
 }
 
 bool CifReader::comments_for_target() const {
@@ -252,7 +268,11 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
     for (const CifComment& comment : comments) {
         std::string_view text(comment.begin, comment.length);
         if (trails_last_item(comment)) {
-            last_item_->append_comments(text, CifCommentable::trailing_comment);
+            if (last_block_ != nullptr) {
+                last_block_->append_item_comments(last_position_, text, CifCommentable::trailing_comment);
+            } else {
+                last_item_->append_comments(text, CifCommentable::trailing_comment);
+            }
         } else if (target != nullptr) {
             target->append_comments(text, type);
         }
@@ -260,11 +280,11 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
     comments.clear();
 }
 
-void CifReader::check_name(const std::string& name, int line, bool block_name) {
+void CifReader::check_name(std::string_view name, int line, bool block_name) {
     if (version_ >= 2 || settings_.max_name_length <= 0) return;
     if (name.size() <= static_cast<std::size_t>(settings_.max_name_length)) return;
-    errors_.add(block_name ? CifError::block_name_too_long : CifError::data_name_too_long, line, name,
-                std::to_string(settings_.max_name_length));
+    errors_.add(block_name ? CifError::block_name_too_long : CifError::data_name_too_long, line,
+                std::string(name), std::to_string(settings_.max_name_length));
 }
 
 CifValueReporter& CifReader::reporter() {
@@ -357,10 +377,10 @@ CifToken CifReader::skip_outside_block(const CifToken& token) {
 CifToken CifReader::on_name(const CifToken& token) {
     CifDataBlock* block = target();
     if (block == nullptr) return skip_outside_block(token);
-    std::string name(token.begin, token.length);
+    const std::string_view name(token.begin, token.length);
     check_name(name, token.line, false);
-    THandle<CifDataItem> item =
-        store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, token.line);
+    if (records_) return on_read_item(*block, token);
+    THandle<CifDataItem> item = store_->make<CifDataItem>(name, store_, cif_.dictionary_, token.line);
     take_comments(item.get());
     CifToken value = next();
     bool has_value = value.kind == CifToken::value;
@@ -371,12 +391,44 @@ CifToken CifReader::on_name(const CifToken& token) {
     }
     if (block->add_item(item)) {
         last_item_ = item;
+        last_block_ = nullptr;
         last_item_line_ = lexer_->last_end_line();
     } else {
         THandle<CifDataItem> existing = block->find(item->name());
         errors_.add(CifError::duplicate_data_name, token.line, item->name(),
                     std::to_string(existing->line()));
+        forget_last_item();
+    }
+    if (!has_value) return value;
+    CifToken after = next();
+    while (after.kind == CifToken::value) after = on_stray_value(after);
+    return after;
+}
+
+CifToken CifReader::on_read_item(CifDataBlock& block, const CifToken& token) {
+    const std::string_view name(token.begin, token.length);
+    CifCommentable comments;
+    take_comments(&comments);
+    CifToken value = next();
+    const bool has_value = value.kind == CifToken::value;
+    CifValueRef ref;
+    if (has_value) {
+        ref = reference(value);
+    } else {
+        errors_.add(CifError::data_name_without_value, token.line, std::string(name));
+    }
+    const std::size_t position =
+        block.add_read_item(static_cast<std::size_t>(token.begin - base_), token.length, token.line,
+                            has_value ? &ref : nullptr, std::move(comments));
+    if (position != CifDataBlock::npos) {
         last_item_ = THandle<CifDataItem>();
+        last_block_ = &block;
+        last_position_ = position;
+        last_item_line_ = lexer_->last_end_line();
+    } else {
+        errors_.add(CifError::duplicate_data_name, token.line, std::string(name),
+                    std::to_string(*block.item_line(name)));
+        forget_last_item();
     }
     if (!has_value) return value;
     CifToken after = next();
@@ -400,15 +452,14 @@ CifToken CifReader::on_loop(const CifToken& token) {
     CifCommentable before_loop;
     take_comments(&before_loop);
     std::string loop_comments = before_loop.comments();
-    last_item_ = THandle<CifDataItem>();
+    forget_last_item();
 
     CifDataBlock::ItemList columns;
     CifToken t = next();
     while (t.kind == CifToken::name) {
-        std::string name(t.begin, t.length);
+        const std::string_view name(t.begin, t.length);
         check_name(name, t.line, false);
-        THandle<CifDataItem> item =
-            store_->make<CifDataItem>(std::move(name), store_, cif_.dictionary_, t.line);
+        THandle<CifDataItem> item = store_->make<CifDataItem>(name, store_, cif_.dictionary_, t.line);
         if (columns.empty()) item->append_comments(loop_comments);
         take_comments(item.get());
         columns.push_back(item);
@@ -468,15 +519,15 @@ CifToken CifReader::on_loop(const CifToken& token) {
     CifDataBlock::ItemList kept;
     std::vector<std::string> dropped;
     for (const THandle<CifDataItem>& item : columns) {
-        THandle<CifDataItem> existing = block->find(item->name());
-        if (existing.is_null()) {
+        // Found without making the block's records into items.
+        std::optional<int> existing = block->item_line(item->name());
+        if (!existing) {
             for (const THandle<CifDataItem>& other : kept) {
-                if (cif_iequals(other->name(), item->name())) existing = other;
+                if (cif_iequals(other->name(), item->name())) existing = other->line();
             }
         }
-        if (!existing.is_null()) {
-            errors_.add(CifError::duplicate_data_name, item->line(), item->name(),
-                        std::to_string(existing->line()));
+        if (existing) {
+            errors_.add(CifError::duplicate_data_name, item->line(), item->name(), std::to_string(*existing));
             dropped.push_back(item->name());
             continue;
         }
@@ -534,6 +585,6 @@ CifToken CifReader::on_save(const CifToken& token) {
     frame_ = store_->make<CifDataBlock>(cif_.dictionary_, "data_" + name, token.line, store_);
     current_block().add_save_frame(frame_);
     take_comments(frame_.get());
-    last_item_ = THandle<CifDataItem>();
+    forget_last_item();
     return next();
 }

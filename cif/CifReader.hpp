@@ -48,6 +48,8 @@ private:
     CifToken next();
     CifToken on_data(const CifToken& token);
     CifToken on_name(const CifToken& token);
+    // The same for an item kept as a record (records_).
+    CifToken on_read_item(CifDataBlock& block, const CifToken& token);
     CifToken on_loop(const CifToken& token);
     CifToken on_save(const CifToken& token);
     CifToken on_stray_value(const CifToken& token);
@@ -61,11 +63,12 @@ private:
     CifDataBlock& current_block();
     // Whether a comment waiting belongs to the last item (it trails its value).
     bool trails_last_item(const CifComment& comment) const;
+    void forget_last_item();
     // Whether a comment waiting goes to what take_comments is given.
     bool comments_for_target() const;
     void take_comments(CifCommentable* target,
                        CifCommentable::CommentType type = CifCommentable::preceding_comment);
-    void check_name(const std::string& name, int line, bool block_name);
+    void check_name(std::string_view name, int line, bool block_name);
     // Checks a finished block against the document's dictionary.
     void validate(const CifDataBlock& block);
     // Whether values are checked against a dictionary while reading.
@@ -100,7 +103,15 @@ private:
     std::size_t block_index_ = 0;
     THandle<CifDataBlock> block_;
     THandle<CifDataBlock> frame_;
-    THandle<CifDataItem> last_item_;  // the unlooped item a trailing comment belongs to
+    // Unlooped items stay records in their blocks (CifDataBlock::add_read_item)
+    // unless the reader checks each block against the dictionary, which
+    // would make them at once.
+    bool records_ = false;
+    // The unlooped item a trailing comment belongs to: an object, or the
+    // place of a record in last_block_ (when last_block_ is not null).
+    THandle<CifDataItem> last_item_;
+    CifDataBlock* last_block_ = nullptr;
+    std::size_t last_position_ = 0;
     int last_item_line_ = 0;
     int stray_value_line_ = 0;
     bool outside_reported_ = false;

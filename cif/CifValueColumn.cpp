@@ -51,7 +51,11 @@ void CifValueColumn::ChunkDelete::operator()(std::uint16_t* chunk) const {
     }
 }
 
-CifValueColumn::~CifValueColumn() = default;
+CifValueColumn::~CifValueColumn() { free_small(); }
+
+void CifValueColumn::free_small() {
+    if (is_small()) delete[] small();
+}
 
 CifValueColumn::CifValueColumn(const CifValueColumn& other) : text_(other.text_) {
     for (std::size_t n = 0; n < other.size_; ++n) push_back(other[n]);
@@ -70,6 +74,7 @@ CifValueColumn::CifValueColumn(CifValueColumn&& other) noexcept { *this = std::m
 
 CifValueColumn& CifValueColumn::operator=(CifValueColumn&& other) noexcept {
     if (this != &other) {
+        free_small();
         store_ = std::move(other.store_);
         if (other.text_ != nullptr) text_ = other.text_;
         single_ = other.single_;
@@ -91,12 +96,32 @@ void CifValueColumn::push(CifValueRef ref, bool plain) {
             size_ = 1;
             return;
         }
+        if (size_ == 1) {
+            CifValueRef* refs = new CifValueRef[2];
+            refs[0] = single_;
+            refs[1] = ref;
+            set_small(refs);
+            size_ = 2;
+            return;
+        }
+        if (size_ < small_limit) {
+            if (std::has_single_bit(size_)) {
+                CifValueRef* grown = new CifValueRef[2 * size_];
+                std::copy(small(), small() + size_, grown);
+                delete[] small();
+                set_small(grown);
+            }
+            small()[size_++] = ref;
+            return;
+        }
+        // Past the small array: the values so far go into a store.
+        std::unique_ptr<CifValueRef[]> refs(small());
+        const std::size_t count = size_;
         store_ = std::make_unique<Store>();
-        store_->first_capacity = 8;
+        store_->first_capacity = 2 * small_limit;
         store_->chunks.push_back(make_chunk(store_->first_capacity));
-        const CifValueRef first = single_;
         size_ = 0;
-        push(first, false);
+        for (std::size_t k = 0; k < count; ++k) push(refs[k], false);
     }
     Store& store = *store_;
     const std::size_t n = size_;
@@ -176,7 +201,11 @@ void CifValueColumn::resume() {
 
 void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef* out) const {
     if (store_ == nullptr) {
-        if (count > 0) out[0] = single_;
+        if (size_ <= 1) {
+            if (count > 0) out[0] = single_;
+        } else {
+            std::copy(small() + first, small() + first + count, out);
+        }
         return;
     }
     const Store& store = *store_;
@@ -201,7 +230,11 @@ void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef
 void CifValueColumn::set(std::size_t n, CifValueRef ref) {
     if (n >= size_) return;
     if (store_ == nullptr) {
-        single_ = ref;
+        if (size_ <= 1) {
+            single_ = ref;
+        } else {
+            small()[n] = ref;
+        }
         return;
     }
     Store& store = *store_;
@@ -246,6 +279,11 @@ void CifValueColumn::erase(std::size_t n) {
 
 void CifValueColumn::pop_back() {
     if (size_ == 0) return;
+    if (is_small() && size_ == 2) {
+        const CifValueRef first = small()[0];
+        delete[] small();
+        single_ = first;
+    }
     --size_;
     if (store_ == nullptr) return;
     Store& store = *store_;
@@ -260,12 +298,13 @@ void CifValueColumn::pop_back() {
 }
 
 void CifValueColumn::clear() {
+    free_small();
     store_.reset();
     size_ = 0;
 }
 
 std::size_t CifValueColumn::heap_bytes() const {
-    if (store_ == nullptr) return 0;
+    if (store_ == nullptr) return size_ <= 1 ? 0 : std::bit_ceil(size_) * sizeof(CifValueRef);
     const Store& store = *store_;
     std::size_t bytes = sizeof(Store) + store.groups.capacity() * sizeof(Group);
     for (const std::vector<CifValueRef>& refs : store.wide) bytes += refs.capacity() * sizeof(CifValueRef);

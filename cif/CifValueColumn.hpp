@@ -2,6 +2,7 @@
 // The values of one data item, plain values of long columns kept in two bytes each.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,7 +11,8 @@
 #include "cif/CifValueRef.hpp"
 
 // The values of one data item. A single value is kept in the object
-// itself. A longer column keeps its values in groups of group_size: a group
+// itself, a few (up to small_limit) as full references in one small array.
+// A longer column keeps its values in groups of group_size: a group
 // of plain values read from the column's text (see set_text) keeps one base
 // offset and, for each value, two bytes of distance from it; a value's
 // length is where its word ends in the text. Any other value (quoted, added
@@ -22,6 +24,9 @@ class CifValueColumn {
 public:
     static constexpr std::size_t group_bits = 8;
     static constexpr std::size_t group_size = std::size_t(1) << group_bits;
+    // Columns up to this many values keep full references in one array
+    // (a dictionary's loops are short): less than a store costs.
+    static constexpr std::size_t small_limit = 32;
 
     CifValueColumn() = default;
     // A column whose plain values may be kept short: text is the NUL-ended
@@ -42,7 +47,10 @@ public:
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
 
-    CifValueRef operator[](std::size_t n) const { return store_ == nullptr ? single_ : store_->at(n, text_); }
+    CifValueRef operator[](std::size_t n) const {
+        if (store_ != nullptr) return store_->at(n, text_);
+        return size_ <= 1 ? single_ : small()[n];
+    }
     // Copies the references of the values first to first + count - 1 to out.
     void copy_refs(std::size_t first, std::size_t count, CifValueRef* out) const;
 
@@ -77,6 +85,8 @@ public:
 
     // The length of the word at p: up to white space or a NUL.
     static std::uint32_t word_length(const char* p);
+    // Whether c ends a word so (white space or a NUL).
+    static bool word_stop(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\0'; }
 
 private:
     static constexpr std::size_t chunk_bits = 20;  // distances kept in chunks of 2 MiB
@@ -118,12 +128,19 @@ private:
         }
     };
 
+    // The array of a small column (2 to small_limit values, no store): its
+    // address is kept where a single value would be; it holds at least
+    // std::bit_ceil(size_) references.
+    CifValueRef* small() const { return std::bit_cast<CifValueRef*>(single_); }
+    void set_small(CifValueRef* refs) { single_ = std::bit_cast<CifValueRef>(refs); }
+    bool is_small() const { return store_ == nullptr && size_ >= 2; }
+    void free_small();
     bool fits(CifValueRef ref, bool plain) const;
     void push(CifValueRef ref, bool plain);
     void make_wide(std::size_t group, std::size_t count);
     void resume();
 
-    std::unique_ptr<Store> store_;  // null while there is at most one value
+    std::unique_ptr<Store> store_;  // null while there are at most small_limit values
     const char* text_ = nullptr;
     CifValueRef single_;
     std::size_t size_ = 0;

@@ -69,8 +69,8 @@ std::size_t count_words(const std::string& file) {
 }
 
 std::size_t count_values(const CifDataBlock& block) {
-    std::size_t values = 0;
-    for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it) values += (*it)->size();
+    // Counted without making the items the block keeps as records.
+    std::size_t values = block.value_count();
     for (const THandle<CifDataBlock>& frame : block.save_frames()) values += count_values(*frame);
     return values;
 }

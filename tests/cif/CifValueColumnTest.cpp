@@ -190,4 +190,55 @@ TEST(CifValueColumn, EditsKeepEveryOtherValue) {
     EXPECT_TRUE(target.empty());
 }
 
+TEST(CifValueColumn, ShortColumnsKeepEveryValueThroughEditsAndGrowth) {
+    // Columns of a few values keep them in one small array; past
+    // small_limit they move into a store. Edits at every size on the way.
+    const std::size_t limit = CifValueColumn::small_limit;
+    const Words words(3 * limit);
+    const CifValueRef added = ref_of(0, 1 | CifValueRef::added_flag);
+    for (std::size_t count : {std::size_t(2), std::size_t(3), std::size_t(4), limit - 1, limit, limit + 1}) {
+        SCOPED_TRACE(count);
+        CifValueColumn column(words.text.c_str());
+        std::vector<CifValueRef> refs;
+        for (std::size_t n = 0; n < count; ++n) {
+            column.push_plain(words.refs[n]);
+            refs.push_back(words.refs[n]);
+        }
+        expect_same(column, refs);
+        column.set(count - 1, added);
+        refs[count - 1] = added;
+        column.insert(1, words.refs[2 * limit]);
+        refs.insert(refs.begin() + 1, words.refs[2 * limit]);
+        column.erase(0);
+        refs.erase(refs.begin());
+        expect_same(column, refs);
+
+        // A copy, and a move onto a column that holds a small array of its own.
+        CifValueColumn copy = column;
+        expect_same(copy, refs);
+        CifValueColumn target(words.text.c_str());
+        for (std::size_t n = 0; n < 3; ++n) target.push_back(words.refs[n]);
+        target = std::move(copy);
+        expect_same(target, refs);
+
+        // Down to one value, none, and up past the small array again.
+        while (column.size() > 1) {
+            column.pop_back();
+            refs.pop_back();
+            expect_same(column, refs);
+        }
+        column.pop_back();
+        refs.pop_back();
+        EXPECT_TRUE(column.empty());
+        for (std::size_t n = 0; n < limit + 5; ++n) {
+            column.push_back(n % 5 == 0 ? added : words.refs[n]);
+            refs.push_back(n % 5 == 0 ? added : words.refs[n]);
+        }
+        expect_same(column, refs);
+        column.clear();
+        EXPECT_EQ(column.size(), 0u);
+        EXPECT_EQ(column.heap_bytes(), 0u);
+    }
+}
+
 }  // namespace
