@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
-// A block's symmetry items read once: symbols, number, operators and the group they form.
+// A block's symmetry items and cell read once: symbols, number, operators, group, cell.
 #include "cif/CifBlockSymmetry.hpp"
 
 #include <array>
 #include <cmath>
 #include <gemmi/symmetry.hpp>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <unordered_map>
 
 #include "cif/CifCheckValues.hpp"
 #include "cif/SpacegroupOperators.hpp"
@@ -66,6 +68,7 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
         for (std::size_t n = 0; n < item->size(); ++n) operators_.push_back(item->value_view(n));
         break;
     }
+    cif_check_read_cell(block, cell_);
 }
 
 CifBlockSymmetry::~CifBlockSymmetry() = default;
@@ -119,6 +122,25 @@ const gemmi::GroupOps* CifBlockSymmetry::operations_of_hall() const {
 
 const gemmi::SpaceGroup* CifBlockSymmetry::hall_setting() const {
     if (hall_.empty()) return nullptr;
+    // Each symbol as written with each number is looked up once per process
+    // (the answers point into the static tables).
+    static std::mutex mutex;
+    static std::unordered_map<std::string, const gemmi::SpaceGroup*> found;
+    std::string key = std::to_string(number_);
+    key += '\n';
+    key += hall_;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (auto known = found.find(key); known != found.end()) return known->second;
+    }
+    const gemmi::SpaceGroup* setting = tabulated_hall_setting();
+    std::lock_guard<std::mutex> lock(mutex);
+    if (found.size() >= 4096) found.clear();
+    found.emplace(std::move(key), setting);
+    return setting;
+}
+
+const gemmi::SpaceGroup* CifBlockSymmetry::tabulated_hall_setting() const {
     auto same = [](const std::string& written, const char* tabulated) {
         std::size_t i = 0;
         for (const char* p = tabulated; *p != '\0'; ++p) {

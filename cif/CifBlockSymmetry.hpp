@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A block's symmetry items read once: symbols, number, operators and the group they form.
+// A block's symmetry items and cell read once: symbols, number, operators, group, cell.
 #pragma once
 
 #include <memory>
@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cif/CifCheckValues.hpp"
 #include "cif/Spacegroup.hpp"
 
 class CifDataBlock;
@@ -68,13 +69,20 @@ public:
     // than 0.05 Angstrom apart along the axes are one); 0 when unknown.
     int multiplicity(const double xyz[3], const double cell_lengths[3]) const;
 
+    // The cell's lengths a, b, c and angles alpha, beta, gamma as
+    // cif_check_read_cell() reads them, read once for all the checks.
+    const CifReading* cell() const { return cell_; }
+
 private:
     struct Ops;
     std::string symbol_name_, symbol_, hall_name_, hall_, number_name_, operators_name_;
     int number_ = 0;
     std::vector<std::string_view> operators_;
+    CifReading cell_[6];
     // The process's entry for the list as written (its operations and group).
     const SpacegroupOperators& list() const;
+    // hall_setting() found in the tables.
+    const gemmi::SpaceGroup* tabulated_hall_setting() const;
     mutable std::shared_ptr<const SpacegroupOperators> list_;
     mutable std::unique_ptr<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;

@@ -38,7 +38,7 @@ std::string joined(const std::vector<std::string>& names) {
 
 CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
                                      const std::unordered_set<const CifDataItem*>* checked,
-                                     const Notes* notes)
+                                     const Notes* notes, CifLoopKeys* keys)
     : reporter_(reporter),
       dictionary_(reporter.dictionary()),
       sink_(reporter.sink()),
@@ -46,7 +46,8 @@ CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, boo
       values_(values),
       checked_(checked),
       notes_(notes),
-      keys_(dictionary_) {}
+      own_keys_(dictionary_),
+      keys_(keys != nullptr ? *keys : own_keys_) {}
 
 void CifBlockValidator::validate(const CifDataBlock& block) {
     linked_.clear();
@@ -92,7 +93,10 @@ std::string CifBlockValidator::suggestion(const std::string& name) const {
     const std::size_t letters = name.size() > 0 ? name.size() - 1 : 0;
     const int edits = letters >= 8 ? 2 : letters >= 4 ? 1 : 0;
     // Validation replies (_vrf_...) are meant to be undefined.
-    if (edits == 0 || cif_lowercase(name).find("_vrf") != std::string::npos) return {};
+    if (edits == 0) return {};
+    for (std::size_t at = 0; at + 4 <= name.size(); ++at) {
+        if (cif_iequals(std::string_view(name).substr(at, 4), "_vrf")) return {};
+    }
     const std::vector<CifDictionary::SimilarName> similar = dictionary_.similar_names(name, edits);
     if (similar.empty()) return {};
     // The nearest names only, at most three of them.
@@ -129,31 +133,45 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
 }
 
 void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
-    std::vector<std::string> replacements, present;
+    // Both lists are put together as they are found, without a list of names.
+    std::string replacements, present;
+    bool replaced = false;
+    auto append = [](std::string& list, const std::string& name) {
+        if (!list.empty()) list += ", ";
+        list += name;
+    };
     for (const CifItemDefinition::Related& related : definition.related) {
         if (!cif_iequals(related.function, "replace")) continue;
-        replacements.push_back(related.name);
+        replaced = true;
+        append(replacements, related.name);
         // The replacement may stand in the block under another of its names.
-        std::vector<std::string> names{related.name};
-        if (const CifItemDefinition* replacement = dictionary_.definition(related.name))
-            names.insert(names.end(), replacement->aliases.begin(), replacement->aliases.end());
-        for (const std::string& name : names) {
-            if (block_->find(name).is_null()) continue;
-            present.push_back(name);
+        if (!block_->find(related.name).is_null()) {
+            append(present, related.name);
+            continue;
+        }
+        const CifItemDefinition* replacement = dictionary_.definition(related.name);
+        if (replacement == nullptr) continue;
+        for (const std::string& alias : replacement->aliases) {
+            if (block_->find(alias).is_null()) continue;
+            append(present, alias);
             break;
         }
     }
-    if (replacements.empty()) return;
-    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), joined(replacements));
+    if (!replaced) return;
+    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), std::move(replacements));
     if (!present.empty())
-        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), joined(present));
+        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), std::move(present));
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
+    // A loop checked while read came with its definitions.
+    const std::vector<const CifItemDefinition*>* known = keys_.remembered_definitions(loop);
     std::vector<const CifItemDefinition*> definitions;
     definitions.reserve(loop.size());
-    for (const THandle<CifDataItem>& item : loop) {
-        const CifItemDefinition* definition = dictionary_.definition(item->name());
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const THandle<CifDataItem>& item = loop[i];
+        const CifItemDefinition* definition =
+            known != nullptr ? (*known)[i] : dictionary_.definition(item->name());
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
             sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(item->name()));
@@ -195,13 +213,13 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
 void CifBlockValidator::check_loop_keys(const CifDataBlock::ItemList& loop,
                                         const std::vector<const CifItemDefinition*>& definitions,
                                         const std::vector<std::string>& dropped) {
-    auto has = [&](std::string_view reference) {
+    auto has = [&](const std::string& reference) {
         if (loop_has(loop, reference) ||
             std::any_of(dropped.begin(), dropped.end(),
                         [&](const std::string& name) { return satisfies(name, reference); }))
             return true;
         // A column may give the item under another of its names.
-        const CifItemDefinition* wanted = dictionary_.definition(std::string(reference));
+        const CifItemDefinition* wanted = dictionary_.definition(reference);
         return wanted != nullptr &&
                std::find(definitions.begin(), definitions.end(), wanted) != definitions.end();
     };

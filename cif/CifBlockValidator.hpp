@@ -43,10 +43,11 @@ public:
     // checked were checked already (by the reader, while reading a loop);
     // rows from the damaged row of a loop on are left out of the key and
     // parent checks, whose findings there would only follow from the damage,
-    // and a loop does not lack a name it gave that was dropped.
+    // and a loop does not lack a name it gave that was dropped. keys, when
+    // given (the reader's), already knows the loops it was asked about.
     CifBlockValidator(CifValueReporter& reporter, bool names, bool values,
                       const std::unordered_set<const CifDataItem*>* checked = nullptr,
-                      const Notes* notes = nullptr);
+                      const Notes* notes = nullptr, CifLoopKeys* keys = nullptr);
 
     void validate(const CifDataBlock& block);
 
@@ -72,7 +73,8 @@ private:
     bool values_;
     const std::unordered_set<const CifDataItem*>* checked_;
     const Notes* notes_;
-    CifLoopKeys keys_;
+    CifLoopKeys own_keys_;
+    CifLoopKeys& keys_;
     const CifDataBlock* block_ = nullptr;
     // Items of the current block that name a parent, with their definitions
     // and the number of their rows that are checked.

@@ -72,8 +72,7 @@ CifCellContents::CifCellContents(const CifDataBlock& block, const CifBlockSymmet
     THandle<CifDataItem> xyz[3] = {cif_check_find(block, "_atom_site_fract_x"),
                                    cif_check_find(block, "_atom_site_fract_y"),
                                    cif_check_find(block, "_atom_site_fract_z")};
-    CifReading cell[6];
-    cif_check_read_cell(block, cell);
+    const CifReading* cell = symmetry.cell();
     const double lengths[3] = {cell[0].ok ? cell[0].value() : 10.0, cell[1].ok ? cell[1].value() : 10.0,
                                cell[2].ok ? cell[2].value() : 10.0};
     // Hydrogen atoms counted with the atom that carries them. They should be

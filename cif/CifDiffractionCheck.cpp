@@ -138,8 +138,7 @@ void CifDiffractionCheck::check_reflections() {
     CifReading theta = cif_check_read(block_, {"_diffrn_reflns_theta_max", "_diffrn_reflns.theta_max"});
     const double lambda = wavelength();
     if (!theta.ok || lambda <= 0.0 || theta.value() <= 0.0 || theta.value() >= 90.0) return;
-    CifReading cell[6];
-    cif_check_read_cell(block_, cell);
+    const CifReading* cell = symmetry_.cell();
     if (!std::all_of(cell, cell + 6, [](const CifReading& r) { return r.ok; })) return;
     double p[6];
     for (int i = 0; i < 6; ++i) p[i] = cell[i].value();

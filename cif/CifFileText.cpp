@@ -59,17 +59,22 @@ CifFileRead cif_read_file(const std::string& path, std::string& text, std::size_
     if (S_ISDIR(status.st_mode)) return CifFileRead::directory;
     if (!S_ISREG(status.st_mode)) return read_stream(file.fd, text, cap);
     // One byte more than the size, so that the first read usually meets the end.
-    text.resize(static_cast<std::size_t>(status.st_size) + 1);
+    const auto size = static_cast<std::size_t>(status.st_size);
+    text.resize(size + 1);
     std::size_t filled = 0;
     for (;;) {
         if (filled == text.size()) text.resize(text.size() * 2);
-        const long got = read_some(file.fd, text.data() + filled, text.size() - filled);
+        const std::size_t wanted = text.size() - filled;
+        const long got = read_some(file.fd, text.data() + filled, wanted);
         if (got < 0) {
             text.clear();
             return CifFileRead::read_error;
         }
         if (got == 0) break;
         filled += static_cast<std::size_t>(got);
+        // Short of what was asked at the size the file had: its end, with
+        // no read more to see it (the usual case, one read a file).
+        if (filled == size && static_cast<std::size_t>(got) < wanted) break;
     }
     text.resize(filled);
     return CifFileRead::read;

@@ -15,9 +15,10 @@ enum class CifFileRead {
 };
 
 // Reads a file whole into text. A regular file's size is taken from the
-// open file, then one read of that size and one more to see the end (a
-// file that grew meanwhile is read on to its end): far cheaper than a
-// stream for the many small files of a checking run. A device or a pipe,
+// open file, then one read of a byte more than that size, which ends it
+// when it comes back short at that size (a file that grew meanwhile is
+// read on to its end): far cheaper than a stream for the many small files
+// of a checking run. A device or a pipe,
 // which may never end (/dev/zero), is read up to `cap` bytes, and a read
 // error there ends its text.
 CifFileRead cif_read_file(const std::string& path, std::string& text, std::size_t cap);

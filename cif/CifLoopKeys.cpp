@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -42,7 +43,9 @@ std::string joined(const std::vector<std::string>& parts) {
 }
 
 // A hash of a value, eight bytes at a time (equal values, equal hashes).
-std::uint64_t quick_hash(std::string_view value) {
+// A value whose last word may be read whole (eight bytes readable from it,
+// up to end) reads it so and masks it, which is the same word.
+std::uint64_t quick_hash(std::string_view value, const char* end = nullptr) {
     std::uint64_t hash = value.size() * 0x9E3779B97F4A7C15ull;
     const char* p = value.data();
     std::size_t left = value.size();
@@ -54,7 +57,12 @@ std::uint64_t quick_hash(std::string_view value) {
     }
     if (left > 0) {
         std::uint64_t word = 0;
-        std::memcpy(&word, p, left);
+        if (end != nullptr && end - p >= 8 && std::endian::native == std::endian::little) {
+            std::memcpy(&word, p, 8);
+            word &= (std::uint64_t(1) << (8 * left)) - 1;
+        } else {
+            std::memcpy(&word, p, left);
+        }
         hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
     }
     hash ^= hash >> 29;
@@ -62,16 +70,12 @@ std::uint64_t quick_hash(std::string_view value) {
     return hash ^ (hash >> 32);
 }
 
-// Whether no two rows share a quick hash: a table of at least twice as
-// many slots as rows, probed in turn (a hash of 0 counts as 1, which at
-// worst sends a loop to the full search). The table is the caller's, kept
-// between loops.
-bool all_distinct(const std::vector<std::uint64_t>& hashes, std::vector<std::uint64_t>& slots) {
-    std::size_t size = 16;
-    while (size < 2 * hashes.size()) size *= 2;
-    slots.assign(size, 0);
-    for (std::uint64_t hash : hashes) {
-        hash += hash == 0;
+// Whether the hashes (none 0) are all different, in a table of the
+// caller's of at least twice as many slots, a power of two.
+bool all_distinct(const std::uint64_t* hashes, std::size_t count, std::uint64_t* slots, std::size_t size) {
+    std::fill(slots, slots + size, 0);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint64_t hash = hashes[i];
         std::size_t at = (hash ^ (hash >> 29)) & (size - 1);
         for (; slots[at] != 0; at = (at + 1) & (size - 1)) {
             if (slots[at] == hash) return false;
@@ -79,6 +83,18 @@ bool all_distinct(const std::vector<std::uint64_t>& hashes, std::vector<std::uin
         slots[at] = hash;
     }
     return true;
+}
+
+// Whether no two rows share a quick hash: a table of at least twice as
+// many slots as rows, probed in turn (a hash of 0 counts as 1, which at
+// worst sends a loop to the full search). The table is the caller's, kept
+// between loops.
+bool all_distinct(std::vector<std::uint64_t>& hashes, std::vector<std::uint64_t>& slots) {
+    std::size_t size = 16;
+    while (size < 2 * hashes.size()) size *= 2;
+    slots.resize(size);
+    for (std::uint64_t& hash : hashes) hash += hash == 0;
+    return all_distinct(hashes.data(), hashes.size(), slots.data(), size);
 }
 
 }  // namespace
@@ -115,11 +131,14 @@ std::vector<std::size_t> CifLoopKeys::named_key(const CifDataBlock::ItemList& lo
 
 std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
                                    const std::vector<const CifItemDefinition*>& definitions) {
-    std::vector<std::string> categories;
+    // The loop's categories in order of their first column (no copies: the
+    // definitions outlive the call).
+    std::vector<const std::string*> categories;
     for (const CifItemDefinition* definition : definitions) {
         if (definition == nullptr || definition->category.empty()) continue;
-        if (std::find(categories.begin(), categories.end(), definition->category) == categories.end())
-            categories.push_back(definition->category);
+        if (std::none_of(categories.begin(), categories.end(),
+                         [&](const std::string* category) { return *category == definition->category; }))
+            categories.push_back(&definition->category);
     }
     std::vector<Key> result;
     auto add = [&result](Key key) {
@@ -127,7 +146,8 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
         if (!key.empty() && std::find(result.begin(), result.end(), key) == result.end())
             result.push_back(std::move(key));
     };
-    for (const std::string& category : categories) {
+    for (const std::string* category_name : categories) {
+        const std::string& category = *category_name;
         if (Key key = named_key(loop, definitions, category); !key.empty()) {
             add(std::move(key));
             continue;
@@ -170,10 +190,38 @@ std::vector<Key> CifLoopKeys::keys(const CifDataBlock::ItemList& loop,
     return result;
 }
 
+const CifLoopKeys::Known* CifLoopKeys::known(const CifDataBlock::ItemList& loop) const {
+    for (const Known& entry : known_) {
+        if (entry.columns.size() == loop.size() &&
+            std::equal(loop.begin(), loop.end(), entry.columns.begin(),
+                       [](const THandle<CifDataItem>& a, const THandle<CifDataItem>& b) {
+                           return a.get() == b.get();
+                       }))
+            return &entry;
+    }
+    return nullptr;
+}
+
+const std::vector<Key>& CifLoopKeys::remembered_keys(
+    const CifDataBlock::ItemList& loop, const std::vector<const CifItemDefinition*>& definitions) {
+    if (const Known* entry = known(loop); entry != nullptr && entry->definitions == definitions)
+        return entry->keys;
+    // A block of very many loops keeps only its last ones.
+    if (known_.size() >= 64) known_.erase(known_.begin());
+    known_.push_back({loop, definitions, keys(loop, definitions)});
+    return known_.back().keys;
+}
+
+const std::vector<const CifItemDefinition*>* CifLoopKeys::remembered_definitions(
+    const CifDataBlock::ItemList& loop) const {
+    const Known* entry = known(loop);
+    return entry == nullptr ? nullptr : &entry->definitions;
+}
+
 void CifLoopKeys::check(const CifDataBlock::ItemList& loop,
                         const std::vector<const CifItemDefinition*>& definitions, std::size_t rows,
                         CifValueReporter& reporter, const std::vector<CifKeyOrder>& proven) {
-    for (const Key& key : keys(loop, definitions)) {
+    for (const Key& key : remembered_keys(loop, definitions)) {
         bool whole =
             std::all_of(key.begin(), key.end(), [&](std::size_t i) { return loop[i]->size() >= rows; });
         if (whole) check_key(loop, key, rows, proven, reporter);
@@ -183,6 +231,7 @@ void CifLoopKeys::check(const CifDataBlock::ItemList& loop,
 void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, std::size_t rows,
                             const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const {
     if (rows < 2) return;  // nothing can repeat
+    if (distinct_small_loop(loop, key, rows)) return;
     // Values straight from the text where they were read.
     const char* text = loop.front()->store()->text().data();
     auto view = [text](const CifDataItem& item, std::size_t row) {
@@ -319,6 +368,57 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
             group.swap(others);
         }
     }
+}
+
+bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const Key& key, std::size_t rows) {
+    constexpr std::size_t most_rows = 256, most_columns = 4;
+    if (rows > most_rows || key.size() > most_columns) return false;
+    const std::string& whole = loop.front()->store()->text();
+    const char* text = whole.data();
+    const char* end = text + whole.size();
+    const CifDataItem* columns[most_columns];
+    bool symmetry[most_columns];
+    for (std::size_t k = 0; k < key.size(); ++k) {
+        columns[k] = loop[key[k]].get();
+        symmetry[k] = columns[k]->name().find("_site_symmetry_") != std::string::npos;
+    }
+    // One hash a row over its key values, a small integer hashed by its
+    // number: rows the checks below would take as equal, by their texts or
+    // (all values being such integers) by their numbers, hash alike.
+    std::uint64_t hashes[most_rows];
+    std::size_t count = 0;
+    for (std::size_t row = 0; row < rows; ++row) {
+        std::uint64_t hash = 1469598103934665603ull;
+        bool keyed = true;
+        for (std::size_t k = 0; k < key.size() && keyed; ++k) {
+            const CifDataItem& item = *columns[k];
+            const CifValueRef ref = item.values()[row];
+            const std::string_view value =
+                ref.added() ? item.value_view(row) : std::string_view(text + ref.offset, ref.length());
+            // Rows without a key value are left out, as the full check does.
+            const bool null = value.size() == 1 && (value[0] == '?' || value[0] == '.') && !ref.quoted();
+            keyed = !null || (symmetry[k] && value[0] == '.');
+            std::int64_t number = 0;
+            const std::uint64_t part = CifKeyOrder::small_integer(value, number)
+                                           ? static_cast<std::uint64_t>(number) * 0x9E3779B97F4A7C15ull
+                                           : quick_hash(value, ref.added() ? nullptr : end) | 1;
+            hash = (hash ^ part) * 1099511628211ull;
+        }
+        if (keyed) hashes[count++] = hash + (hash == 0);
+    }
+    // A few rows are compared pair by pair, without a table to clear.
+    if (count <= 16) {
+        for (std::size_t i = 1; i < count; ++i) {
+            for (std::size_t j = 0; j < i; ++j) {
+                if (hashes[i] == hashes[j]) return false;
+            }
+        }
+        return true;
+    }
+    std::uint64_t slots[2 * most_rows];
+    std::size_t size = 16;
+    while (size < 2 * count) size *= 2;
+    return all_distinct(hashes, count, slots, size);
 }
 
 bool CifLoopKeys::report(const CifDataBlock::ItemList& loop, const Key& key, std::size_t row,

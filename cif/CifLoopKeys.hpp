@@ -30,6 +30,18 @@ public:
     std::vector<std::vector<std::size_t>> keys(const CifDataBlock::ItemList& loop,
                                                const std::vector<const CifItemDefinition*>& definitions);
 
+    // The same, worked out once per loop (the same columns, the same items)
+    // until forget(): a reader asks about a loop while reading it and again
+    // when its block is checked. The loop's definitions are kept with them.
+    // The keys stay valid until the next call.
+    const std::vector<std::vector<std::size_t>>& remembered_keys(
+        const CifDataBlock::ItemList& loop, const std::vector<const CifItemDefinition*>& definitions);
+    // The definitions a loop of these very columns came with, or null.
+    const std::vector<const CifItemDefinition*>* remembered_definitions(
+        const CifDataBlock::ItemList& loop) const;
+    // Lets go of the loops remembered (at the end of a block).
+    void forget() { known_.clear(); }
+
     // Reports each key value (359) or combination of values (369) that
     // repeats in rows [0, rows), once, on the line of its first repetition.
     // Rows with an unknown or inapplicable key value are left out, and so
@@ -48,6 +60,10 @@ private:
                                        const std::string& category) const;
     void check_key(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key, std::size_t rows,
                    const std::vector<CifKeyOrder>& proven, CifValueReporter& reporter) const;
+    // Whether a loop of a few rows holds each key once, told without
+    // allocating; false when it may not (the full check then decides).
+    static bool distinct_small_loop(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key,
+                                    std::size_t rows);
     // Reports the key values of the row; false once the sink keeps no more.
     static bool report(const CifDataBlock::ItemList& loop, const std::vector<std::size_t>& key,
                        std::size_t row, CifValueReporter& reporter);
@@ -55,6 +71,14 @@ private:
     const CifDictionary& dictionary_;
     // Categories whose facts the dictionary does not keep.
     std::unordered_map<std::string, CifCategoryFacts> gathered_;
+    // Loops asked about since forget(), with handles of their columns.
+    struct Known {
+        CifDataBlock::ItemList columns;
+        std::vector<const CifItemDefinition*> definitions;
+        std::vector<std::vector<std::size_t>> keys;
+    };
+    const Known* known(const CifDataBlock::ItemList& loop) const;
+    std::vector<Known> known_;
     // Scratch of check_key(), kept from loop to loop.
     mutable std::vector<std::uint64_t> hashes_, slots_;
 };

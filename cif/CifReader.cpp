@@ -304,9 +304,13 @@ void CifReader::validate(const CifDataBlock& block) {
     const THandle<CifDictionary>& dictionary = cif_.dictionary_;
     if (dictionary.is_null() || !dictionary->has_definitions()) return;
     if (!settings_.check_data_names && !settings_.check_values) return;
+    // The validator takes the keys and definitions of the loops checked
+    // while read from the reader's own, which then lets go of them.
+    if (loop_keys_ == nullptr) loop_keys_ = std::make_unique<CifLoopKeys>(*dictionary);
     CifBlockValidator(reporter(), settings_.check_data_names, settings_.check_values, &checked_loops_,
-                      &loop_notes_)
+                      &loop_notes_, loop_keys_.get())
         .validate(block);
+    loop_keys_->forget();
 }
 
 std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& block,
@@ -314,6 +318,7 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
     if (!checks_values()) return nullptr;
     auto checker = std::make_unique<CifLoopChecker>(reporter(), store_->text().data(), store_->text().size());
     std::vector<const CifItemDefinition*> definitions;
+    definitions.reserve(columns.size());
     std::vector<bool> taken(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string& name = columns[i]->name();
@@ -322,9 +327,12 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
         for (std::size_t j = 0; j < i && !taken[i]; ++j) taken[i] = cif_iequals(columns[j]->name(), name);
         if (!taken[i]) checker->add(*columns[i], definitions[i]);
     }
-    if (checker->empty()) return nullptr;
+    // The block's check takes the keys and definitions from here, even of a
+    // loop with no column to check while read.
     if (loop_keys_ == nullptr) loop_keys_ = std::make_unique<CifLoopKeys>(*cif_.dictionary_);
-    for (const std::vector<std::size_t>& key : loop_keys_->keys(columns, definitions)) {
+    const std::vector<std::vector<std::size_t>>& keys = loop_keys_->remembered_keys(columns, definitions);
+    if (checker->empty()) return nullptr;
+    for (const std::vector<std::size_t>& key : keys) {
         std::vector<const CifDataItem*> key_columns;
         for (std::size_t i : key) key_columns.push_back(taken[i] ? nullptr : columns[i].get());
         if (std::find(key_columns.begin(), key_columns.end(), nullptr) == key_columns.end())

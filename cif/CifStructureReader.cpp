@@ -12,6 +12,7 @@
 #include "cif/CifNames.hpp"
 #include "cif/CifNumber.hpp"
 #include "cif/Spacegroup.hpp"
+#include "cif/SpacegroupOperators.hpp"
 
 namespace {
 
@@ -256,9 +257,7 @@ bool CifStructureReader::symmetry_from_operators(CifStructure& structure) {
         const std::string text = text_at(item, row);
         if (text.empty()) continue;
         try {
-            gemmi::Op op = gemmi::parse_triplet(text);
-            if (op.det_rot() == 0) throw std::runtime_error("singular");
-            ops.push_back(op);
+            ops.push_back(SpacegroupOperators::read_triplet(text));  // guards against overflow
         } catch (const std::exception&) {
             structure.notes_.push_back("symmetry operator '" + text + "' not readable");
             return false;

@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
+#include <functional>
+#include <string_view>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "cif/CifBlockNameFilter.hpp"
 #include "cif/CifBlockSymmetry.hpp"
@@ -38,6 +41,40 @@ std::string format(const Reading& reading) { return format(reading.value(), read
 
 std::string lower(std::string text) { return cif_lowercase(text); }
 
+// The atom-site labels of a block and the row of each, as written: one
+// table of open addressing instead of a node per label.
+class SiteLabels {
+public:
+    explicit SiteLabels(std::size_t count) {
+        std::size_t size = 16;
+        while (size < 2 * count) size *= 2;
+        slots_.resize(size);
+    }
+    // The row kept for the label, the given row when it is new (then true).
+    std::pair<std::size_t*, bool> insert(std::string_view label, std::size_t row) {
+        Slot& slot = slots_[index_of(label)];
+        if (slot.used) return {&slot.row, false};
+        slot = {label, row, true};
+        return {&slot.row, true};
+    }
+    bool contains(std::string_view label) const { return slots_[index_of(label)].used; }
+
+private:
+    struct Slot {
+        std::string_view label;
+        std::size_t row = 0;
+        bool used = false;
+    };
+    // The label's slot, or the free one where it would go.
+    std::size_t index_of(std::string_view label) const {
+        const std::size_t mask = slots_.size() - 1;
+        std::size_t at = std::hash<std::string_view>()(label) & mask;
+        while (slots_[at].used && slots_[at].label != label) at = (at + 1) & mask;
+        return at;
+    }
+    std::vector<Slot> slots_;
+};
+
 }  // namespace
 
 ORMACifConsistencyChecker::ORMACifConsistencyChecker(THandle<Cif> cif) : cif_(cif) {}
@@ -64,9 +101,9 @@ void ORMACifConsistencyChecker::check_block(const CifDataBlock& block) {
     const CifBlockNameFilter::Scope scope(names);
     // Every check of the block asks this one for its space group.
     CifBlockSymmetry symmetry(block);
-    check_cell(block);
+    check_cell(block, symmetry);
     check_chemistry(block, symmetry);
-    check_crystal_system(block);
+    check_crystal_system(block, symmetry);
     check_space_group(block, symmetry);
     check_order(block);
     check_counts(block);
@@ -80,12 +117,10 @@ void ORMACifConsistencyChecker::add(CifError::ErrorID id, const CifDataBlock& bl
     findings_->add(id, block, name, detail);
 }
 
-void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block) {
-    Reading cell[6];
-    cif_check_read_cell(block, cell);
+void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block, const CifBlockSymmetry& symmetry) {
+    const Reading* cell = symmetry.cell();
     Reading volume = read(block, {"_cell_volume", "_cell.volume"});
-    if (!volume.ok || !std::all_of(std::begin(cell), std::end(cell), [](const Reading& r) { return r.ok; }))
-        return;
+    if (!volume.ok || !std::all_of(cell, cell + 6, [](const Reading& r) { return r.ok; })) return;
     double p[6];
     for (int i = 0; i < 6; ++i) p[i] = cell[i].value();
     double calculated = cif_check_cell_volume(p);
@@ -192,7 +227,8 @@ void ORMACifConsistencyChecker::check_refinement(const CifDataBlock& block,
 
 void ORMACifConsistencyChecker::check_publication() { CifPublicationCheck(*cif_, *findings_).check(); }
 
-void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block) {
+void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
+                                                     const CifBlockSymmetry& symmetry) {
     auto [system_name, system_text] = cif_check_text(
         block, {"_symmetry_cell_setting", "_space_group_crystal_system", "_space_group.crystal_system"});
     std::string system = lower(system_text);
@@ -216,9 +252,8 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block) 
         }
     }
 
-    Reading cell[6];
-    cif_check_read_cell(block, cell);
-    if (!std::all_of(std::begin(cell), std::end(cell), [](const Reading& r) { return r.ok; })) return;
+    const Reading* cell = symmetry.cell();
+    if (!std::all_of(cell, cell + 6, [](const Reading& r) { return r.ok; })) return;
     // Values fixed by symmetry are written without uncertainty; a small
     // slack covers their rounding.
     auto same = [&](int i, int j) {
@@ -317,20 +352,19 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
         return definition != nullptr && (!definition->list_link_parent.empty() || definition->list_mandatory);
     };
     // Labels are compared as written, as views of the block's values.
-    std::unordered_map<std::string_view, std::size_t> rows;
     const std::size_t sound_sites = findings_->sound_rows(block, *sites);
-    rows.reserve(sound_sites);
+    SiteLabels rows(sound_sites);
     bool keyed = linked(sites->name());
     for (std::size_t n = 0; n < sound_sites; ++n) {
         const std::string_view label = sites->value_view(n);
         if (is_unknown(label)) continue;
-        auto [found, inserted] = rows.emplace(label, n);
+        auto [found, inserted] = rows.insert(label, n);
         // Each repeated label once, on the line of its first repetition.
-        if (!inserted && !keyed && found->second != static_cast<std::size_t>(-1)) {
+        if (!inserted && !keyed && *found != static_cast<std::size_t>(-1)) {
             findings_->add(CifError(CifError::duplicate_key_value,
                                     findings_->value_line(block, sites->name(), n), sites->name(),
                                     std::string(label)));
-            found->second = static_cast<std::size_t>(-1);
+            *found = static_cast<std::size_t>(-1);
         }
     }
     static const char* const children[] = {
@@ -353,7 +387,7 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
         const std::size_t sound = findings_->sound_rows(block, *item);
         for (std::size_t n = 0; n < sound; ++n) {
             const std::string_view label = item->value_view(n);
-            if (is_unknown(label) || rows.count(label) != 0 || !reported.insert(label).second) continue;
+            if (is_unknown(label) || rows.contains(label) || !reported.insert(label).second) continue;
             findings_->add(CifError(CifError::parent_value_missing,
                                     findings_->value_line(block, item->name(), n), item->name(),
                                     std::string(label)));

@@ -44,9 +44,9 @@ public:
 
 private:
     void check_block(const CifDataBlock& block);
-    void check_cell(const CifDataBlock& block);
+    void check_cell(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
     void check_chemistry(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
-    void check_crystal_system(const CifDataBlock& block);
+    void check_crystal_system(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
     void check_space_group(const CifDataBlock& block, const CifBlockSymmetry& symmetry);
     void check_order(const CifDataBlock& block);
     void check_counts(const CifDataBlock& block);

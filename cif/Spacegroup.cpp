@@ -179,9 +179,7 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
             if (triplet.size() >= 2 && (triplet.front() == '\'' || triplet.front() == '"') &&
                 triplet.back() == triplet.front())
                 triplet = triplet.substr(1, triplet.size() - 2);
-            gemmi::Op op = gemmi::parse_triplet(triplet);
-            if (op.det_rot() == 0) throw std::runtime_error("singular operator");
-            ops.push_back(op.wrap());
+            ops.push_back(SpacegroupOperators::read_triplet(triplet));
         }
     } catch (const std::exception&) {
         unknown.readable = false;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <gemmi/symmetry.hpp>
+#include <limits>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -25,9 +26,7 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& o
     std::vector<gemmi::Op> ops;
     try {
         for (const std::string& text : operators) {
-            gemmi::Op op = gemmi::parse_triplet(trimmed(text));
-            if (op.det_rot() == 0) return nullptr;
-            ops.push_back(op.wrap());
+            ops.push_back(SpacegroupOperators::read_triplet(trimmed(text)));
         }
     } catch (const std::exception&) {
         return nullptr;
@@ -48,7 +47,22 @@ struct Lists {
     std::atomic<std::size_t> lookups{0}, misses{0};
 };
 
-// A hash of the texts in order, each with its length, eight bytes at a time.
+// The bytes of a text of 1 to 8 bytes as one word, read without a loop:
+// two overlapping halves, or three bytes of a short one.
+std::uint64_t short_word(const char* p, std::size_t size) {
+    if (size >= 4) {
+        std::uint32_t first, last;
+        std::memcpy(&first, p, 4);
+        std::memcpy(&last, p + size - 4, 4);
+        return (std::uint64_t(first) << 32) | last;
+    }
+    return (std::uint64_t(static_cast<unsigned char>(p[0])) << 16) |
+           (std::uint64_t(static_cast<unsigned char>(p[size >> 1])) << 8) |
+           static_cast<unsigned char>(p[size - 1]);
+}
+
+// A hash of the texts in order, each with its length, eight bytes at a time
+// (the last eight of a text read whole, overlapping the word before).
 std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
     std::uint64_t hash = texts.size() * 0x9E3779B97F4A7C15ull;
     auto mix = [&hash](std::uint64_t word) {
@@ -56,19 +70,22 @@ std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
         hash ^= hash >> 32;
     };
     for (std::string_view text : texts) {
-        mix(text.size());
         const char* p = text.data();
-        std::size_t left = text.size();
-        for (; left >= 8; p += 8, left -= 8) {
-            std::uint64_t word;
-            std::memcpy(&word, p, 8);
-            mix(word);
+        const std::size_t size = text.size();
+        std::uint64_t word = size;
+        if (size > 0 && size <= 8) {
+            word ^= short_word(p, size) * 0xC4CEB9FE1A85EC53ull;
+        } else if (size > 8) {
+            for (std::size_t at = 0; at + 8 < size; at += 8) {
+                std::uint64_t part;
+                std::memcpy(&part, p + at, 8);
+                mix(part);
+            }
+            std::uint64_t last;
+            std::memcpy(&last, p + size - 8, 8);
+            word ^= last * 0x9E3779B97F4A7C15ull;
         }
-        if (left > 0) {
-            std::uint64_t word = 0;
-            std::memcpy(&word, p, left);
-            mix(word);
-        }
+        mix(word);
     }
     return hash;
 }
@@ -79,6 +96,33 @@ Lists& lists() {
 }
 
 }  // namespace
+
+gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
+    // Every number of the text times the denominator of the operations, all
+    // added up, must stay an int: the reading adds them in ints.
+    constexpr long long most = std::numeric_limits<int>::max() / 2;
+    long long sum = 0;
+    for (std::size_t i = 0; i < triplet.size();) {
+        if (triplet[i] < '0' || triplet[i] > '9') {
+            ++i;
+            continue;
+        }
+        long long value = 0;
+        for (; i < triplet.size() && triplet[i] >= '0' && triplet[i] <= '9'; ++i)
+            value = std::min(value * 10 + (triplet[i] - '0'), most);
+        sum = std::min(sum + value * gemmi::Op::DEN, most);
+    }
+    if (sum >= most) throw std::runtime_error("numbers out of range");
+    gemmi::Op op = gemmi::parse_triplet(triplet);
+    // A determinant of entries up to 700 stays within an int.
+    for (const auto& row : op.rot) {
+        for (int entry : row) {
+            if (entry > 700 || entry < -700) throw std::runtime_error("factors out of range");
+        }
+    }
+    if (op.det_rot() == 0) throw std::runtime_error("singular operator");
+    return op.wrap();
+}
 
 SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) {
     std::size_t size = 0;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <gemmi/symmetry.hpp>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -23,6 +24,12 @@ struct GroupOps;
 // Entries are shared between threads and outlive the blocks that asked.
 class SpacegroupOperators {
 public:
+    // A triplet ("x, y+1/2, -z") read as an operation, wrapped into the
+    // cell; throws when it cannot be read or is singular. Numbers too large
+    // for the reading's integers, and factors of x, y or z whose
+    // determinant would overflow, make it unreadable rather than wrong.
+    static gemmi::Op read_triplet(const std::string& triplet);
+
     // The entry of the list (texts as the values give them).
     static std::shared_ptr<const SpacegroupOperators> of(const std::vector<std::string_view>& texts);
 

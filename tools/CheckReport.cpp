@@ -142,7 +142,8 @@ void CheckReport::add(const FileCheckResult& result) {
     // a data name would drive the user's terminal. A file's lines are put
     // together first and written at once.
     const std::string file = terminal_text(result.file);
-    std::string lines;
+    std::string& lines = lines_;
+    lines.clear();
     lines.reserve((file.size() + 96) * (result.messages.size() + 1));
     for (const CifError& message : result.messages) {
         lines += file;
@@ -171,6 +172,8 @@ void CheckReport::add(const FileCheckResult& result) {
     lines += counted(result.remarks, "remark", "remarks");
     lines += '\n';
     out_.write(lines.data(), static_cast<std::streamsize>(lines.size()));
+    // A file of very many messages does not keep its room for the rest.
+    if (lines.capacity() > (std::size_t(1) << 20)) std::string().swap(lines);
 }
 
 void CheckReport::end() {

@@ -34,4 +34,7 @@ private:
     long warnings_ = 0;
     long remarks_ = 0;
     long unreadable_ = 0;
+    // A file's lines, put together here and written at once (kept from file
+    // to file, so that a file's report costs no allocation).
+    std::string lines_;
 };

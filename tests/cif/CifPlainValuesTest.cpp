@@ -31,8 +31,9 @@ void check_loop(unsigned seed, int version) {
         int kind = choice(random);
         std::string value;
         if (kind < 4) {
-            value = "'q " + std::to_string(n) + "'";  // quoted: the slow path, then back
-            expected.push_back({"q " + std::to_string(n), line});
+            const std::string quoted = "q " + std::to_string(n);
+            value.append(1, '\'').append(quoted).append(1, '\'');  // quoted: the slow path, then back
+            expected.push_back({quoted, line});
         } else {
             int size = length(random);
             for (int i = 0; i < size; ++i)
@@ -151,7 +152,10 @@ TEST(CifPlainValues, OddBytesAndLongLinesAreFoundWhereverTheyFallAgainstTheWindo
             for (const char* head : {"data_x", "loop_", "_a", "_b"}) lines.push_back(head);
             const int first_row = static_cast<int>(lines.size()) + 1;
             lines.push_back("1 2");
-            lines.push_back("3" + std::string(static_cast<std::size_t>(shift) + 1, ' ') + "4");
+            std::string spaced(static_cast<std::size_t>(shift) + 3, ' ');
+            spaced.front() = '3';
+            spaced.back() = '4';
+            lines.push_back(spaced);
             for (int row = first_row + 2; row < first_row + 60; ++row) {
                 std::string left = std::to_string(row) + ".5";
                 if (row == first_row + 20) left = "7" + c.odd + "7";

@@ -631,6 +631,49 @@ TEST(CifLoopKeys, KeysComeFromReferencesFamiliesAndMandatoryItemsOfTheCoreDictio
     for (const auto& [columns, keys] : cases) EXPECT_EQ(core_keys(columns), keys) << columns.front();
 }
 
+TEST(CifLoopKeys, RemembersEachLoopByItsOwnColumnsUntilToldToForget) {
+    if (cif_test::core_dictionary().is_null())
+        GTEST_SKIP() << "the IUCr core dictionary is not at " << cif_test::core_dictionary_path();
+    const CifDictionary& dictionary = *cif_test::core_dictionary();
+    struct Loop {
+        CifDataBlock::ItemList columns;
+        std::vector<const CifItemDefinition*> definitions;
+    };
+    auto loop_of = [&](const Names& names) {
+        Loop loop;
+        for (const std::string& name : names) {
+            loop.columns.push_back(THandle<CifDataItem>(new CifDataItem(name)));
+            loop.definitions.push_back(dictionary.definition(name));
+        }
+        return loop;
+    };
+    // The same columns in another order, one column more, and the same
+    // names again as other items: each is a loop of its own.
+    const Loop loops[] = {
+        loop_of({"_refln_index_h", "_refln_index_k", "_refln_index_l", "_refln_F_squared_meas"}),
+        loop_of({"_refln_F_squared_meas", "_refln_index_l", "_refln_index_k", "_refln_index_h"}),
+        loop_of({"_refln_F_squared_calc", "_refln_index_h", "_refln_index_k", "_refln_index_l",
+                 "_refln_F_squared_meas"}),
+        loop_of({"_refln_index_h", "_refln_index_k", "_refln_index_l", "_refln_F_squared_meas"}),
+        loop_of({"_refln_index_h", "_refln_index_k", "_refln_F_squared_meas"}),
+    };
+    const std::vector<std::vector<std::size_t>> expected[] = {
+        {{0, 1, 2}}, {{1, 2, 3}}, {{1, 2, 3}}, {{0, 1, 2}}, {}};
+    CifLoopKeys keys(dictionary);
+    for (int round = 0; round < 2; ++round) {
+        for (std::size_t i = 0; i < std::size(loops); ++i) {
+            EXPECT_EQ(keys.remembered_keys(loops[i].columns, loops[i].definitions), expected[i])
+                << round << i;
+            const auto* definitions = keys.remembered_definitions(loops[i].columns);
+            ASSERT_NE(definitions, nullptr) << i;
+            EXPECT_EQ(*definitions, loops[i].definitions) << i;
+        }
+    }
+    keys.forget();
+    EXPECT_EQ(keys.remembered_definitions(loops[0].columns), nullptr);
+    EXPECT_EQ(keys.remembered_keys(loops[1].columns, loops[1].definitions), expected[1]);
+}
+
 }  // namespace
 
 namespace {
@@ -665,6 +708,36 @@ TEST(CifValidation, ReflectionKeysInAnyOrderAndOfAnySizeAreFoundRepeatedOnce) {
         {"an unknown index identifies nothing", reflections({"? 0 0", "1 0 0", "? 0 0", "0 1 0"}), {}},
     };
     for (const Case& c : cases) expect_messages(c);
+}
+
+TEST(CifValidation, KeysRepeatedOrNotAreToldApartAtEveryLoopSize) {
+    // Loops of a few rows are told distinct apart from larger ones: around
+    // each size where the way changes, with a repetition on the last row
+    // and without, as text and as numbers written two ways.
+    for (const int rows : {2, 16, 17, 100, 255, 256, 257, 600}) {
+        for (const bool repeated : {false, true}) {
+            std::string types = "data_a\nloop_\n_atom_type_symbol\n";
+            std::string indices = reflections({});
+            for (int row = 0; row < rows; ++row) {
+                const bool last = repeated && row == rows - 1;
+                types += 'T';
+                types += std::to_string(last ? 0 : row);
+                types += '\n';
+                if (last) {
+                    indices += "+0 0 0 1.5\n";
+                } else {
+                    indices += std::to_string(row);
+                    indices += " 0 ";
+                    indices += std::to_string(row % 3);
+                    indices += " 1.5\n";
+                }
+            }
+            const Messages none;
+            EXPECT_EQ(messages(*read_checked(types)), repeated ? (Messages{{359, 3 + rows}}) : none) << rows;
+            EXPECT_EQ(messages(*read_checked(indices)), repeated ? (Messages{{369, 6 + rows}}) : none)
+                << rows;
+        }
+    }
 }
 
 }  // namespace

@@ -105,6 +105,14 @@ TEST(Spacegroup, OperatorsThatFormNoGroupOrCannotBeReadGiveUnknown) {
     EXPECT_EQ(incomplete.symbol(), "Unknown");
     EXPECT_EQ(Spacegroup({}).symbol(), "Unknown");
     EXPECT_EQ(Spacegroup({"x,y,z", "0,0,0"}).symbol(), "Unknown");  // a singular matrix
+    // Numbers beyond what the reading's integers hold, or factors whose
+    // determinant would overflow, are unreadable; a far translation is not.
+    for (const char* beyond : {"-x+99999999999999999999,-y,-z", "-x+2000000000,-y,-z",
+                               "-x+99999999/2+99999999/2,-y,-z", "-1000*x,-y,-z"}) {
+        EXPECT_FALSE(Spacegroup({"x,y,z", beyond}).operators_readable()) << beyond;
+        EXPECT_EQ(SpacegroupOperators::of({"x,y,z", beyond})->operations(), nullptr) << beyond;
+    }
+    EXPECT_EQ(Spacegroup({"x,y,z", "-x+1000,-y,-z"}).symbol(), "P -1");
 }
 
 TEST(Spacegroup, OperatorsSeenBeforeInAnyOrderOrFormAreTakenFromTheCache) {
