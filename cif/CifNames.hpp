@@ -17,12 +17,37 @@ inline std::string cif_lowercase(std::string_view text) {
     return result;
 }
 
+// Eight bytes with their capitals A-Z made small letters, all at once:
+// per byte, a high bit where the byte is at least "A" and not above "Z"
+// (bytes with their own high bit set are left as they are), shifted down
+// to the 0x20 bit that tells a capital from its small letter.
+inline std::uint64_t cif_lower_word(std::uint64_t word) {
+    constexpr std::uint64_t ones = 0x0101010101010101ull;
+    const std::uint64_t low_seven = word & (0x7F * ones);
+    const std::uint64_t from_a = low_seven + (0x80 - 'A') * ones;
+    const std::uint64_t beyond_z = low_seven + (0x80 - 'Z' - 1) * ones;
+    const std::uint64_t capitals = from_a & ~beyond_z & ~word & (0x80 * ones);
+    return word | (capitals >> 2);
+}
+
 inline bool cif_iequals(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (cif_lower(a[i]) != cif_lower(b[i])) return false;
+    const char* p = a.data();
+    const char* q = b.data();
+    std::size_t left = a.size();
+    for (; left >= 8; p += 8, q += 8, left -= 8) {
+        std::uint64_t x;
+        std::uint64_t y;
+        std::memcpy(&x, p, 8);
+        std::memcpy(&y, q, 8);
+        if (x != y && cif_lower_word(x) != cif_lower_word(y)) return false;
     }
-    return true;
+    if (left == 0) return true;
+    std::uint64_t x = 0;
+    std::uint64_t y = 0;
+    std::memcpy(&x, p, left);
+    std::memcpy(&y, q, left);
+    return x == y || cif_lower_word(x) == cif_lower_word(y);
 }
 
 inline bool cif_istarts_with(std::string_view text, std::string_view prefix) {

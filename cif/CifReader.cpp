@@ -265,6 +265,10 @@ bool CifReader::comments_for_target() const {
 void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentType type) {
     std::vector<CifComment>& comments = lexer_->comments();
     if (comments.empty()) return;
+    // The target's lines are joined first and added once: adding them one
+    // by one copies what it holds again for every line.
+    std::string_view lone;
+    std::string joined;
     for (const CifComment& comment : comments) {
         std::string_view text(comment.begin, comment.length);
         if (trails_last_item(comment)) {
@@ -273,10 +277,16 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
             } else {
                 last_item_->append_comments(text, CifCommentable::trailing_comment);
             }
-        } else if (target != nullptr) {
-            target->append_comments(text, type);
+        } else if (target != nullptr && !text.empty()) {
+            if (lone.data() == nullptr) {
+                lone = text;
+                continue;
+            }
+            if (joined.empty()) joined.append(lone);
+            joined.append(1, '\n').append(text);
         }
     }
+    if (lone.data() != nullptr) target->append_comments(joined.empty() ? lone : std::string_view(joined), type);
     comments.clear();
 }
 

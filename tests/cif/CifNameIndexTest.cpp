@@ -68,3 +68,31 @@ TEST(CifNameIndex, NamesEqualButForCaseHashAlike) {
 }
 
 }  // namespace
+
+// Names are compared eight bytes at a time: every pair of bytes at every
+// place of a word and of the tail must agree with the comparison a byte at a
+// time (letters ignore case; "@", "[", "`", "{" and bytes above 0x7F do not).
+TEST(CifNameIndex, NamesCompareAsCharacterByCharacterIgnoringCase) {
+    auto one_by_one = [](std::string_view a, std::string_view b) {
+        if (a.size() != b.size()) return false;
+        for (std::size_t i = 0; i < a.size(); ++i)
+            if (cif_lower(a[i]) != cif_lower(b[i])) return false;
+        return true;
+    };
+    for (std::size_t length : {1u, 7u, 8u, 9u, 16u, 21u}) {
+        for (std::size_t at : {std::size_t(0), length / 2, length - 1}) {
+            std::string a(length, '_');
+            std::string b(length, '_');
+            for (int x = 0; x < 256; ++x) {
+                for (int y = 0; y < 256; ++y) {
+                    a[at] = static_cast<char>(x);
+                    b[at] = static_cast<char>(y);
+                    ASSERT_EQ(cif_iequals(a, b), one_by_one(a, b)) << length << " " << at << " " << x << " " << y;
+                }
+            }
+        }
+    }
+    EXPECT_TRUE(cif_iequals("_Symmetry_Equiv_Pos_As_XYZ", "_symmetry_equiv_pos_as_xyz"));
+    EXPECT_FALSE(cif_iequals("_cell_length_a", "_cell_length_a_"));
+    EXPECT_FALSE(cif_iequals(std::string_view("_a\0b", 4), std::string_view("_a\0c", 4)));
+}
