@@ -14,6 +14,7 @@ void cif_read_dictionary_text(Cif& cif, std::string text, const THandle<CifError
     settings.check_values = false;
     settings.allow_save_frames = true;
     settings.max_name_length = 0;  // dictionaries define names of any length
+    settings.items_as_records = false;  // the dictionary's reader walks every item
     cif.read_text(std::move(text), settings);
     for (const CifError& problem : *cif.errors()) {
         if (problem.type() == CifError::error && !errors.is_null()) {

@@ -24,4 +24,8 @@ struct CifParserSettings {
     std::size_t max_token_size = std::size_t(256) << 20;
     // Messages recorded before the rest are dropped (code 366).
     std::size_t max_messages = 10000;
+    // Unlooped items nothing checks while reading may stay small records
+    // until something asks for them; a reader that then walks every item
+    // (a dictionary's) saves the second step by asking for objects at once.
+    bool items_as_records = true;
 };

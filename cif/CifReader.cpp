@@ -96,8 +96,9 @@ void CifReader::read(std::string text) {
     cif_.version_ = version_;
     {
         const THandle<CifDictionary>& dictionary = cif_.dictionary_;
-        records_ = dictionary.is_null() || !dictionary->has_definitions() ||
-                   (!settings_.check_data_names && !settings_.check_values);
+        records_ = settings_.items_as_records &&
+                   (dictionary.is_null() || !dictionary->has_definitions() ||
+                    (!settings_.check_data_names && !settings_.check_values));
     }
 
     // Characters and line lengths are checked as the text is read: the

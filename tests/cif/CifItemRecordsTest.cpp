@@ -15,12 +15,15 @@ namespace {
 using cif_test::ListDictionary;
 
 // Reads the text with a dictionary: checked against it (the reader makes
-// every item at once) or not (unlooped items stay records).
-THandle<Cif> read_with(const std::string& text, const THandle<CifDictionary>& dictionary, bool checked) {
+// every item at once) or not (unlooped items stay records unless the
+// settings ask for objects).
+THandle<Cif> read_with(const std::string& text, const THandle<CifDictionary>& dictionary, bool checked,
+                       bool records = true) {
     CifParserSettings settings;
     settings.allow_save_frames = true;
     settings.check_data_names = checked;
     settings.check_values = checked;
+    settings.items_as_records = records;
     return cif_test::read(text, settings, dictionary);
 }
 
@@ -104,10 +107,16 @@ TEST(CifItemRecords, ItemsMadeFromRecordsAreThoseReadAsObjects) {
         SCOPED_TRACE(c.what);
         THandle<Cif> objects = read_with(c.text, dictionary, true);
         THandle<Cif> records = read_with(c.text, dictionary, false);
-        // Records are no items in the store's arena until handed out.
+        THandle<Cif> asked = read_with(c.text, dictionary, false, false);
+        // Records are no items in the store's arena until handed out; asked
+        // for, the objects are there at once.
         if (c.records) {
             EXPECT_LT(records->store()->arena().used(), objects->store()->arena().used());
+            EXPECT_LT(records->store()->arena().used(), asked->store()->arena().used());
         }
+        ASSERT_EQ(objects->blocks().size(), asked->blocks().size());
+        for (std::size_t i = 0; i < objects->blocks().size(); ++i)
+            expect_same_items(*objects->blocks()[i], *asked->blocks()[i], dictionary.get());
         ASSERT_EQ(objects->blocks().size(), records->blocks().size());
         for (std::size_t i = 0; i < objects->blocks().size(); ++i) {
             const CifDataBlock& block = *records->blocks()[i];
