@@ -17,6 +17,25 @@ inline std::string cif_lowercase(std::string_view text) {
     return result;
 }
 
+// The last 1-7 bytes of a name, ending at end, in the low bytes of a word
+// (as copying them into a word of zeros gives): one load of the eight bytes
+// before end when the name has them, a small loop otherwise. A copy of a
+// length only known when running is a call to the C library.
+inline std::uint64_t cif_tail_word(const char* end, std::size_t left, bool eight_before) {
+    std::uint64_t word = 0;
+    if (eight_before) {
+        std::memcpy(&word, end - 8, 8);
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+        return word & ((std::uint64_t(1) << (8 * left)) - 1);
+#else
+        return word >> (8 * (8 - left));
+#endif
+    }
+    for (std::size_t i = 0; i < left; ++i)
+        word |= std::uint64_t(static_cast<unsigned char>(end[i - left])) << (8 * i);
+    return word;
+}
+
 // Eight bytes with their capitals A-Z made small letters, all at once:
 // per byte, a high bit where the byte is at least "A" and not above "Z"
 // (bytes with their own high bit set are left as they are), shifted down
@@ -43,10 +62,9 @@ inline bool cif_iequals(std::string_view a, std::string_view b) {
         if (x != y && cif_lower_word(x) != cif_lower_word(y)) return false;
     }
     if (left == 0) return true;
-    std::uint64_t x = 0;
-    std::uint64_t y = 0;
-    std::memcpy(&x, p, left);
-    std::memcpy(&y, q, left);
+    const bool eight_before = a.size() >= 8;
+    const std::uint64_t x = cif_tail_word(p + left, left, eight_before);
+    const std::uint64_t y = cif_tail_word(q + left, left, eight_before);
     return x == y || cif_lower_word(x) == cif_lower_word(y);
 }
 
@@ -75,8 +93,7 @@ inline std::uint64_t cif_name_hash(std::string_view name) {
         hash ^= hash >> 32;
     }
     if (left > 0) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, p, left);
+        const std::uint64_t word = cif_tail_word(p + left, left, name.size() >= 8);
         hash = (hash ^ (word | case_bits)) * 0xFF51AFD7ED558CCDull;
     }
     hash ^= hash >> 29;
