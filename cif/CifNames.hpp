@@ -31,8 +31,8 @@ inline std::uint64_t cif_tail_word(const char* end, std::size_t left, bool eight
         return word >> (8 * (8 - left));
 #endif
     }
-    for (std::size_t i = 0; i < left; ++i)
-        word |= std::uint64_t(static_cast<unsigned char>(end[i - left])) << (8 * i);
+    const char* start = end - left;
+    for (std::size_t i = 0; i < left; ++i) word |= std::uint64_t(static_cast<unsigned char>(start[i])) << (8 * i);
     return word;
 }
 
