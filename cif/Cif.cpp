@@ -103,8 +103,24 @@ Cif::iterator Cif::new_block(const std::string& name, iterator position) {
     return blocks_.insert(position, store_->make<CifDataBlock>(dictionary_, name, -1, store_));
 }
 
+namespace {
+
+// Whether a CIF 1.1 document's printed text would begin with a version code
+// other than 1.0 or 1.1: its first block's first comment line, read further
+// down the source as a comment, is read on the first line as the code.
+bool opens_with_foreign_code(const CifBlockList& blocks, const CifWriteSettings& settings) {
+    if (settings.cif_version >= 2 || !settings.write_comments || blocks.size() == 0 || !blocks.made(0))
+        return false;
+    const std::string comments = blocks[0]->comments(CifCommentable::preceding_comment);
+    const std::string_view code = std::string_view(comments).substr(0, comments.find_first_of(" \t\r\n"));
+    return code.substr(0, 7) == "#\\#CIF_" && code != "#\\#CIF_1.1" && code != "#\\#CIF_1.0";
+}
+
+}  // namespace
+
 void Cif::print(std::ostream& stream, const CifWriteSettings& settings) const {
     if (settings.cif_version >= 2) stream << "#\\#CIF_2.0\n";
+    if (opens_with_foreign_code(blocks_, settings)) stream << "#\\#CIF_1.1\n";
     for (std::size_t n = 0; n < blocks_.size(); ++n) {
         if (n > 0) stream << '\n';
         (blocks_.made(n) ? blocks_[n] : blocks_.unmade_block(n))->print(stream, settings);

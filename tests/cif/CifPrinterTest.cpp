@@ -133,6 +133,34 @@ TEST(CifPrinter, CommentsArePrintedWithTheirItems) {
     EXPECT_EQ(printed(*cif->block(0), quiet).find('#'), std::string::npos);
 }
 
+// A CIF 1.1 document whose first comment is a version code further down
+// prints under a 1.1 code of its own, so the code is not read as the
+// printed text's version (a value quoted as CIF 1.1 allows would then fail).
+TEST(CifPrinter, AVersionCodeCommentDoesNotBecomeThePrintedTextsVersion) {
+    struct Case {
+        const char* source;
+        const char* start;  // the printed text's beginning
+    };
+    const Case cases[] = {
+        {"\n\n#\\#CIF_2.0\ndata_b\n_l \"k'\"\n", "#\\#CIF_1.1\n#\\#CIF_2.0\ndata_b\n"},
+        {"\n#\\#CIF_9.9 later\ndata_b\n_l \"k'\"\n", "#\\#CIF_1.1\n#\\#CIF_9.9 later\ndata_b\n"},
+        {"#\\#CIF_1.1\ndata_b\n_l \"k'\"\n", "#\\#CIF_1.1\ndata_b\n"},
+        {"# about\n#\\#CIF_2.0\ndata_b\n_l \"k'\"\n", "# about\n#\\#CIF_2.0\ndata_b\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.source);
+        THandle<Cif> cif = read(c.source);
+        ASSERT_EQ(cif->version(), 1);
+        std::ostringstream out;
+        cif->print(out, CifWriteSettings());
+        EXPECT_EQ(out.str().rfind(c.start, 0), 0u) << out.str();
+        THandle<Cif> again = read(out.str());
+        EXPECT_EQ(again->version(), 1);
+        EXPECT_EQ(again->errors()->errors_of_type(CifError::error), 0);
+        EXPECT_EQ(again->block(0)->value("_l"), "k'");
+    }
+}
+
 // Values made of the characters that need care in CIF.
 std::string awkward_value(std::mt19937& random, bool allow_line_start_semicolon) {
     static const std::vector<std::string> pieces = {
