@@ -19,7 +19,7 @@ namespace {
 std::optional<gemmi::GroupOps> from_hall(const std::string& hall) {
     if (hall.empty()) return std::nullopt;
     try {
-        return gemmi::symops_from_hall(hall.c_str());
+        return SpacegroupOperators::read_hall(hall);
     } catch (const std::exception&) {
         return std::nullopt;
     }

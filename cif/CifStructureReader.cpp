@@ -290,7 +290,7 @@ void CifStructureReader::read_symmetry(CifStructure& structure) {
     if (symmetry_from_operators(structure)) return;
     if (!hall.empty()) {
         try {
-            structure.operators_ = tidy(gemmi::symops_from_hall(hall.c_str()).all_ops_sorted());
+            structure.operators_ = tidy(SpacegroupOperators::read_hall(hall).all_ops_sorted());
             structure.symmetry_source_ = "Hall symbol " + hall;
             return;
         } catch (const std::exception&) {

@@ -97,6 +97,46 @@ Lists& lists() {
 
 }  // namespace
 
+gemmi::GroupOps SpacegroupOperators::read_hall(const std::string& hall) {
+    // The parts as the reading takes them: blanks (space, tab, "_") between
+    // them, a change of basis in brackets at the end. The axis a part
+    // leaves out follows from its place and the part before it.
+    auto blank = [](char c) { return c == ' ' || c == '\t' || c == '_'; };
+    const std::string_view text(hall.c_str());  // the reading stops at a NUL
+    std::size_t at = 0;
+    while (at < text.size() && blank(text[at])) ++at;
+    if (at < text.size() && text[at] == '-') ++at;
+    while (at < text.size() && blank(text[at])) ++at;
+    if (at < text.size()) ++at;  // the lattice
+    int place = 0;
+    int previous = 0;
+    for (;;) {
+        while (at < text.size() && blank(text[at])) ++at;
+        if (at >= text.size() || text[at] == '(') break;
+        std::size_t end = at;
+        while (end < text.size() && !blank(text[end])) ++end;
+        const std::string_view part(text.data() + at, end - at);
+        at = end;
+        ++place;
+        // A lone "1" followed by a space or the end is passed over unread.
+        if (part == "1" && (end == text.size() || text[end] == ' ')) continue;
+        const std::size_t order_at = part[0] == '-' ? 1 : 0;
+        if (order_at >= part.size() || part[order_at] < '1' || part[order_at] > '6') break;  // refused below
+        const int order = part[order_at] - '0';
+        bool subscript = false, principal = false, diagonal = false;
+        for (char c : part.substr(order_at + 1)) {
+            subscript = subscript || (c >= '1' && c <= '5');
+            principal = principal || c == 'x' || c == 'y' || c == 'z';
+            diagonal = diagonal || c == '\'' || c == '"' || c == '*';
+        }
+        if (!principal && !diagonal)
+            principal = place == 1 || (place == 2 && order == 2 && (previous == 2 || previous == 4));
+        if (subscript && !principal) throw std::invalid_argument("screw without an axis in Hall symbol");
+        previous = order;
+    }
+    return gemmi::symops_from_hall(hall.c_str());
+}
+
 gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
     // Every number of the text times the denominator of the operations, all
     // added up, must stay an int: the reading adds them in ints.

@@ -30,6 +30,12 @@ public:
     // determinant would overflow, make it unreadable rather than wrong.
     static gemmi::Op read_triplet(const std::string& triplet);
 
+    // The operations a Hall symbol generates; throws when it cannot be read.
+    // A screw subscript on a rotation without a principal axis (an axis
+    // along a diagonal, or a one-fold) is unreadable: read as it stands, its
+    // translation would go to no axis at all.
+    static gemmi::GroupOps read_hall(const std::string& hall);
+
     // The entry of the list (texts as the values give them).
     static std::shared_ptr<const SpacegroupOperators> of(const std::vector<std::string_view>& texts);
 

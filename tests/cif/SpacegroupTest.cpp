@@ -182,6 +182,28 @@ TEST(Spacegroup, EveryTabulatedSettingIsFoundWithOrWithoutItsNumber) {
     EXPECT_EQ(checked, 559);
 }
 
+// Every tabulated Hall symbol, also written with "_" and tabs for blanks,
+// reads to the operations the plain reading gives; a screw subscript on an
+// axis left to a diagonal or on a one-fold is unreadable (read as it stands
+// its translation would go to no axis).
+TEST(SpacegroupOperators, HallSymbolsReadAsTabulatedAndScrewsWithoutAxesAreUnreadable) {
+    for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
+        const std::string hall = setting.hall;
+        const std::vector<gemmi::Op> expected = gemmi::symops_from_hall(hall.c_str()).all_ops_sorted();
+        // Blanks of the symbol itself; a change of basis keeps its spaces.
+        const auto basis = std::min(hall.find(" ("), hall.size());
+        std::string underscored = hall;
+        std::replace(underscored.begin(), underscored.begin() + basis, ' ', '_');
+        std::string tabbed = hall;
+        std::replace(tabbed.begin(), tabbed.begin() + basis, ' ', '\t');
+        tabbed = "\t" + tabbed;
+        for (const std::string& written : {hall, underscored, tabbed})
+            EXPECT_EQ(SpacegroupOperators::read_hall(written).all_ops_sorted(), expected) << written;
+    }
+    for (const char* hall : {"-F 4vw 23d'wv", "P 2 11", "P 3 2 31", "P 31 21\""})
+        EXPECT_THROW(SpacegroupOperators::read_hall(hall), std::invalid_argument) << hall;
+}
+
 }  // namespace
 
 namespace {
