@@ -134,6 +134,13 @@ gemmi::GroupOps SpacegroupOperators::read_hall(const std::string& hall) {
         if (subscript && !principal) throw std::invalid_argument("screw without an axis in Hall symbol");
         previous = order;
     }
+    // A change of basis written as x, y, z goes through the guarded reading
+    // of such operators first (numbers beyond the integers, singular).
+    if (at < text.size() && text[at] == '(') {
+        const std::size_t close = text.find(')', at);
+        const std::string_view basis = text.substr(at + 1, close == std::string_view::npos ? 0 : close - at - 1);
+        if (basis.find(',') != std::string_view::npos) read_triplet(std::string(basis));
+    }
     return gemmi::symops_from_hall(hall.c_str());
 }
 

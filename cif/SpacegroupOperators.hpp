@@ -33,7 +33,8 @@ public:
     // The operations a Hall symbol generates; throws when it cannot be read.
     // A screw subscript on a rotation without a principal axis (an axis
     // along a diagonal, or a one-fold) is unreadable: read as it stands, its
-    // translation would go to no axis at all.
+    // translation would go to no axis at all. A change of basis written as
+    // x, y, z is read as read_triplet() reads operators.
     static gemmi::GroupOps read_hall(const std::string& hall);
 
     // The entry of the list (texts as the values give them).

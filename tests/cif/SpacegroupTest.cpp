@@ -202,6 +202,10 @@ TEST(SpacegroupOperators, HallSymbolsReadAsTabulatedAndScrewsWithoutAxesAreUnrea
     }
     for (const char* hall : {"-F 4vw 23d'wv", "P 2 11", "P 3 2 31", "P 31 21\""})
         EXPECT_THROW(SpacegroupOperators::read_hall(hall), std::invalid_argument) << hall;
+    // A change of basis with numbers beyond the reading's integers, or singular.
+    for (const char* hall : {"P 1 (x,y,z+99999999999)", "-P 2 (x,x,z)"})
+        EXPECT_THROW(SpacegroupOperators::read_hall(hall), std::exception) << hall;
+    EXPECT_EQ(SpacegroupOperators::read_hall("P 2 (x,y,z+1/4)").all_ops_sorted().size(), 2u);
 }
 
 }  // namespace
