@@ -115,13 +115,7 @@ void CifValueColumn::push(CifValueRef ref, bool plain) {
             return;
         }
         // Past the small array: the values so far go into a store.
-        std::unique_ptr<CifValueRef[]> refs(small());
-        const std::size_t count = size_;
-        store_ = std::make_unique<Store>();
-        store_->first_capacity = 2 * small_limit;
-        store_->chunks.push_back(make_chunk(store_->first_capacity));
-        size_ = 0;
-        for (std::size_t k = 0; k < count; ++k) push(refs[k], false);
+        make_store(size_ + 1);
     }
     Store& store = *store_;
     const std::size_t n = size_;
@@ -150,8 +144,38 @@ void CifValueColumn::push(CifValueRef ref, bool plain) {
     resume();
 }
 
+void CifValueColumn::make_store(std::size_t expected) {
+    const std::size_t count = size_;
+    std::unique_ptr<CifValueRef[]> kept(is_small() ? small() : nullptr);
+    const CifValueRef first = single_;
+    store_ = std::make_unique<Store>();
+    store_->first_capacity = std::min(std::max(2 * small_limit, std::bit_ceil(expected)), chunk_size);
+    store_->chunks.push_back(make_chunk(store_->first_capacity));
+    size_ = 0;
+    if (count == 1) push(first, false);
+    for (std::size_t k = 0; kept && k < count; ++k) push(kept[k], false);
+}
+
 void CifValueColumn::append_plain(const CifValueRef* refs, std::size_t stride, std::size_t count) {
     const CifValueRef* const stop = refs + count * stride;
+    // Room for all of them at once where the column is still short: one
+    // allocation instead of one each time the column doubles.
+    if (store_ == nullptr && count > 1) {
+        const std::size_t total = size_ + count;
+        if (total > small_limit) {
+            make_store(total);
+        } else if (total > 2 && (size_ < 2 || std::bit_ceil(size_) < total)) {
+            CifValueRef* grown = new CifValueRef[std::bit_ceil(total)];
+            if (size_ == 1) grown[0] = single_;
+            if (is_small()) {
+                std::copy(small(), small() + size_, grown);
+                delete[] small();
+            }
+            set_small(grown);
+            for (; refs != stop; refs += stride) grown[size_++] = *refs;
+            return;
+        }
+    }
     while (refs != stop) {
         Store* store = store_.get();
         if (store != nullptr) {

@@ -137,6 +137,9 @@ private:
     void free_small();
     bool fits(CifValueRef ref, bool plain) const;
     void push(CifValueRef ref, bool plain);
+    // Moves the values into a store whose first chunk has room for about
+    // expected values.
+    void make_store(std::size_t expected);
     void make_wide(std::size_t group, std::size_t count);
     void resume();
 

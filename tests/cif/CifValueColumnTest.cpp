@@ -100,6 +100,37 @@ TEST(CifValueColumn, ValuesAppendedInRunsMatchThoseTakenOneByOne) {
     }
 }
 
+TEST(CifValueColumn, AColumnSizedByItsFirstRunGrowsAndShrinksAsAnyOther) {
+    // A first run makes room for all its values at once, in the small array
+    // or straight in a store; values pushed and taken off afterwards cross
+    // the sizes where the room grew.
+    const std::size_t limit = CifValueColumn::small_limit;
+    const Words words(3 * CifValueColumn::group_size);
+    for (std::size_t before : {0, 1, 2, 3}) {
+        for (std::size_t first :
+             std::vector<std::size_t>{2, 3, 5, limit - 1, limit, limit + 1, 2 * limit + 1, 300}) {
+            SCOPED_TRACE(testing::Message() << before << " then " << first);
+            CifValueColumn column(words.text.c_str());
+            for (std::size_t n = 0; n < before; ++n) column.push_plain(words.refs[n]);
+            column.append_plain(words.refs.data() + before, 1, first);
+            std::vector<CifValueRef> expected(words.refs.begin(), words.refs.begin() + before + first);
+            expect_same(column, expected);
+            for (std::size_t n = before + first; n < before + first + 40; ++n) {
+                column.push_plain(words.refs[n]);
+                expected.push_back(words.refs[n]);
+            }
+            expect_same(column, expected);
+            while (expected.size() > 1) {
+                column.pop_back();
+                expected.pop_back();
+                if (expected.size() % 7 == 0) expect_same(column, expected);
+            }
+            column.set(0, ref_of(words.refs[1].offset, words.refs[1].bits));
+            ASSERT_EQ(column[0].offset, words.refs[1].offset);
+        }
+    }
+}
+
 TEST(CifValueColumn, ValuesThatCannotBeShortAreKeptInFull) {
     // Each case puts one odd value among plain ones, at the start, in the
     // middle and at the end of a group.
