@@ -553,13 +553,14 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
 
 bool CifDataBlock::add_item(THandle<CifDataItem> item) {
     if (!lookup(item->name()).is_null()) return false;
+    Contents& c = contents();
     // Room for a small block's items at once (a save frame of a dictionary
     // holds about eight): one allocation instead of four.
-    if (contents().order.empty()) contents().order.reserve(small_block);
-    contents().order.push_back(item);
-    if (!contents().index.empty()) {
-        contents().index.add(contents().order, contents().order.size() - 1);
-    } else if (contents().order.size() > small_block) {
+    if (c.order.empty()) c.order.reserve(small_block);
+    c.order.push_back(std::move(item));
+    if (!c.index.empty()) {
+        c.index.add(c.order, c.order.size() - 1);
+    } else if (c.order.size() > small_block) {
         build_index();
     }
     return true;

@@ -2,16 +2,18 @@
 // The text a document was read from and the values given to its items afterwards.
 #include "cif/CifTextStore.hpp"
 
+#include "cif/CifNamePool.hpp"
 #include "cif/CifNames.hpp"
 
 CifValueRef CifTextStore::add(std::string_view value, std::uint32_t flags) {
     CifValueRef ref;
-    ref.offset = static_cast<std::uint32_t>(added_.size());
+    if (!added_) added_ = std::make_unique<std::deque<std::string>>();
+    ref.offset = static_cast<std::uint32_t>(added_->size());
     std::uint32_t length = value.size() > CifValueRef::length_mask ? CifValueRef::length_mask
                                                                    : static_cast<std::uint32_t>(value.size());
     ref.bits =
         length | (flags & (CifValueRef::quoted_flag | CifValueRef::compound_flag)) | CifValueRef::added_flag;
-    added_.emplace_back(value);
+    added_->emplace_back(value);
     return ref;
 }
 
@@ -27,11 +29,17 @@ const std::string& CifTextStore::intern(std::string_view name) {
             name_slots_[i] = kept;
         }
     }
-    std::size_t i = cif_name_hash(name) & (name_slots_.size() - 1);
+    const std::uint64_t hash = cif_name_hash(name);
+    std::size_t i = hash & (name_slots_.size() - 1);
     for (; name_slots_[i] != nullptr; i = (i + 1) & (name_slots_.size() - 1)) {
         if (*name_slots_[i] == name) return *name_slots_[i];
     }
-    name_slots_[i] = &names_.emplace_back(name);
+    // The process's copy when it has one (or room for one), else a copy of our own.
+    name_slots_[i] = CifNamePool::shared().find_or_add(name, hash);
+    if (name_slots_[i] == nullptr) {
+        if (!names_) names_ = std::make_unique<std::deque<std::string>>();
+        name_slots_[i] = &names_->emplace_back(name);
+    }
     ++name_count_;
     return *name_slots_[i];
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <deque>
 #include <forward_list>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,14 +30,14 @@ public:
     const std::string& text() const { return text_; }
 
     std::string_view view(CifValueRef ref) const {
-        if (ref.added()) return added_[ref.offset];
+        if (ref.added()) return (*added_)[ref.offset];
         return std::string_view(text_.data() + ref.offset, ref.length());
     }
 
     // Keeps a copy of the value; flags may hold quoted_flag or compound_flag.
     CifValueRef add(std::string_view value, std::uint32_t flags = 0);
 
-    std::size_t added_count() const { return added_.size(); }
+    std::size_t added_count() const { return added_ ? added_->size() : 0; }
 
     // The name kept once (as written; names repeat across blocks and frames).
     const std::string& intern(std::string_view name);
@@ -55,8 +56,10 @@ public:
 
 private:
     std::string text_;
-    std::deque<std::string> added_;
-    std::deque<std::string> names_;
+    // Made on first use: most documents never add a value, and most names
+    // are the process's (CifNamePool).
+    std::unique_ptr<std::deque<std::string>> added_;
+    std::unique_ptr<std::deque<std::string>> names_;
     std::vector<const std::string*> name_slots_;  // names_ by hash
     std::size_t name_count_ = 0;
     CifArena arena_;

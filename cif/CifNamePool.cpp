@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// Data names kept once for the whole process, shared by the documents that use them.
+#include "cif/CifNamePool.hpp"
+
+#include "cif/CifNames.hpp"
+
+CifNamePool& CifNamePool::shared() {
+    // Never destroyed: documents of other static objects may still hold names at exit.
+    static CifNamePool* pool = new CifNamePool;
+    return *pool;
+}
+
+const std::string* CifNamePool::find_or_add(std::string_view name, std::uint64_t hash) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (slots_.empty()) slots_.resize(256);
+    std::size_t mask = slots_.size() - 1;
+    std::size_t i = hash & mask;
+    for (; slots_[i] != nullptr; i = (i + 1) & mask) {
+        if (*slots_[i] == name) return slots_[i];
+    }
+    if (names_.size() >= most_names_ || bytes_ + name.size() > most_bytes_) return nullptr;
+    if ((names_.size() + 1) * 2 > slots_.size()) {
+        std::vector<const std::string*> grown(slots_.size() * 2, nullptr);
+        mask = grown.size() - 1;
+        for (const std::string& kept : names_) {
+            std::size_t j = cif_name_hash(kept) & mask;
+            while (grown[j] != nullptr) j = (j + 1) & mask;
+            grown[j] = &kept;
+        }
+        slots_.swap(grown);
+        for (i = hash & mask; slots_[i] != nullptr;) i = (i + 1) & mask;
+    }
+    bytes_ += name.size();
+    slots_[i] = &names_.emplace_back(name);
+    return slots_[i];
+}
+
+std::size_t CifNamePool::size() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return names_.size();
+}
