@@ -129,6 +129,11 @@ Result check_number(const CifItemDefinition& definition, std::string_view value)
     if (has_uncertainty && definition.uncertainty == CifItemDefinition::Uncertainty::none)
         return problem(CifError::uncertainty_not_allowed);
     if (!definition.has_range) return Result();
+    // Most ranges only bar negative numbers ("0.0:"): a number without a
+    // minus sign meets them without being read.
+    const bool may_fall_short =
+        definition.has_minimum && (definition.minimum > 0.0 || value.front() == '-');
+    if (!may_fall_short && !definition.has_maximum) return Result();
     CifNumber number = CifNumber::parse(value);
     double slack = 3.0 * number.uncertainty;
     if ((definition.has_minimum && number.value + slack < definition.minimum) ||

@@ -330,6 +330,10 @@ TEST(CifValidation, ValidateAnswersWithTheCodeOfTheFirstProblem) {
     EXPECT_EQ(length->validate("5.1(2)"), 0);
     EXPECT_EQ(length->validate("?"), 0);
     EXPECT_EQ(length->validate("-1"), CifError::value_out_of_range);
+    // A negative number within three uncertainties of the minimum meets it.
+    EXPECT_EQ(length->validate("-0.1(1)"), 0);
+    EXPECT_EQ(length->validate("-5(1)"), CifError::value_out_of_range);
+    EXPECT_EQ(length->validate("+.5e2"), 0);
     EXPECT_EQ(length->validate("five"), CifError::wrong_value_type);
     EXPECT_EQ(block->find("_exptl_absorpt_correction_type")->validate("numerical"),
               CifError::value_not_enumerated);
