@@ -47,8 +47,8 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ta
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return take_or_null(size); }
 void operator delete(void* block) noexcept { cache.give_back(block); }
 void operator delete[](void* block) noexcept { cache.give_back(block); }
-void operator delete(void* block, std::size_t) noexcept { cache.give_back(block); }
-void operator delete[](void* block, std::size_t) noexcept { cache.give_back(block); }
+void operator delete(void* block, std::size_t size) noexcept { cache.give_back(block, size); }
+void operator delete[](void* block, std::size_t size) noexcept { cache.give_back(block, size); }
 void operator delete(void* block, const std::nothrow_t&) noexcept { cache.give_back(block); }
 void operator delete[](void* block, const std::nothrow_t&) noexcept { cache.give_back(block); }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdlib>
 
 // The small blocks (up to classes * granule bytes) given back to it, kept
 // in one list per size instead of going back to the general allocator, up
@@ -20,9 +21,27 @@ public:
 
     // A block of at least size bytes (malloc's when none is kept); throws
     // std::bad_alloc as operator new does.
-    void* take(std::size_t size);
+    void* take(std::size_t size) {
+        if (size <= classes * granule) {
+            const std::size_t c = size == 0 ? 1 : (size + granule - 1) / granule;
+            if (FreeBlock* block = lists_[c]) {
+                lists_[c] = block->next;
+                bytes_ -= c * granule;
+                return block;
+            }
+            size = c * granule;
+        }
+        return allocate(size);
+    }
     // Keeps the block, or frees it when it is large or the cache is full.
-    void give_back(void* block) noexcept;
+    void give_back(void* block) noexcept {
+        if (block != nullptr) keep(block, usable_granules(block));
+    }
+    // The same for a block taken for size bytes (no need to ask its size).
+    void give_back(void* block, std::size_t size) noexcept {
+        if (block == nullptr) return;
+        keep(block, size > classes * granule ? classes + 1 : size == 0 ? 1 : (size + granule - 1) / granule);
+    }
     // Frees every block kept.
     void release() noexcept;
 
@@ -32,6 +51,18 @@ private:
     struct FreeBlock {
         FreeBlock* next;
     };
+    static void* allocate(std::size_t size);
+    static std::size_t usable_granules(void* block);
+    void keep(void* block, std::size_t c) noexcept {
+        if (c == 0 || c > classes || bytes_ + c * granule > most_bytes_) {
+            std::free(block);
+            return;
+        }
+        auto* kept = static_cast<FreeBlock*>(block);
+        kept->next = lists_[c];
+        lists_[c] = kept;
+        bytes_ += c * granule;
+    }
     FreeBlock* lists_[classes + 1] = {};
     std::size_t bytes_ = 0;
     std::size_t most_bytes_;

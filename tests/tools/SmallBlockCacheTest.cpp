@@ -64,6 +64,18 @@ TEST(SmallBlockCache, KeepsNoMoreThanItsLimitAndNoLargeBlock) {
     EXPECT_EQ(cache.kept_bytes(), before);
     cache.give_back(nullptr);
     cache.release();
+
+    // Told its size, a block goes to the list of that size, and a large one is freed.
+    SmallBlockCache sized(std::size_t(1) << 20);
+    void* small = sized.take(40);
+    sized.give_back(small, 40);
+    EXPECT_EQ(sized.kept_bytes(), 48u);
+    EXPECT_EQ(sized.take(33), small);
+    EXPECT_EQ(sized.kept_bytes(), 0u);
+    sized.give_back(small, 40);
+    sized.give_back(sized.take(300), 300);
+    EXPECT_EQ(sized.kept_bytes(), 48u);
+    sized.release();
     EXPECT_EQ(cache.kept_bytes(), 0u);
 }
 
