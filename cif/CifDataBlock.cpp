@@ -552,7 +552,9 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
 }
 
 bool CifDataBlock::add_item(THandle<CifDataItem> item) {
-    if (!lookup(item->name()).is_null()) return false;
+    // The item's name comes with its hash, for the search and the index.
+    const std::uint64_t hash = item->name_hash();
+    if (!lookup(item->name(), &hash).is_null()) return false;
     Contents& c = contents();
     // Room for a small block's items at once (a save frame of a dictionary
     // holds about eight): one allocation instead of four.
@@ -566,11 +568,14 @@ bool CifDataBlock::add_item(THandle<CifDataItem> item) {
     return true;
 }
 
-THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const {
+THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag) const { return lookup(tag, nullptr); }
+
+THandle<CifDataItem> CifDataBlock::lookup(std::string_view tag, const std::uint64_t* hash) const {
     if (contents_ == nullptr) return THandle<CifDataItem>();
     const Contents& c = contents();
     if (!c.index.empty()) {
-        const std::size_t found = c.index.find(c.order, tag);
+        const std::size_t found =
+            hash != nullptr ? c.index.find(c.order, tag, *hash) : c.index.find(c.order, tag);
         return found == CifNameIndex::npos ? THandle<CifDataItem>() : c.order[found];
     }
     for (const THandle<CifDataItem>& item : c.order) {

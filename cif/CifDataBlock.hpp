@@ -150,6 +150,8 @@ public:
 
 private:
     THandle<CifDataItem> lookup(std::string_view tag) const;
+    // The same with the name's cif_name_hash() when known (null: not known).
+    THandle<CifDataItem> lookup(std::string_view tag, const std::uint64_t* hash) const;
     void build_index();
     THandle<CifDataItem> adopt(const CifDataItem& item) const;
     // The index of the loop holding the item, or -1.

@@ -68,7 +68,7 @@ void CifDataItem::copy_value_from(std::size_t n, const CifDataItem& other, std::
 
 int CifDataItem::validate(const std::string& value) const {
     if (dictionary_ == nullptr || !(*dictionary_)->has_definitions()) return 0;
-    return (*dictionary_)->check_value(*name_, value, looped_);
+    return (*dictionary_)->check_value(name_->text, value, looped_);
 }
 
 int CifDataItem::validate_values() const {
@@ -105,7 +105,7 @@ int CifDataItem::validate_values() const {
 }
 
 THandle<CifDataItem> CifDataItem::clone() const {
-    THandle<CifDataItem> copy = store_->make<CifDataItem>(*name_, store_, dictionary(), line_);
+    THandle<CifDataItem> copy = store_->make<CifDataItem>(name_->text, store_, dictionary(), line_);
     static_cast<CifCommentable&>(*copy) = *this;
     copy->values_ = values_;
     return copy;

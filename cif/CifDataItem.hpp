@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,7 +22,9 @@ public:
     explicit CifDataItem(std::string_view name, THandle<CifTextStore> store = THandle<CifTextStore>(),
                          THandle<CifDictionary> dictionary = THandle<CifDictionary>(), int line = -1);
 
-    const std::string& name() const { return *name_; }
+    const std::string& name() const { return name_->text; }
+    // cif_name_hash(name()), kept with the name.
+    std::uint64_t name_hash() const { return name_->hash; }
     // The 1-based line of the data name in the text read, -1 for new items.
     int line() const { return line_; }
     void set_line(int line) { line_ = line; }
@@ -80,7 +83,7 @@ private:
     void set_looped(bool looped) { looped_ = looped; }
 
     THandle<CifTextStore> store_;
-    const std::string* name_;                   // kept by the store
+    const CifKeptName* name_;                   // kept by the store or the process
     const THandle<CifDictionary>* dictionary_;  // kept by the store; null for none
     CifValueColumn values_;
     int line_;

@@ -18,11 +18,6 @@ void CifNameIndex::check_count(std::size_t count) {
     if (count >= UINT32_MAX) throw std::length_error("too many items for one block");
 }
 
-std::uint32_t CifNameIndex::slot_hash(std::string_view name) {
-    std::uint64_t hash = cif_name_hash(name);
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
-}
-
 void CifNameIndex::clear() {
     slots_.reset();
     capacity_ = 0;

@@ -26,6 +26,8 @@ private:
     struct ItemNames {
         const ItemList& items;
         std::string_view operator()(std::size_t n) const { return items[n]->name(); }
+        // An item keeps its name's hash: nothing to hash again.
+        std::uint32_t hash(std::size_t n) const { return fold(items[n]->name_hash()); }
     };
     static ItemNames item_names(const ItemList& items) { return ItemNames{items}; }
 
@@ -40,6 +42,10 @@ public:
     // The position in items of the item of that name, or npos.
     std::size_t find(const ItemList& items, std::string_view name) const {
         return find(name, item_names(items));
+    }
+    // The same for a name whose cif_name_hash() is known.
+    std::size_t find(const ItemList& items, std::string_view name, std::uint64_t name_hash) const {
+        return find_folded(name, fold(name_hash), item_names(items));
     }
 
     // The same for any list the owner keeps, given as its size and a
@@ -61,7 +67,19 @@ private:
         std::uint32_t position;  // 1 + the item's position; 0: never used
     };
 
-    static std::uint32_t slot_hash(std::string_view name);
+    static std::uint32_t fold(std::uint64_t hash) { return static_cast<std::uint32_t>(hash ^ (hash >> 32)); }
+    static std::uint32_t slot_hash(std::string_view name) { return fold(cif_name_hash(name)); }
+    // The slot hash of the name at n, from the list when it keeps hashes.
+    template <class NameAt>
+    static std::uint32_t hash_at(const NameAt& name_at, std::size_t n) {
+        if constexpr (requires { name_at.hash(n); }) {
+            return name_at.hash(n);
+        } else {
+            return slot_hash(name_at(n));
+        }
+    }
+    template <class NameAt>
+    std::size_t find_folded(std::string_view name, std::uint32_t hash, const NameAt& name_at) const;
     static std::size_t capacity_for(std::size_t count);
     static void check_count(std::size_t count);
     template <class NameAt>
@@ -88,14 +106,20 @@ void CifNameIndex::add(std::size_t count, std::size_t position, const NameAt& na
         rehash(capacity_for(count), count, name_at);
         return;
     }
-    place(slot_hash(name_at(position)), position);
+    place(hash_at(name_at, position), position);
     ++size_;
 }
 
 template <class NameAt>
 std::size_t CifNameIndex::find(std::string_view name, const NameAt& name_at) const {
     if (capacity_ == 0) return npos;
-    const std::uint32_t hash = slot_hash(name);
+    return find_folded(name, slot_hash(name), name_at);
+}
+
+template <class NameAt>
+std::size_t CifNameIndex::find_folded(std::string_view name, std::uint32_t hash,
+                                      const NameAt& name_at) const {
+    if (capacity_ == 0) return npos;
     const std::size_t mask = capacity_ - 1;
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
         const Slot& slot = slots_[i];
@@ -108,7 +132,7 @@ template <class NameAt>
 void CifNameIndex::rehash(std::size_t capacity, std::size_t count, const NameAt& name_at) {
     reset(capacity);
     for (std::size_t i = 0; i < count; ++i) {
-        place(slot_hash(name_at(i)), i);
+        place(hash_at(name_at, i), i);
         ++size_;
     }
 }

@@ -10,20 +10,20 @@ CifNamePool& CifNamePool::shared() {
     return *pool;
 }
 
-const std::string* CifNamePool::find_or_add(std::string_view name, std::uint64_t hash) {
+const CifKeptName* CifNamePool::find_or_add(std::string_view name, std::uint64_t hash) {
     std::lock_guard<std::mutex> lock(mutex_);
     if (slots_.empty()) slots_.resize(256);
     std::size_t mask = slots_.size() - 1;
     std::size_t i = hash & mask;
     for (; slots_[i] != nullptr; i = (i + 1) & mask) {
-        if (*slots_[i] == name) return slots_[i];
+        if (slots_[i]->hash == hash && slots_[i]->text == name) return slots_[i];
     }
     if (names_.size() >= most_names_ || bytes_ + name.size() > most_bytes_) return nullptr;
     if ((names_.size() + 1) * 2 > slots_.size()) {
-        std::vector<const std::string*> grown(slots_.size() * 2, nullptr);
+        std::vector<const CifKeptName*> grown(slots_.size() * 2, nullptr);
         mask = grown.size() - 1;
-        for (const std::string& kept : names_) {
-            std::size_t j = cif_name_hash(kept) & mask;
+        for (const CifKeptName& kept : names_) {
+            std::size_t j = kept.hash & mask;
             while (grown[j] != nullptr) j = (j + 1) & mask;
             grown[j] = &kept;
         }
@@ -31,7 +31,7 @@ const std::string* CifNamePool::find_or_add(std::string_view name, std::uint64_t
         for (i = hash & mask; slots_[i] != nullptr;) i = (i + 1) & mask;
     }
     bytes_ += name.size();
-    slots_[i] = &names_.emplace_back(name);
+    slots_[i] = &names_.emplace_back(CifKeptName{std::string(name), hash});
     return slots_[i];
 }
 

@@ -10,6 +10,13 @@
 #include <string_view>
 #include <vector>
 
+// A data name as documents keep it, with its hash (cif_name_hash), so that
+// indexes and dictionaries need not hash it again.
+struct CifKeptName {
+    std::string text;
+    std::uint64_t hash;
+};
+
 // The data names documents use, each spelling kept once for the life of
 // the process: the same few thousand names come back in file after file,
 // and a document that finds its names here keeps no copies of its own.
@@ -29,14 +36,14 @@ public:
 
     // The name spelled exactly so, added when there is room; null when the
     // pool is full and does not have it. hash is cif_name_hash(name).
-    const std::string* find_or_add(std::string_view name, std::uint64_t hash);
+    const CifKeptName* find_or_add(std::string_view name, std::uint64_t hash);
 
     std::size_t size() const;
 
 private:
     const std::size_t most_names_, most_bytes_;
     mutable std::mutex mutex_;
-    std::deque<std::string> names_;
-    std::vector<const std::string*> slots_;  // names_ by hash, at most half full
+    std::deque<CifKeptName> names_;
+    std::vector<const CifKeptName*> slots_;  // names_ by hash, at most half full
     std::size_t bytes_ = 0;
 };

@@ -17,14 +17,14 @@ CifValueRef CifTextStore::add(std::string_view value, std::uint32_t flags) {
     return ref;
 }
 
-const std::string& CifTextStore::intern(std::string_view name) {
+const CifKeptName& CifTextStore::intern(std::string_view name) {
     // A flat table of the kept names, at most half full.
     if ((name_count_ + 1) * 2 > name_slots_.size()) {
-        std::vector<const std::string*> old(name_slots_.empty() ? 32 : name_slots_.size() * 2, nullptr);
+        std::vector<const CifKeptName*> old(name_slots_.empty() ? 32 : name_slots_.size() * 2, nullptr);
         old.swap(name_slots_);
-        for (const std::string* kept : old) {
+        for (const CifKeptName* kept : old) {
             if (kept == nullptr) continue;
-            std::size_t i = cif_name_hash(*kept) & (name_slots_.size() - 1);
+            std::size_t i = kept->hash & (name_slots_.size() - 1);
             while (name_slots_[i] != nullptr) i = (i + 1) & (name_slots_.size() - 1);
             name_slots_[i] = kept;
         }
@@ -32,13 +32,13 @@ const std::string& CifTextStore::intern(std::string_view name) {
     const std::uint64_t hash = cif_name_hash(name);
     std::size_t i = hash & (name_slots_.size() - 1);
     for (; name_slots_[i] != nullptr; i = (i + 1) & (name_slots_.size() - 1)) {
-        if (*name_slots_[i] == name) return *name_slots_[i];
+        if (name_slots_[i]->hash == hash && name_slots_[i]->text == name) return *name_slots_[i];
     }
     // The process's copy when it has one (or room for one), else a copy of our own.
     name_slots_[i] = CifNamePool::shared().find_or_add(name, hash);
     if (name_slots_[i] == nullptr) {
-        if (!names_) names_ = std::make_unique<std::deque<std::string>>();
-        name_slots_[i] = &names_->emplace_back(name);
+        if (!names_) names_ = std::make_unique<std::deque<CifKeptName>>();
+        name_slots_[i] = &names_->emplace_back(CifKeptName{std::string(name), hash});
     }
     ++name_count_;
     return *name_slots_[i];

@@ -12,6 +12,7 @@
 
 #include "cif/CifArena.hpp"
 #include "cif/CifDictionary.hpp"
+#include "cif/CifNamePool.hpp"
 #include "cif/CifValueRef.hpp"
 
 // The text a document was read from, with line ends made LF, and the
@@ -40,7 +41,7 @@ public:
     std::size_t added_count() const { return added_ ? added_->size() : 0; }
 
     // The name kept once (as written; names repeat across blocks and frames).
-    const std::string& intern(std::string_view name);
+    const CifKeptName& intern(std::string_view name);
 
     // A new item or block of this store's document, made in its arena.
     template <class T, class... Args>
@@ -59,8 +60,8 @@ private:
     // Made on first use: most documents never add a value, and most names
     // are the process's (CifNamePool).
     std::unique_ptr<std::deque<std::string>> added_;
-    std::unique_ptr<std::deque<std::string>> names_;
-    std::vector<const std::string*> name_slots_;  // names_ by hash
+    std::unique_ptr<std::deque<CifKeptName>> names_;
+    std::vector<const CifKeptName*> name_slots_;  // the names by hash
     std::size_t name_count_ = 0;
     CifArena arena_;
     std::forward_list<THandle<CifDictionary>> dictionaries_;  // mostly one; nothing while none

@@ -11,24 +11,25 @@
 
 namespace {
 
-const std::string* add(CifNamePool& pool, const std::string& name) {
+const CifKeptName* add(CifNamePool& pool, const std::string& name) {
     return pool.find_or_add(name, cif_name_hash(name));
 }
 
 TEST(CifNamePool, EachSpellingIsKeptOnceAndFoundAgainAsTheTableGrows) {
     CifNamePool pool;
-    std::vector<const std::string*> first;
+    std::vector<const CifKeptName*> first;
     for (int n = 0; n < 3000; ++n) first.push_back(add(pool, "_atom_site_label_" + std::to_string(n)));
     for (int n = 0; n < 3000; ++n) {
-        const std::string* again = add(pool, "_atom_site_label_" + std::to_string(n));
+        const CifKeptName* again = add(pool, "_atom_site_label_" + std::to_string(n));
         ASSERT_EQ(again, first[n]) << n;
-        ASSERT_EQ(*again, "_atom_site_label_" + std::to_string(n));
+        ASSERT_EQ(again->text, "_atom_site_label_" + std::to_string(n));
+        ASSERT_EQ(again->hash, cif_name_hash(again->text));
     }
     // Case counts: a name is kept as written (names hash alike across case).
-    const std::string* small = add(pool, "_cell_length_a");
-    const std::string* capital = add(pool, "_Cell_Length_A");
+    const CifKeptName* small = add(pool, "_cell_length_a");
+    const CifKeptName* capital = add(pool, "_Cell_Length_A");
     EXPECT_NE(small, capital);
-    EXPECT_EQ(*capital, "_Cell_Length_A");
+    EXPECT_EQ(capital->text, "_Cell_Length_A");
     EXPECT_EQ(pool.size(), 3002u);
 }
 
@@ -44,10 +45,10 @@ TEST(CifNamePool, AFullPoolStillFindsWhatItHoldsAndStoresKeepTheRest) {
 
     // Two documents' stores hand out the process's one copy of a name.
     CifTextStore one, other;
-    const std::string& name = one.intern("_space_group_name_H-M_alt");
+    const CifKeptName& name = one.intern("_space_group_name_H-M_alt");
     EXPECT_EQ(&other.intern("_space_group_name_H-M_alt"), &name);
     EXPECT_EQ(&one.intern("_space_group_name_H-M_alt"), &name);
-    EXPECT_EQ(other.intern("_Space_Group_Name_H-M_Alt"), "_Space_Group_Name_H-M_Alt");
+    EXPECT_EQ(other.intern("_Space_Group_Name_H-M_Alt").text, "_Space_Group_Name_H-M_Alt");
 }
 
 }  // namespace
