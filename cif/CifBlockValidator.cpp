@@ -114,7 +114,7 @@ std::string CifBlockValidator::suggestion(const std::string& name) const {
 }
 
 void CifBlockValidator::validate_single(const CifDataItem& item) {
-    const CifItemDefinition* definition = dictionary_.definition(item.name());
+    const CifItemDefinition* definition = dictionary_.definition_hashed(item.name(), item.name_hash());
     if (definition == nullptr) {
         if (!dictionary_.is_defined(item.name())) {
             if (names_)
@@ -171,7 +171,7 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
     for (std::size_t i = 0; i < loop.size(); ++i) {
         const THandle<CifDataItem>& item = loop[i];
         const CifItemDefinition* definition =
-            known != nullptr ? (*known)[i] : dictionary_.definition(item->name());
+            known != nullptr ? (*known)[i] : dictionary_.definition_hashed(item->name(), item->name_hash());
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
             sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(item->name()));

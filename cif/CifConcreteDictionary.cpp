@@ -133,8 +133,12 @@ void CifConcreteDictionary::build_lookup() {
 }
 
 const CifItemDefinition* CifConcreteDictionary::definition(const std::string& data_name) const {
+    return definition_hashed(data_name, lookup_.empty() ? 0 : cif_name_hash(data_name));
+}
+
+const CifItemDefinition* CifConcreteDictionary::definition_hashed(const std::string& data_name,
+                                                                  std::uint64_t hash) const {
     if (!lookup_.empty()) {
-        const std::uint64_t hash = cif_name_hash(data_name);
         const std::size_t mask = lookup_.size() - 1;
         const auto high = static_cast<std::uint32_t>(hash >> 32);
         const std::string_view packed = store_->packed();

@@ -64,6 +64,8 @@ public:
 
     bool is_defined(const std::string& data_name) const override;
     const CifItemDefinition* definition(const std::string& data_name) const override;
+    const CifItemDefinition* definition_hashed(const std::string& data_name,
+                                               std::uint64_t name_hash) const override;
     bool has_definitions() const override { return definition_count() > 0; }
     std::string name() const override { return descriptor_.name; }
     std::vector<std::string> categories() const override { return categories_; }

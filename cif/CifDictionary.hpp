@@ -2,6 +2,7 @@
 // The interface of a source of data-name definitions that documents are checked against.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,13 @@ public:
     virtual const CifItemDefinition* definition(const std::string& data_name) const {
         (void)data_name;
         return nullptr;
+    }
+    // The same for a name whose cif_name_hash() the caller knows (an item
+    // keeps its name's), which a dictionary indexed by that hash takes.
+    virtual const CifItemDefinition* definition_hashed(const std::string& data_name,
+                                                       std::uint64_t name_hash) const {
+        (void)name_hash;
+        return definition(data_name);
     }
 
     // Whether documents are checked against this dictionary at all: false

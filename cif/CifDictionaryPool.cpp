@@ -26,8 +26,13 @@ bool CifDictionaryPool::is_defined(const std::string& data_name) const {
 }
 
 const CifItemDefinition* CifDictionaryPool::definition(const std::string& data_name) const {
+    return definition_hashed(data_name, cif_name_hash(data_name));
+}
+
+const CifItemDefinition* CifDictionaryPool::definition_hashed(const std::string& data_name,
+                                                              std::uint64_t name_hash) const {
     for (const THandle<CifConcreteDictionary>& member : members_) {
-        if (const CifItemDefinition* found = member->definition(data_name)) return found;
+        if (const CifItemDefinition* found = member->definition_hashed(data_name, name_hash)) return found;
     }
     return nullptr;
 }

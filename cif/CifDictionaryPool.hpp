@@ -35,6 +35,8 @@ public:
 
     bool is_defined(const std::string& data_name) const override;
     const CifItemDefinition* definition(const std::string& data_name) const override;
+    const CifItemDefinition* definition_hashed(const std::string& data_name,
+                                               std::uint64_t name_hash) const override;
     bool has_definitions() const override;
     std::string name() const override;
     // The members' categories in member order, each name once.

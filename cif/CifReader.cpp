@@ -96,9 +96,8 @@ void CifReader::read(std::string text) {
     cif_.version_ = version_;
     {
         const THandle<CifDictionary>& dictionary = cif_.dictionary_;
-        records_ = settings_.items_as_records &&
-                   (dictionary.is_null() || !dictionary->has_definitions() ||
-                    (!settings_.check_data_names && !settings_.check_values));
+        records_ = settings_.items_as_records && (dictionary.is_null() || !dictionary->has_definitions() ||
+                                                  (!settings_.check_data_names && !settings_.check_values));
     }
 
     // Characters and line lengths are checked as the text is read: the
@@ -287,7 +286,8 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
             joined.append(1, '\n').append(text);
         }
     }
-    if (lone.data() != nullptr) target->append_comments(joined.empty() ? lone : std::string_view(joined), type);
+    if (lone.data() != nullptr)
+        target->append_comments(joined.empty() ? lone : std::string_view(joined), type);
     comments.clear();
 }
 
@@ -333,7 +333,7 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
     std::vector<bool> taken(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string& name = columns[i]->name();
-        definitions.push_back(cif_.dictionary_->definition(name));
+        definitions.push_back(cif_.dictionary_->definition_hashed(name, columns[i]->name_hash()));
         taken[i] = !block.find(name).is_null();
         for (std::size_t j = 0; j < i && !taken[i]; ++j) taken[i] = cif_iequals(columns[j]->name(), name);
         if (!taken[i]) checker->add(*columns[i], definitions[i]);

@@ -19,6 +19,9 @@ public:
     const CifItemDefinition* definition(const std::string& name) const override {
         return target_.definition(name);
     }
+    const CifItemDefinition* definition_hashed(const std::string& name, std::uint64_t hash) const override {
+        return target_.definition_hashed(name, hash);
+    }
     bool has_definitions() const override { return target_.has_definitions(); }
     int check_value(const std::string& name, const std::string& value, bool looped) const override {
         return target_.check_value(name, value, looped);
