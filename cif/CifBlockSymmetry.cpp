@@ -59,8 +59,9 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
         block, {"_symmetry_Int_Tables_number", "_space_group_IT_number", "_space_group.IT_number"});
     number_name_ = number.name;
     if (number.ok) number_ = static_cast<int>(std::lround(number.value()));
-    for (const char* name : {"_symmetry_equiv_pos_as_xyz", "_space_group_symop_operation_xyz",
-                             "_space_group_symop.operation_xyz"}) {
+    for (const CifCheckName& name :
+         {CifCheckName("_symmetry_equiv_pos_as_xyz"), CifCheckName("_space_group_symop_operation_xyz"),
+          CifCheckName("_space_group_symop.operation_xyz")}) {
         THandle<CifDataItem> item = cif_check_find(block, name);
         if (item.is_null()) continue;
         operators_name_ = item->name();

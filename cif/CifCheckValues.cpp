@@ -11,17 +11,25 @@
 
 bool cif_check_unknown(std::string_view value) { return value.empty() || value == "?" || value == "."; }
 
-THandle<CifDataItem> cif_check_find(const CifDataBlock& block, std::string_view name) {
+THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckName& name) {
     const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
-    if (names != nullptr && !names->may_hold(name)) return THandle<CifDataItem>();
-    return block.find(name);
+    if (names == nullptr || names->asks_block()) return block.find(name.text());
+    const THandle<CifDataItem>* item = names->find(name);
+    return item == nullptr ? THandle<CifDataItem>() : *item;
 }
 
-CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const char*> names) {
+const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name) {
+    const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
+    if (names == nullptr || names->asks_block()) return block.find(name.text()).get();
+    const THandle<CifDataItem>* item = names->find(name);
+    return item == nullptr ? nullptr : item->get();
+}
+
+CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
     CifReading reading;
-    for (const char* name : names) {
-        THandle<CifDataItem> item = cif_check_find(block, name);
-        if (item.is_null() || !item->has_value()) continue;
+    for (const CifCheckName& name : names) {
+        const CifDataItem* item = cif_check_item(block, name);
+        if (item == nullptr || !item->has_value()) continue;
         reading.name = item->name();
         std::string_view text = item->value_view(0);
         if (cif_check_unknown(text)) return reading;
@@ -33,10 +41,10 @@ CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const
 }
 
 std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
-                                                   std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-        THandle<CifDataItem> item = cif_check_find(block, name);
-        if (item.is_null() || !item->has_value()) continue;
+                                                   std::initializer_list<CifCheckName> names) {
+    for (const CifCheckName& name : names) {
+        const CifDataItem* item = cif_check_item(block, name);
+        if (item == nullptr || !item->has_value()) continue;
         std::string value(item->value_view(0));
         if (cif_check_unknown(value) && !item->is_quoted(0)) return {item->name(), std::string()};
         return {item->name(), value};

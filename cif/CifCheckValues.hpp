@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "cif/CifCheckName.hpp"
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifError.hpp"
 #include "cif/CifNumber.hpp"
@@ -24,19 +25,21 @@ struct CifReading {
 };
 
 // The item of that name, or null. While check_block() checks the block, its
-// name filter turns most missing names away before the block is asked.
-THandle<CifDataItem> cif_check_find(const CifDataBlock& block, std::string_view name);
+// name index answers instead of the block.
+THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckName& name);
+// The same without a handle of its own (the block keeps the item).
+const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name);
 
 // ?, . and nothing.
 bool cif_check_unknown(std::string_view value);
 
 // The first of the names the block holds; not ok when it is unknown or no number.
-CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const char*> names);
+CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names);
 
 // The name and text of the first of the names the block holds; the text is
 // empty for an unknown value (a quoted ? stays).
 std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
-                                                   std::initializer_list<const char*> names);
+                                                   std::initializer_list<CifCheckName> names);
 
 // The six cell parameters a, b, c, alpha, beta, gamma under either spelling.
 void cif_check_read_cell(const CifDataBlock& block, CifReading cell[6]);

@@ -148,9 +148,10 @@ void CifDiffractionCheck::check_reflections() {
                               " with wavelength " + cif_check_format(lambda, 0.00001);
 
     // The index limits: |h| reaches at most s times a.
-    const char* const limits[3][2] = {{"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
-                                      {"_diffrn_reflns_limit_k_min", "_diffrn_reflns_limit_k_max"},
-                                      {"_diffrn_reflns_limit_l_min", "_diffrn_reflns_limit_l_max"}};
+    static constexpr CifCheckName limits[3][2] = {
+        {"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
+        {"_diffrn_reflns_limit_k_min", "_diffrn_reflns_limit_k_max"},
+        {"_diffrn_reflns_limit_l_min", "_diffrn_reflns_limit_l_max"}};
     for (int axis = 0; axis < 3; ++axis) {
         CifReading low = cif_check_read(block_, {limits[axis][0]});
         CifReading high = cif_check_read(block_, {limits[axis][1]});
@@ -176,7 +177,8 @@ void CifDiffractionCheck::check_reflections() {
     if (laue == 0 || centring == 0 || volume <= 0.0) return;
     const double expected = 4.0 / 3.0 * std::numbers::pi * s * s * s * volume / (laue * centring);
     if (expected < 50.0) return;  // too few for the estimate
-    for (const char* name : {"_reflns_number_total", "_diffrn_reflns_number"}) {
+    for (const CifCheckName& name :
+         {CifCheckName("_reflns_number_total"), CifCheckName("_diffrn_reflns_number")}) {
         CifReading count = cif_check_read(block_, {name});
         if (!count.ok) continue;
         const double completeness = count.value() / expected;

@@ -26,7 +26,7 @@ namespace {
 
 using Reading = CifReading;
 
-Reading read(const CifDataBlock& block, std::initializer_list<const char*> names) {
+Reading read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
     return cif_check_read(block, names);
 }
 
@@ -286,7 +286,7 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
 
 void ORMACifConsistencyChecker::check_order(const CifDataBlock& block) {
     // Pairs (smaller, larger) that must be in order.
-    static const char* const pairs[][2] = {
+    static constexpr CifCheckName pairs[][2] = {
         {"_diffrn_reflns_theta_min", "_diffrn_reflns_theta_max"},
         {"_cell_measurement_theta_min", "_cell_measurement_theta_max"},
         {"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
@@ -311,7 +311,7 @@ void ORMACifConsistencyChecker::check_order(const CifDataBlock& block) {
 }
 
 void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
-    static const char* const pairs[][2] = {
+    static constexpr CifCheckName pairs[][2] = {
         {"_reflns_number_gt", "_reflns_number_total"},
         {"_reflns_number_total", "_diffrn_reflns_number"},
         {"_refine_ls_number_restraints", "_refine_ls_number_reflns"},
@@ -324,7 +324,7 @@ void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
                 " (larger than " + high.name + " " + format(high) + ")");
     }
     // A count given with its loop must count the loop's rows.
-    static const char* const counted[][2] = {
+    static constexpr CifCheckName counted[][2] = {
         {"_diffrn_reflns_number", "_diffrn_refln_index_h"},
         {"_diffrn_standards_number", "_diffrn_standard_refln_index_h"},
         {"_cell_measurement_reflns_used", "_cell_measurement_refln_index_h"},
@@ -367,7 +367,7 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
             *found = static_cast<std::size_t>(-1);
         }
     }
-    static const char* const children[] = {
+    static constexpr CifCheckName children[] = {
         "_atom_site_aniso_label",          "_geom_bond_atom_site_label_1",
         "_geom_bond_atom_site_label_2",    "_geom_angle_atom_site_label_1",
         "_geom_angle_atom_site_label_2",   "_geom_angle_atom_site_label_3",
@@ -380,9 +380,9 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
     };
     // A site's rows damaged by a syntax problem may hold any label.
     if (sound_sites < sites->size()) return;
-    for (const char* child : children) {
+    for (const CifCheckName& child : children) {
         THandle<CifDataItem> item = cif_check_find(block, child);
-        if (item.is_null() || linked(child)) continue;
+        if (item.is_null() || linked(std::string(child.text()))) continue;
         std::unordered_set<std::string_view> reported;
         const std::size_t sound = findings_->sound_rows(block, *item);
         for (std::size_t n = 0; n < sound; ++n) {
