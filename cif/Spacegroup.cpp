@@ -170,8 +170,9 @@ Spacegroup::Spacegroup(const SpacegroupCache::Group& group, int number, const st
       given_symbol_(hint),
       readable_(group.readable) {}
 
+SpacegroupCache::Group Spacegroup::unreadable() { return SpacegroupCache::Group{unknown_symbol, 0, false}; }
+
 SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>& operators, int number) {
-    SpacegroupCache::Group unknown{unknown_symbol, 0, true};
     std::vector<gemmi::Op> ops;
     try {
         for (const std::string& text : operators) {
@@ -182,9 +183,13 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
             ops.push_back(SpacegroupOperators::read_triplet(triplet));
         }
     } catch (const std::exception&) {
-        unknown.readable = false;
-        return unknown;
+        return unreadable();
     }
+    return from_operations(std::move(ops), number);
+}
+
+SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, int number) {
+    SpacegroupCache::Group unknown{unknown_symbol, 0, true};
     if (ops.empty()) return unknown;
     // The same operators in any order or written form give the same key
     // (translations are wrapped into [0, 1) above).

@@ -7,6 +7,10 @@
 
 #include "cif/SpacegroupCache.hpp"
 
+namespace gemmi {
+struct Op;
+}  // namespace gemmi
+
 // Space groups over the table of International Tables settings (559
 // settings of the 230 groups). A setting is named by its "suite symbol":
 // the full Hermann-Mauguin symbol with blanks between its parts and, where
@@ -78,6 +82,10 @@ public:
     // form alike); number (when 1-230) is tried first. SpacegroupOperators
     // asks this once per list as written.
     static SpacegroupCache::Group from_operators(const std::vector<std::string>& operators, int number);
+    // The same of operators read already (SpacegroupOperators::read_triplet()).
+    static SpacegroupCache::Group from_operations(std::vector<gemmi::Op> ops, int number);
+    // The answer for operators of which one cannot be read.
+    static SpacegroupCache::Group unreadable();
 
 private:
     std::string symbol_;

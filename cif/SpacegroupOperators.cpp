@@ -22,15 +22,7 @@ std::string trimmed(const std::string& text) {
     return text.substr(first, last - first + 1);
 }
 
-std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& operators) {
-    std::vector<gemmi::Op> ops;
-    try {
-        for (const std::string& text : operators) {
-            ops.push_back(SpacegroupOperators::read_triplet(trimmed(text)));
-        }
-    } catch (const std::exception&) {
-        return nullptr;
-    }
+std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<gemmi::Op>& ops) {
     if (ops.empty()) return nullptr;
     auto group = std::make_unique<gemmi::GroupOps>(gemmi::split_centering_vectors(ops));
     if (group->cen_ops.empty()) group->cen_ops.push_back({0, 0, 0});
@@ -38,6 +30,10 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& o
     group->sym_ops.shrink_to_fit();
     group->cen_ops.shrink_to_fit();
     return group;
+}
+
+bool quoted(const std::string& text) {
+    return text.size() >= 2 && (text.front() == '\'' || text.front() == '"') && text.back() == text.front();
 }
 
 struct Lists {
@@ -138,7 +134,8 @@ gemmi::GroupOps SpacegroupOperators::read_hall(const std::string& hall) {
     // of such operators first (numbers beyond the integers, singular).
     if (at < text.size() && text[at] == '(') {
         const std::size_t close = text.find(')', at);
-        const std::string_view basis = text.substr(at + 1, close == std::string_view::npos ? 0 : close - at - 1);
+        const std::string_view basis =
+            text.substr(at + 1, close == std::string_view::npos ? 0 : close - at - 1);
         if (basis.find(',') != std::string_view::npos) read_triplet(std::string(basis));
     }
     return gemmi::symops_from_hall(hall.c_str());
@@ -179,6 +176,7 @@ SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) {
         const auto length = static_cast<std::uint32_t>(text.size());
         texts_.append(reinterpret_cast<const char*>(&length), sizeof length);
         texts_ += text;
+        quoted_ = quoted_ || quoted(trimmed(text));
     }
 }
 
@@ -228,13 +226,37 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
     return entry;
 }
 
+const std::vector<gemmi::Op>* SpacegroupOperators::triplets() const {
+    std::call_once(triplets_once_, [this] {
+        std::vector<gemmi::Op> ops;
+        try {
+            for (const std::string& text : texts()) ops.push_back(read_triplet(trimmed(text)));
+        } catch (const std::exception&) {
+            return;
+        }
+        triplets_ = std::move(ops);
+    });
+    return triplets_ ? &*triplets_ : nullptr;
+}
+
 const gemmi::GroupOps* SpacegroupOperators::operations() const {
-    std::call_once(operations_once_, [this] { operations_ = from_triplets(texts()); });
+    std::call_once(operations_once_, [this] {
+        if (const std::vector<gemmi::Op>* ops = triplets()) operations_ = from_triplets(*ops);
+    });
     return operations_.get();
 }
 
 const SpacegroupCache::Group& SpacegroupOperators::group(int number) const {
-    std::call_once(group_once_, [this, number] { group_ = Spacegroup::from_operators(texts(), number); });
+    std::call_once(group_once_, [this, number] {
+        // Without quotes both readings read the same triplets.
+        if (quoted_) {
+            group_ = Spacegroup::from_operators(texts(), number);
+        } else if (const std::vector<gemmi::Op>* ops = triplets()) {
+            group_ = Spacegroup::from_operations(*ops, number);
+        } else {
+            group_ = Spacegroup::unreadable();
+        }
+    });
     return group_;
 }
 
