@@ -4,7 +4,7 @@
 
 #include "cif/CifDataBlock.hpp"
 
-thread_local const CifBlockNameFilter* CifBlockNameFilter::current_ = nullptr;
+constinit thread_local const CifBlockNameFilter* CifBlockNameFilter::current_ = nullptr;
 
 namespace {
 
@@ -16,9 +16,10 @@ constexpr std::size_t most_names = 1024;
 CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&block) {
     const std::size_t count = block.item_count();
     if (count > most_names) return;
-    // At most half full: a miss ends at a free slot after a probe or two.
+    // At most a quarter full: most names asked are missing, and a miss ends
+    // at the first free slot.
     std::size_t size = 16;
-    while (size < 2 * count) size *= 2;
+    while (size < 4 * count) size *= 2;
     slots_ = std::make_unique<Slot[]>(size);
     mask_ = size - 1;
     for (auto item = block.begin_write_order(); item != block.end_write_order(); ++item) {

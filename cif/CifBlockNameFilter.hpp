@@ -64,5 +64,6 @@ private:
     const CifDataBlock* block_;
     std::unique_ptr<Slot[]> slots_;
     std::size_t mask_ = 0;
-    static thread_local const CifBlockNameFilter* current_;
+    // Constant-initialised: asked without the call that would set it up first.
+    static constinit thread_local const CifBlockNameFilter* current_;
 };
