@@ -22,7 +22,7 @@ CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&bloc
     while (size < 4 * count) size *= 2;
     slots_ = std::make_unique<Slot[]>(size);
     mask_ = size - 1;
-    for (auto item = block.begin_write_order(); item != block.end_write_order(); ++item) {
+    for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
         const std::uint64_t key = cif_check_name_key((*item)->name());
         std::size_t at = key & mask_;
         while (slots_[at].item != nullptr) at = (at + 1) & mask_;

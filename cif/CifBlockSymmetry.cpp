@@ -25,8 +25,7 @@ std::optional<gemmi::GroupOps> from_hall(const std::string& hall) {
     }
 }
 
-std::optional<gemmi::GroupOps> from_symbol(const std::string& symbol) {
-    std::string xhm = Spacegroup::derive_orma_symbol(symbol);
+std::optional<gemmi::GroupOps> from_symbol(const std::string& xhm) {
     if (xhm == "Unknown") return std::nullopt;
     const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_name(xhm);
     if (found == nullptr) return std::nullopt;
@@ -74,10 +73,23 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
 
 CifBlockSymmetry::~CifBlockSymmetry() = default;
 
+const SpacegroupCache::Group& CifBlockSymmetry::symbol_group() const {
+    if (!symbol_group_) {
+        symbol_group_ = Spacegroup::named(symbol_);
+        derived_symbol_ = symbol_group_->number == 0 ? std::string("Unknown") : symbol_group_->symbol;
+    }
+    return *symbol_group_;
+}
+
+const std::string& CifBlockSymmetry::derived_symbol() const {
+    symbol_group();
+    return derived_symbol_;
+}
+
 const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
     if (operators_.empty()) return nullptr;
     if (!spacegroup_) {
-        const int number = Spacegroup::number_of(symbol_);
+        const int number = symbol_group().number;
         spacegroup_ = std::make_unique<Spacegroup>(list().group(number), number, symbol_);
     }
     return spacegroup_.get();
@@ -92,7 +104,7 @@ const gemmi::GroupOps* CifBlockSymmetry::operations() const {
         } else if (const gemmi::GroupOps* hall = operations_of_hall()) {
             ops_->chosen = hall;
         } else {
-            ops_->other = from_symbol(symbol_);
+            ops_->other = from_symbol(derived_symbol());
             if (!ops_->other) ops_->other = from_number(number_);
             if (ops_->other) ops_->chosen = &*ops_->other;
         }

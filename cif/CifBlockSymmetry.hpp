@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +39,10 @@ public:
     const std::string& number_name() const { return number_name_; }
     int number() const { return number_; }
     const std::string& operators_name() const { return operators_name_; }
+    // The setting the H-M symbol names (Spacegroup::named(), asked once
+    // per block) and its suite symbol, "Unknown" when not recognised.
+    const SpacegroupCache::Group& symbol_group() const;
+    const std::string& derived_symbol() const;
     // The operators as the block's values give them (views of its text).
     const std::vector<std::string_view>& operators() const { return operators_; }
 
@@ -84,6 +89,8 @@ private:
     // hall_setting() found in the tables.
     const gemmi::SpaceGroup* tabulated_hall_setting() const;
     mutable std::shared_ptr<const SpacegroupOperators> list_;
+    mutable std::optional<SpacegroupCache::Group> symbol_group_;
+    mutable std::string derived_symbol_;
     mutable std::unique_ptr<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;
 };

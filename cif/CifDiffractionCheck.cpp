@@ -25,7 +25,7 @@ std::string percent(double fraction) { return cif_check_format(100.0 * fraction,
 // case ignored), as has_item_with_category("pd") answers, from the first
 // four bytes of each name: asked of every block.
 bool holds_powder_items(const CifDataBlock& block) {
-    for (auto item = block.begin_write_order(); item != block.end_write_order(); ++item) {
+    for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
         const std::string& name = (*item)->name();
         if (name.size() >= 3 && name[0] == '_' && (name[1] | 0x20) == 'p' && (name[2] | 0x20) == 'd' &&
             (name.size() == 3 || name[3] == '_' || name[3] == '.'))

@@ -146,17 +146,16 @@ const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
     return *slot;
 }
 
-// The setting a symbol names ("" and 0 when none), looked up once per
-// distinct text: files of a run mostly name a few groups.
-SpacegroupCache::Group named(const std::string& symbol) {
+}  // namespace
+
+// Files of a run mostly name a few groups.
+SpacegroupCache::Group Spacegroup::named(const std::string& symbol) {
     return SpacegroupCache::by_name().lookup(symbol, [&symbol]() {
         const gemmi::SpaceGroup* found = find(symbol);
         return found == nullptr ? SpacegroupCache::Group{std::string(), 0, true}
                                 : SpacegroupCache::Group{found->xhm(), found->number, true};
     });
 }
-
-}  // namespace
 
 Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, const std::string& hint)
     : Spacegroup(SpacegroupOperators::of(std::vector<std::string_view>(operators.begin(), operators.end()))
@@ -217,7 +216,16 @@ SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, i
                 break;
             }
         }
-        if (found == nullptr) found = gemmi::find_spacegroup_by_ops(group_ops);
+        // Then every setting in table order, as the library's search by
+        // operations goes, each setting's operations made once per process.
+        for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
+            if (found != nullptr) break;
+            if (centring != setting.hall[0] && centring != setting.hall[1]) continue;
+            const SettingOps& tabulated = setting_ops(setting);
+            if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
+                tabulated.sorted == sorted)
+                found = &setting;
+        }
         if (found != nullptr) {
             result.symbol = found->xhm();
             result.number = found->number;

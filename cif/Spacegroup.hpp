@@ -70,6 +70,9 @@ public:
     static std::string name_space_separated(const std::string& symbol);
     // The number of the group a symbol names, 0 when not recognised.
     static int number_of(const std::string& symbol);
+    // The setting a symbol names: its suite symbol and number ("" and 0
+    // when not recognised), looked up once per process for each text.
+    static SpacegroupCache::Group named(const std::string& symbol);
     // The crystal system of group number as an index of the list above;
     // the rhombohedral lattices (146, 148, 155, 160, 161, 166, 167) give
     // rhombohedral, the other trigonal groups trigonal; 0 outside 1-230.

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <gemmi/symmetry.hpp>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -89,6 +90,27 @@ std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
 Lists& lists() {
     static Lists instance;
     return instance;
+}
+
+// Each triplet text read once per process: lists written otherwise (another
+// order, another centring, other blanks between the triplets) share most
+// of their triplets, and reading one costs far more than finding it.
+std::optional<gemmi::Op> read_once(const std::string& triplet) {
+    static std::mutex mutex;
+    static std::unordered_map<std::string, std::optional<gemmi::Op>> read;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (auto found = read.find(triplet); found != read.end()) return found->second;
+    }
+    std::optional<gemmi::Op> op;
+    try {
+        op = SpacegroupOperators::read_triplet(triplet);
+    } catch (const std::exception&) {
+    }
+    std::lock_guard<std::mutex> lock(mutex);
+    if (read.size() >= 4096) read.clear();
+    read.emplace(triplet, op);
+    return op;
 }
 
 }  // namespace
@@ -229,10 +251,10 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
 const std::vector<gemmi::Op>* SpacegroupOperators::triplets() const {
     std::call_once(triplets_once_, [this] {
         std::vector<gemmi::Op> ops;
-        try {
-            for (const std::string& text : texts()) ops.push_back(read_triplet(trimmed(text)));
-        } catch (const std::exception&) {
-            return;
+        for (const std::string& text : texts()) {
+            std::optional<gemmi::Op> op = read_once(trimmed(text));
+            if (!op) return;
+            ops.push_back(*op);
         }
         triplets_ = std::move(ops);
     });
