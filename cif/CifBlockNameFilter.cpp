@@ -3,6 +3,7 @@
 #include "cif/CifBlockNameFilter.hpp"
 
 #include "cif/CifDataBlock.hpp"
+#include "cif/CifNames.hpp"
 
 constinit thread_local const CifBlockNameFilter* CifBlockNameFilter::current_ = nullptr;
 
@@ -28,6 +29,10 @@ CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&bloc
         while (slots_[at].item != nullptr) at = (at + 1) & mask_;
         slots_[at] = Slot{key, &*item};
     }
+}
+
+bool CifBlockNameFilter::named(const THandle<CifDataItem>& item, std::string_view name) {
+    return cif_iequals(item->name(), name);
 }
 
 CifBlockNameFilter::Scope::Scope(const CifBlockNameFilter& names) : previous_(current_) { current_ = &names; }

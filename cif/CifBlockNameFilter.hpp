@@ -9,7 +9,6 @@
 
 #include "cif/CifCheckName.hpp"
 #include "cif/CifDataItem.hpp"
-#include "cif/CifNames.hpp"
 #include "support/THandle.hpp"
 
 class CifDataBlock;
@@ -33,7 +32,7 @@ public:
         for (std::size_t at = key & mask_;; at = (at + 1) & mask_) {
             const Slot& slot = slots_[at];
             if (slot.item == nullptr) return nullptr;
-            if (slot.key == key && cif_iequals((*slot.item)->name(), name.text())) return slot.item;
+            if (slot.key == key && named(*slot.item, name.text())) return slot.item;
         }
     }
 
@@ -56,6 +55,10 @@ public:
     };
 
 private:
+    // Whether the item's name is name, ASCII case ignored (out of line: the
+    // probe above stays small enough to inline where names are asked).
+    static bool named(const THandle<CifDataItem>& item, std::string_view name);
+
     struct Slot {
         std::uint64_t key;
         const THandle<CifDataItem>* item;  // null: free

@@ -18,13 +18,6 @@ THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckNam
     return item == nullptr ? THandle<CifDataItem>() : *item;
 }
 
-const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name) {
-    const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
-    if (names == nullptr || names->asks_block()) return block.find(name.text()).get();
-    const THandle<CifDataItem>* item = names->find(name);
-    return item == nullptr ? nullptr : item->get();
-}
-
 CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
     CifReading reading;
     for (const CifCheckName& name : names) {

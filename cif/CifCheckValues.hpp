@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "cif/CifBlockNameFilter.hpp"
 #include "cif/CifCheckName.hpp"
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifError.hpp"
@@ -28,7 +29,12 @@ struct CifReading {
 // name index answers instead of the block.
 THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckName& name);
 // The same without a handle of its own (the block keeps the item).
-const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name);
+inline const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name) {
+    const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
+    if (names == nullptr || names->asks_block()) return block.find(name.text()).get();
+    const THandle<CifDataItem>* item = names->find(name);
+    return item == nullptr ? nullptr : item->get();
+}
 
 // ?, . and nothing.
 bool cif_check_unknown(std::string_view value);
