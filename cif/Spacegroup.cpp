@@ -205,9 +205,11 @@ SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, i
         const gemmi::SpaceGroup* found = nullptr;
         char centring = group_ops.find_centering();
         const std::string sorted = packed(group_ops.all_ops_sorted());
+        const int order = static_cast<int>(group_ops.sym_ops.size());
         for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
             if (number < 1 || number > 230) break;
-            if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]))
+            if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]) ||
+                point_group_order(setting.number) != order)
                 continue;
             const SettingOps& tabulated = setting_ops(setting);
             if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
@@ -220,7 +222,10 @@ SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, i
         // operations goes, each setting's operations made once per process.
         for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
             if (found != nullptr) break;
-            if (centring != setting.hall[0] && centring != setting.hall[1]) continue;
+            // Settings of another order are passed over without making their operations.
+            if ((centring != setting.hall[0] && centring != setting.hall[1]) ||
+                point_group_order(setting.number) != order)
+                continue;
             const SettingOps& tabulated = setting_ops(setting);
             if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
                 tabulated.sorted == sorted)
@@ -284,6 +289,20 @@ int Spacegroup::crystal_system(int number) {
     }
     if (number <= 194) return hexagonal;
     return cubic;
+}
+
+int Spacegroup::point_group_order(int number) {
+    // The last number of each crystal class and its order.
+    static constexpr int classes[][2] = {
+        {1, 1},    {2, 2},    {5, 2},    {9, 2},    {15, 4},   {24, 4},   {46, 4},   {74, 8},
+        {80, 4},   {82, 4},   {88, 8},   {98, 8},   {110, 8},  {122, 8},  {142, 16}, {146, 3},
+        {148, 6},  {155, 6},  {161, 6},  {167, 12}, {173, 6},  {174, 6},  {176, 12}, {182, 12},
+        {186, 12}, {190, 12}, {194, 24}, {199, 12}, {206, 24}, {214, 24}, {220, 24}, {230, 48},
+    };
+    if (number < 1 || number > 230) return 0;
+    for (const auto& [last, order] : classes)
+        if (number <= last) return order;
+    return 0;
 }
 
 const char* Spacegroup::crystal_system_name(int index) {

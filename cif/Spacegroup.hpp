@@ -77,6 +77,9 @@ public:
     // the rhombohedral lattices (146, 148, 155, 160, 161, 166, 167) give
     // rhombohedral, the other trigonal groups trigonal; 0 outside 1-230.
     static int crystal_system(int number);
+    // The order of the point group of group number (its operations without
+    // the centring translations); 0 outside 1-230.
+    static int point_group_order(int number);
     // The text of an index of the crystal-system list ("?" out of range).
     static const char* crystal_system_name(int index);
 

@@ -58,33 +58,47 @@ std::uint64_t short_word(const char* p, std::size_t size) {
            static_cast<unsigned char>(p[size - 1]);
 }
 
-// A hash of the texts in order, each with its length, eight bytes at a time
-// (the last eight of a text read whole, overlapping the word before).
+std::uint64_t word_at(const char* p) {
+    std::uint64_t word;
+    std::memcpy(&word, p, 8);
+    return word;
+}
+
+// A hash of the texts in order, each by its length and, for a text of more
+// than eight bytes, its first, middle and last eight (every byte of a text
+// of up to 24, as triplets mostly are): one mixing step a text. Lists that
+// differ only inside a longer text share a hash and are told apart by
+// their texts.
 std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
     std::uint64_t hash = texts.size() * 0x9E3779B97F4A7C15ull;
-    auto mix = [&hash](std::uint64_t word) {
-        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
-        hash ^= hash >> 32;
-    };
     for (std::string_view text : texts) {
         const char* p = text.data();
         const std::size_t size = text.size();
         std::uint64_t word = size;
-        if (size > 0 && size <= 8) {
+        if (size > 8) {
+            word ^= word_at(p) * 0x9E3779B97F4A7C15ull;
+            word ^= word_at(p + size / 2 - 4) * 0xC2B2AE3D27D4EB4Full;
+            word ^= word_at(p + size - 8) * 0xC4CEB9FE1A85EC53ull;
+        } else if (size > 0) {
             word ^= short_word(p, size) * 0xC4CEB9FE1A85EC53ull;
-        } else if (size > 8) {
-            for (std::size_t at = 0; at + 8 < size; at += 8) {
-                std::uint64_t part;
-                std::memcpy(&part, p + at, 8);
-                mix(part);
-            }
-            std::uint64_t last;
-            std::memcpy(&last, p + size - 8, 8);
-            word ^= last * 0x9E3779B97F4A7C15ull;
         }
-        mix(word);
+        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
+        hash ^= hash >> 32;
     }
     return hash;
+}
+
+// Whether size bytes at a and at b are the same, a word at a time: the
+// texts are short, too short for a call of memcmp to pay.
+bool same_bytes(const char* a, const char* b, std::size_t size) {
+    if (size >= 8) {
+        for (std::size_t at = 0; at + 8 < size; at += 8)
+            if (word_at(a + at) != word_at(b + at)) return false;
+        return word_at(a + size - 8) == word_at(b + size - 8);
+    }
+    for (std::size_t at = 0; at < size; ++at)
+        if (a[at] != b[at]) return false;
+    return true;
 }
 
 Lists& lists() {
@@ -210,7 +224,9 @@ bool SpacegroupOperators::holds(const std::vector<std::string_view>& texts) cons
         if (kept.size() - at < sizeof length) return false;
         std::memcpy(&length, kept.data() + at, sizeof length);
         at += sizeof length;
-        if (kept.size() - at < length || kept.substr(at, length) != text) return false;
+        if (kept.size() - at < length || length != text.size() ||
+            !same_bytes(kept.data() + at, text.data(), length))
+            return false;
         at += length;
     }
     return at == kept.size();

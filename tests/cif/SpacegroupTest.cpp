@@ -162,6 +162,15 @@ TEST(SpacegroupCache, FindsEachKeyOnceAndStartsAfreshWhenFull) {
     EXPECT_EQ(cache.misses(), 4u);
 }
 
+TEST(Spacegroup, EveryTabulatedSettingHasTheOperationsOfItsPointGroup) {
+    // The search by operations passes over settings of another order unmade.
+    for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main)
+        EXPECT_EQ(static_cast<int>(setting.operations().sym_ops.size()),
+                  Spacegroup::point_group_order(setting.number))
+            << setting.xhm();
+    for (int outside : {0, -1, 231}) EXPECT_EQ(Spacegroup::point_group_order(outside), 0);
+}
+
 TEST(Spacegroup, EveryTabulatedSettingIsFoundWithOrWithoutItsNumber) {
     // Settings whose operators another setting shares ("C c c b:1" and
     // "C c c a:1") give the one the whole table names first, also when the
