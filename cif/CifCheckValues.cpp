@@ -18,31 +18,20 @@ THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckNam
     return item == nullptr ? THandle<CifDataItem>() : *item;
 }
 
-CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
+CifReading cif_check_reading(const CifDataItem& item) {
     CifReading reading;
-    for (const CifCheckName& name : names) {
-        const CifDataItem* item = cif_check_item(block, name);
-        if (item == nullptr || !item->has_value()) continue;
-        reading.name = item->name();
-        std::string_view text = item->value_view(0);
-        if (cif_check_unknown(text)) return reading;
-        reading.number = CifNumber::parse(text);
-        reading.ok = reading.number.ok();
-        return reading;
-    }
+    reading.name = item.name();
+    std::string_view text = item.value_view(0);
+    if (cif_check_unknown(text)) return reading;
+    reading.number = CifNumber::parse(text);
+    reading.ok = reading.number.ok();
     return reading;
 }
 
-std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
-                                                   std::initializer_list<CifCheckName> names) {
-    for (const CifCheckName& name : names) {
-        const CifDataItem* item = cif_check_item(block, name);
-        if (item == nullptr || !item->has_value()) continue;
-        std::string value(item->value_view(0));
-        if (cif_check_unknown(value) && !item->is_quoted(0)) return {item->name(), std::string()};
-        return {item->name(), value};
-    }
-    return {};
+std::pair<std::string, std::string> cif_check_text_of(const CifDataItem& item) {
+    std::string value(item.value_view(0));
+    if (cif_check_unknown(value) && !item.is_quoted(0)) return {item.name(), std::string()};
+    return {item.name(), value};
 }
 
 void cif_check_read_cell(const CifDataBlock& block, CifReading cell[6]) {

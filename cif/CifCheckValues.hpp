@@ -39,13 +39,32 @@ inline const CifDataItem* cif_check_item(const CifDataBlock& block, const CifChe
 // ?, . and nothing.
 bool cif_check_unknown(std::string_view value);
 
-// The first of the names the block holds; not ok when it is unknown or no number.
-CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names);
+// The reading of an item's first value; not ok when it is unknown or no number.
+CifReading cif_check_reading(const CifDataItem& item);
 
-// The name and text of the first of the names the block holds; the text is
-// empty for an unknown value (a quoted ? stays).
-std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
-                                                   std::initializer_list<CifCheckName> names);
+// The first of the names the block holds; not ok when it is unknown or no
+// number. (Inline: most names asked are missing, and then nothing is read.)
+inline CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
+    for (const CifCheckName& name : names) {
+        const CifDataItem* item = cif_check_item(block, name);
+        if (item != nullptr && item->has_value()) return cif_check_reading(*item);
+    }
+    return CifReading();
+}
+
+// The name and text of an item's first value; the text is empty for an
+// unknown value (a quoted ? stays).
+std::pair<std::string, std::string> cif_check_text_of(const CifDataItem& item);
+
+// The same of the first of the names the block holds.
+inline std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
+                                                          std::initializer_list<CifCheckName> names) {
+    for (const CifCheckName& name : names) {
+        const CifDataItem* item = cif_check_item(block, name);
+        if (item != nullptr && item->has_value()) return cif_check_text_of(*item);
+    }
+    return {};
+}
 
 // The six cell parameters a, b, c, alpha, beta, gamma under either spelling.
 void cif_check_read_cell(const CifDataBlock& block, CifReading cell[6]);
