@@ -3,6 +3,7 @@
 #include "cif/Spacegroup.hpp"
 
 #include <algorithm>
+#include <cstring>
 #include <gemmi/symmetry.hpp>
 #include <memory>
 #include <mutex>
@@ -109,13 +110,17 @@ std::string packed(const std::vector<gemmi::Op>& ops) {
             for (int value : row) small = small && value >= -128 && value <= 127;
         for (int value : op.tran) small = small && value >= -128 && value <= 127;
     }
-    std::string text(1, small ? 's' : 'w');
-    text.reserve(1 + ops.size() * 12 * (small ? 1 : sizeof(int)));
-    auto put = [&text, small](int value) {
+    // Written in place: a list of 192 operations has 2,304 numbers.
+    const std::size_t width = small ? 1 : sizeof(int);
+    std::string text(1 + ops.size() * 12 * width, '\0');
+    text[0] = small ? 's' : 'w';
+    char* at = text.data() + 1;
+    auto put = [&at, small](int value) {
         if (small) {
-            text += static_cast<char>(static_cast<signed char>(value));
+            *at++ = static_cast<char>(static_cast<signed char>(value));
         } else {
-            text.append(reinterpret_cast<const char*>(&value), sizeof value);
+            std::memcpy(at, &value, sizeof value);
+            at += sizeof value;
         }
     };
     for (const gemmi::Op& op : ops) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <gemmi/symmetry.hpp>
 #include <limits>
 #include <optional>
@@ -109,22 +110,52 @@ Lists& lists() {
 // Each triplet text read once per process: lists written otherwise (another
 // order, another centring, other blanks between the triplets) share most
 // of their triplets, and reading one costs far more than finding it.
-std::optional<gemmi::Op> read_once(const std::string& triplet) {
-    static std::mutex mutex;
-    static std::unordered_map<std::string, std::optional<gemmi::Op>> read;
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        if (auto found = read.find(triplet); found != read.end()) return found->second;
+class ReadTriplets {
+public:
+    // The operations of the texts (blanks around each trimmed), or nothing
+    // when one cannot be read.
+    std::optional<std::vector<gemmi::Op>> read(const std::vector<std::string_view>& texts) {
+        std::vector<gemmi::Op> ops;
+        ops.reserve(texts.size());
+        std::lock_guard<std::mutex> lock(mutex_);
+        for (std::string_view text : texts) {
+            auto found = read_.find(text);
+            if (found == read_.end()) {
+                if (read_.size() >= 4096) read_.clear();
+                found = read_.emplace(std::string(text), read_one(std::string(text))).first;
+            }
+            if (!found->second) return std::nullopt;
+            ops.push_back(*found->second);
+        }
+        return ops;
     }
-    std::optional<gemmi::Op> op;
-    try {
-        op = SpacegroupOperators::read_triplet(triplet);
-    } catch (const std::exception&) {
+
+private:
+    static std::optional<gemmi::Op> read_one(const std::string& triplet) {
+        try {
+            return SpacegroupOperators::read_triplet(triplet);
+        } catch (const std::exception&) {
+            return std::nullopt;
+        }
     }
-    std::lock_guard<std::mutex> lock(mutex);
-    if (read.size() >= 4096) read.clear();
-    read.emplace(triplet, op);
-    return op;
+    // Looked up by a view of the text, without a string made for it.
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+    };
+    std::mutex mutex_;
+    std::unordered_map<std::string, std::optional<gemmi::Op>, Hash, std::equal_to<>> read_;
+};
+
+ReadTriplets& read_triplets() {
+    static ReadTriplets instance;
+    return instance;
+}
+
+std::string_view trimmed_view(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string_view::npos) return std::string_view();
+    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
 }  // namespace
@@ -266,13 +297,15 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
 
 const std::vector<gemmi::Op>* SpacegroupOperators::triplets() const {
     std::call_once(triplets_once_, [this] {
-        std::vector<gemmi::Op> ops;
-        for (const std::string& text : texts()) {
-            std::optional<gemmi::Op> op = read_once(trimmed(text));
-            if (!op) return;
-            ops.push_back(*op);
+        std::vector<std::string_view> texts;
+        for (std::size_t at = 0; at < texts_.size();) {
+            std::uint32_t length = 0;
+            std::memcpy(&length, texts_.data() + at, sizeof length);
+            at += sizeof length;
+            texts.push_back(trimmed_view(std::string_view(texts_).substr(at, length)));
+            at += length;
         }
-        triplets_ = std::move(ops);
+        triplets_ = read_triplets().read(texts);
     });
     return triplets_ ? &*triplets_ : nullptr;
 }
