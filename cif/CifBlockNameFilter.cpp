@@ -2,10 +2,13 @@
 // The items of a block by name, as an index the cross-checks ask instead of the block.
 #include "cif/CifBlockNameFilter.hpp"
 
+#include <algorithm>
+
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifNames.hpp"
 
 constinit thread_local const CifBlockNameFilter* CifBlockNameFilter::current_ = nullptr;
+thread_local CifBlockNameFilter::Spare CifBlockNameFilter::spare_;
 
 namespace {
 
@@ -21,13 +24,30 @@ CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&bloc
     // at the first free slot.
     std::size_t size = 16;
     while (size < 4 * count) size *= 2;
-    slots_ = std::make_unique<Slot[]>(size);
+    // The thread's last table serves again: a table per block would cost
+    // more to allocate than the names cost to file.
+    if (spare_.size >= size) {
+        slots_ = std::move(spare_.slots);
+        size_ = spare_.size;
+        spare_.size = 0;
+    } else {
+        slots_ = std::make_unique_for_overwrite<Slot[]>(size);
+        size_ = size;
+    }
+    std::fill_n(slots_.get(), size, Slot{0, nullptr});
     mask_ = size - 1;
     for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
         const std::uint64_t key = cif_check_name_key((*item)->name());
         std::size_t at = key & mask_;
         while (slots_[at].item != nullptr) at = (at + 1) & mask_;
         slots_[at] = Slot{key, &*item};
+    }
+}
+
+CifBlockNameFilter::~CifBlockNameFilter() {
+    if (slots_ != nullptr && size_ > spare_.size) {
+        spare_.slots = std::move(slots_);
+        spare_.size = size_;
     }
 }
 

@@ -23,6 +23,9 @@ class CifDataBlock;
 class CifBlockNameFilter {
 public:
     explicit CifBlockNameFilter(const CifDataBlock& block);
+    ~CifBlockNameFilter();
+    CifBlockNameFilter(const CifBlockNameFilter&) = delete;
+    CifBlockNameFilter& operator=(const CifBlockNameFilter&) = delete;
 
     // Whether the block was too large to index (find() is not to be asked).
     bool asks_block() const { return slots_ == nullptr; }
@@ -64,8 +67,16 @@ private:
         const THandle<CifDataItem>* item;  // null: free
     };
 
+    // The table of the last filter of the thread, kept for the next block.
+    struct Spare {
+        std::unique_ptr<Slot[]> slots;
+        std::size_t size = 0;
+    };
+    static thread_local Spare spare_;
+
     const CifDataBlock* block_;
     std::unique_ptr<Slot[]> slots_;
+    std::size_t size_ = 0;  // of slots_, of which mask_ + 1 are in use
     std::size_t mask_ = 0;
     // Constant-initialised: asked without the call that would set it up first.
     static constinit thread_local const CifBlockNameFilter* current_;

@@ -32,13 +32,13 @@ public:
 
     // Name and text of each item; the text is empty when the block lacks it
     // or gives ? or ., the number 0.
-    const std::string& symbol_name() const { return symbol_name_; }
+    const std::string& symbol_name() const { return name(symbol_name_); }
     const std::string& symbol() const { return symbol_; }
-    const std::string& hall_name() const { return hall_name_; }
+    const std::string& hall_name() const { return name(hall_name_); }
     const std::string& hall() const { return hall_; }
-    const std::string& number_name() const { return number_name_; }
+    const std::string& number_name() const { return name(number_name_); }
     int number() const { return number_; }
-    const std::string& operators_name() const { return operators_name_; }
+    const std::string& operators_name() const { return name(operators_name_); }
     // The setting the H-M symbol names (Spacegroup::named(), asked once
     // per block) and its suite symbol, "Unknown" when not recognised.
     const SpacegroupCache::Group& symbol_group() const;
@@ -80,7 +80,11 @@ public:
 
 private:
     struct Ops;
-    std::string symbol_name_, symbol_, hall_name_, hall_, number_name_, operators_name_;
+    // The names as the block's items keep them (null: not given).
+    static const std::string& name(const std::string* kept);
+    const std::string *symbol_name_ = nullptr, *hall_name_ = nullptr, *number_name_ = nullptr,
+                      *operators_name_ = nullptr;
+    std::string symbol_, hall_;
     int number_ = 0;
     std::vector<std::string_view> operators_;
     CifReading cell_[6];
