@@ -18,9 +18,14 @@ THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckNam
     return item == nullptr ? THandle<CifDataItem>() : *item;
 }
 
+const std::string& CifReadingName::none() {
+    static const std::string empty;
+    return empty;
+}
+
 CifReading cif_check_reading(const CifDataItem& item) {
     CifReading reading;
-    reading.name = item.name();
+    reading.name = CifReadingName(item.name());
     std::string_view text = item.value_view(0);
     if (cif_check_unknown(text)) return reading;
     reading.number = CifNumber::parse(text);
@@ -61,7 +66,7 @@ std::string cif_check_significant(double value, int digits) {
 }
 
 std::string cif_check_written(const CifDataBlock& block, const CifReading& reading) {
-    THandle<CifDataItem> item = block.find(reading.name);
+    THandle<CifDataItem> item = block.find(reading.name.text());
     if (item.is_null() || !item->has_value()) return "?";
     return std::string(item->value_view(0));
 }
