@@ -33,10 +33,10 @@ CifReading cif_check_reading(const CifDataItem& item) {
     return reading;
 }
 
-std::pair<std::string, std::string> cif_check_text_of(const CifDataItem& item) {
+std::pair<CifReadingName, std::string> cif_check_text_of(const CifDataItem& item) {
     std::string value(item.value_view(0));
-    if (cif_check_unknown(value) && !item.is_quoted(0)) return {item.name(), std::string()};
-    return {item.name(), value};
+    if (cif_check_unknown(value) && !item.is_quoted(0)) return {CifReadingName(item.name()), std::string()};
+    return {CifReadingName(item.name()), value};
 }
 
 void cif_check_read_cell(const CifDataBlock& block, CifReading cell[6]) {

@@ -77,11 +77,11 @@ inline CifReading cif_check_read(const CifDataBlock& block, std::initializer_lis
 
 // The name and text of an item's first value; the text is empty for an
 // unknown value (a quoted ? stays).
-std::pair<std::string, std::string> cif_check_text_of(const CifDataItem& item);
+std::pair<CifReadingName, std::string> cif_check_text_of(const CifDataItem& item);
 
 // The same of the first of the names the block holds.
-inline std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
-                                                          std::initializer_list<CifCheckName> names) {
+inline std::pair<CifReadingName, std::string> cif_check_text(const CifDataBlock& block,
+                                                             std::initializer_list<CifCheckName> names) {
     for (const CifCheckName& name : names) {
         const CifDataItem* item = cif_check_item(block, name);
         if (item != nullptr && item->has_value()) return cif_check_text_of(*item);
