@@ -264,4 +264,22 @@ TEST(SpacegroupOperators, AListAsWrittenHasOneEntryThatKeepsBothItsReadings) {
     EXPECT_FALSE(unreadable->group(0).readable);
 }
 
+TEST(SpacegroupOperators, TripletsSharedBetweenListsAreReadAlikeAndAloneUnreadable) {
+    // Each triplet is read once for every list that holds it, blanks around it aside.
+    auto sorted_ops = [](std::initializer_list<std::string_view> texts) {
+        const gemmi::GroupOps* ops = SpacegroupOperators::of(texts)->operations();
+        return ops == nullptr ? std::vector<gemmi::Op>() : ops->all_ops_sorted();
+    };
+    const std::vector<gemmi::Op> first = sorted_ops({"x,y,z", "-x,-y,-z+1/3"});
+    ASSERT_EQ(first.size(), 2u);
+    EXPECT_EQ(sorted_ops({" -x,-y,-z+1/3", "x,y,z\t"}), first);
+    // A triplet that cannot be read makes its lists unreadable, not the
+    // triplets read beside it.
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(SpacegroupOperators::of({"x,y,z", "-x,-y+1/3"})->operations(), nullptr);
+        EXPECT_FALSE(SpacegroupOperators::of({"-x,-y+1/3 ", "x,y,z"})->group(0).readable);
+    }
+    EXPECT_EQ(sorted_ops({"x,y,z", " -x,-y,-z+1/3 "}), first);
+}
+
 }  // namespace
