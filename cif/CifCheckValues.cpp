@@ -18,11 +18,6 @@ THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckNam
     return item == nullptr ? THandle<CifDataItem>() : *item;
 }
 
-const std::string& CifReadingName::none() {
-    static const std::string empty;
-    return empty;
-}
-
 CifReading cif_check_reading(const CifDataItem& item) {
     CifReading reading;
     reading.name = CifReadingName(item.name());

@@ -12,29 +12,7 @@
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifError.hpp"
 #include "cif/CifNumber.hpp"
-
-// The data name of a reading as the block's item keeps it, not copied:
-// readings live while the block is checked. Reads as the name's string and
-// joins strings as one.
-class CifReadingName {
-public:
-    CifReadingName() = default;
-    explicit CifReadingName(const std::string& kept) : kept_(&kept) {}
-
-    const std::string& text() const { return kept_ == nullptr ? none() : *kept_; }
-    operator const std::string&() const { return text(); }
-
-private:
-    static const std::string& none();
-    const std::string* kept_ = nullptr;
-};
-
-inline std::string operator+(const char* a, const CifReadingName& b) { return a + b.text(); }
-inline std::string operator+(const std::string& a, const CifReadingName& b) { return a + b.text(); }
-inline std::string operator+(std::string&& a, const CifReadingName& b) { return std::move(a) + b.text(); }
-inline std::string operator+(const CifReadingName& a, const char* b) { return a.text() + b; }
-inline std::string operator+(const CifReadingName& a, const std::string& b) { return a.text() + b; }
-inline bool operator==(const CifReadingName& a, std::string_view b) { return a.text() == b; }
+#include "cif/CifReadingName.hpp"
 
 // One numeric value of a block, under the first of several names given.
 struct CifReading {
