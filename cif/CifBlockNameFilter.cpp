@@ -1,51 +1,58 @@
 // SPDX-License-Identifier: MIT
-// The names a block holds, as a filter the cross-checks ask before looking a name up.
+// The items of a block by name, as an index the cross-checks ask instead of the block.
 #include "cif/CifBlockNameFilter.hpp"
 
-#include <cstring>
+#include <algorithm>
 
 #include "cif/CifDataBlock.hpp"
-#include "cif/CifDataItem.hpp"
+#include "cif/CifNames.hpp"
 
-thread_local const CifBlockNameFilter* CifBlockNameFilter::current_ = nullptr;
+constinit thread_local const CifBlockNameFilter* CifBlockNameFilter::current_ = nullptr;
+thread_local CifBlockNameFilter::Spare CifBlockNameFilter::spare_;
 
 namespace {
 
-// Beyond this many names, two bits each would fill most of the filter.
-constexpr std::size_t most_names = 256;
+// Beyond this many names the block's own index serves as well.
+constexpr std::size_t most_names = 1024;
 
 }  // namespace
 
 CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&block) {
-    if (block.item_count() > most_names) {
-        all_ = true;
-        return;
-    }
-    for (auto item = block.begin_write_order(); item != block.end_write_order(); ++item) add((*item)->name());
-}
-
-// The length, the first eight bytes after the leading underscore and the
-// last eight, each byte with its 0x20 bit set as the block's name table
-// does (a letter and its capital alike), mixed into two 32-bit halves.
-std::uint64_t CifBlockNameFilter::key_of(std::string_view name) {
-    constexpr std::uint64_t case_bits = 0x2020202020202020ull;
-    std::uint64_t head = 0, tail = 0;
-    const std::size_t size = name.size();
-    if (size >= 9) {
-        std::memcpy(&head, name.data() + 1, 8);
-        std::memcpy(&tail, name.data() + size - 8, 8);
+    const std::size_t count = block.item_count();
+    if (count > most_names) return;
+    // At most a quarter full: most names asked are missing, and a miss ends
+    // at the first free slot.
+    std::size_t size = 16;
+    while (size < 4 * count) size *= 2;
+    // The thread's last table serves again: a table per block would cost
+    // more to allocate than the names cost to file.
+    if (spare_.size >= size) {
+        slots_ = std::move(spare_.slots);
+        size_ = spare_.size;
+        spare_.size = 0;
     } else {
-        std::memcpy(&head, name.data(), size);
+        slots_ = std::make_unique_for_overwrite<Slot[]>(size);
+        size_ = size;
     }
-    std::uint64_t key = (head | case_bits) * 0x9E3779B97F4A7C15ull;
-    key ^= ((tail | case_bits) + size) * 0xC2B2AE3D27D4EB4Full;
-    return key ^ (key >> 29);
+    std::fill_n(slots_.get(), size, Slot{0, nullptr});
+    mask_ = size - 1;
+    for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
+        const std::uint64_t key = cif_check_name_key((*item)->name());
+        std::size_t at = key & mask_;
+        while (slots_[at].item != nullptr) at = (at + 1) & mask_;
+        slots_[at] = Slot{key, &*item};
+    }
 }
 
-void CifBlockNameFilter::add(std::string_view name) {
-    const std::uint64_t key = key_of(name);
-    bits_[(key >> 6) & (words - 1)] |= std::uint64_t{1} << (key & 63);
-    bits_[(key >> 38) & (words - 1)] |= std::uint64_t{1} << ((key >> 32) & 63);
+CifBlockNameFilter::~CifBlockNameFilter() {
+    if (slots_ != nullptr && size_ > spare_.size) {
+        spare_.slots = std::move(slots_);
+        spare_.size = size_;
+    }
+}
+
+bool CifBlockNameFilter::named(const THandle<CifDataItem>& item, std::string_view name) {
+    return cif_iequals(item->name(), name);
 }
 
 CifBlockNameFilter::Scope::Scope(const CifBlockNameFilter& names) : previous_(current_) { current_ = &names; }

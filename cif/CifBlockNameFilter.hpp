@@ -1,30 +1,42 @@
 // SPDX-License-Identifier: MIT
-// The names a block holds, as a filter the cross-checks ask before looking a name up.
+// The items of a block by name, as an index the cross-checks ask instead of the block.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
+
+#include "cif/CifCheckName.hpp"
+#include "cif/CifDataItem.hpp"
+#include "support/THandle.hpp"
 
 class CifDataBlock;
 
 // The cross-checks ask a block for about a hundred names, most of which a
-// small block lacks. This filter, made once per block from its items' names,
-// answers "not held" for most of the missing ones at the cost of two loads
-// and a multiplication, without hashing the whole name or probing the
-// block's table; a name it lets through is looked up as before. It never
-// turns away a name the block holds (ASCII case aside), so answers are those
-// of the block itself. Blocks of very many names let every name through.
+// small block lacks. This index, made once per block from its items' names,
+// files each item under the name's key (CifCheckName); a name asked for
+// with its key ready costs a probe or two and, when found, one comparison
+// of the names (ASCII case ignored, as the block compares them). Its
+// answers are those of the block. Blocks of very many names are not
+// indexed: the block is asked itself.
 class CifBlockNameFilter {
 public:
     explicit CifBlockNameFilter(const CifDataBlock& block);
+    ~CifBlockNameFilter();
+    CifBlockNameFilter(const CifBlockNameFilter&) = delete;
+    CifBlockNameFilter& operator=(const CifBlockNameFilter&) = delete;
 
-    // False only when the block holds no item of this name.
-    bool may_hold(std::string_view name) const {
-        if (all_) return true;
-        const std::uint64_t key = key_of(name);
-        return (bits_[(key >> 6) & (words - 1)] & (std::uint64_t{1} << (key & 63))) != 0 &&
-               (bits_[(key >> 38) & (words - 1)] & (std::uint64_t{1} << ((key >> 32) & 63))) != 0;
+    // Whether the block was too large to index (find() is not to be asked).
+    bool asks_block() const { return slots_ == nullptr; }
+    // The block's handle of the item of that name, or null when it holds none.
+    const THandle<CifDataItem>* find(const CifCheckName& name) const {
+        const std::uint64_t key = name.key();
+        for (std::size_t at = key & mask_;; at = (at + 1) & mask_) {
+            const Slot& slot = slots_[at];
+            if (slot.item == nullptr) return nullptr;
+            if (slot.key == key && named(*slot.item, name.text())) return slot.item;
+        }
     }
 
     // The filter that check_block() set up for this block on this thread;
@@ -46,12 +58,26 @@ public:
     };
 
 private:
-    static constexpr std::size_t words = 16;  // 1,024 bits
-    static std::uint64_t key_of(std::string_view name);
-    void add(std::string_view name);
+    // Whether the item's name is name, ASCII case ignored (out of line: the
+    // probe above stays small enough to inline where names are asked).
+    static bool named(const THandle<CifDataItem>& item, std::string_view name);
+
+    struct Slot {
+        std::uint64_t key;
+        const THandle<CifDataItem>* item;  // null: free
+    };
+
+    // The table of the last filter of the thread, kept for the next block.
+    struct Spare {
+        std::unique_ptr<Slot[]> slots;
+        std::size_t size = 0;
+    };
+    static thread_local Spare spare_;
 
     const CifDataBlock* block_;
-    bool all_ = false;
-    std::uint64_t bits_[words] = {};
-    static thread_local const CifBlockNameFilter* current_;
+    std::unique_ptr<Slot[]> slots_;
+    std::size_t size_ = 0;  // of slots_, of which mask_ + 1 are in use
+    std::size_t mask_ = 0;
+    // Constant-initialised: asked without the call that would set it up first.
+    static constinit thread_local const CifBlockNameFilter* current_;
 };

@@ -25,8 +25,7 @@ std::optional<gemmi::GroupOps> from_hall(const std::string& hall) {
     }
 }
 
-std::optional<gemmi::GroupOps> from_symbol(const std::string& symbol) {
-    std::string xhm = Spacegroup::derive_orma_symbol(symbol);
+std::optional<gemmi::GroupOps> from_symbol(const std::string& xhm) {
     if (xhm == "Unknown") return std::nullopt;
     const gemmi::SpaceGroup* found = gemmi::find_spacegroup_by_name(xhm);
     if (found == nullptr) return std::nullopt;
@@ -51,19 +50,40 @@ struct CifBlockSymmetry::Ops {
 };
 
 CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
-    std::tie(symbol_name_, symbol_) = cif_check_text(
-        block, {"_symmetry_space_group_name_H-M", "_space_group_name_H-M_alt", "_space_group.name_H-M_alt"});
-    std::tie(hall_name_, hall_) = cif_check_text(
-        block, {"_space_group_name_Hall", "_symmetry_space_group_name_Hall", "_space_group.name_Hall"});
-    CifReading number = cif_check_read(
-        block, {"_symmetry_Int_Tables_number", "_space_group_IT_number", "_space_group.IT_number"});
-    number_name_ = number.name;
-    if (number.ok) number_ = static_cast<int>(std::lround(number.value()));
-    for (const char* name : {"_symmetry_equiv_pos_as_xyz", "_space_group_symop_operation_xyz",
-                             "_space_group_symop.operation_xyz"}) {
-        THandle<CifDataItem> item = cif_check_find(block, name);
-        if (item.is_null()) continue;
-        operators_name_ = item->name();
+    // The first of the names the block gives a value, as cif_check_text()
+    // and cif_check_read() take it, its name kept by the item itself.
+    auto given = [&block](std::initializer_list<CifCheckName> names) -> const CifDataItem* {
+        for (const CifCheckName& name : names) {
+            const CifDataItem* item = cif_check_item(block, name);
+            if (item != nullptr && item->has_value()) return item;
+        }
+        return nullptr;
+    };
+    if (const CifDataItem* item = given(
+            {"_symmetry_space_group_name_H-M", "_space_group_name_H-M_alt", "_space_group.name_H-M_alt"})) {
+        symbol_name_ = &item->name();
+        symbol_ = cif_check_text_of(*item).second;
+    }
+    if (const CifDataItem* item =
+            given({"_space_group_name_Hall", "_symmetry_space_group_name_Hall", "_space_group.name_Hall"})) {
+        hall_name_ = &item->name();
+        hall_ = cif_check_text_of(*item).second;
+    }
+    if (const CifDataItem* item =
+            given({"_symmetry_Int_Tables_number", "_space_group_IT_number", "_space_group.IT_number"})) {
+        number_name_ = &item->name();
+        const std::string_view text = item->value_view(0);
+        if (!cif_check_unknown(text)) {
+            const CifNumber number = CifNumber::parse(text);
+            if (number.ok()) number_ = static_cast<int>(std::lround(number.value));
+        }
+    }
+    for (const CifCheckName& name :
+         {CifCheckName("_symmetry_equiv_pos_as_xyz"), CifCheckName("_space_group_symop_operation_xyz"),
+          CifCheckName("_space_group_symop.operation_xyz")}) {
+        const CifDataItem* item = cif_check_item(block, name);
+        if (item == nullptr) continue;
+        operators_name_ = &item->name();
         operators_.reserve(item->size());
         for (std::size_t n = 0; n < item->size(); ++n) operators_.push_back(item->value_view(n));
         break;
@@ -71,12 +91,30 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
     cif_check_read_cell(block, cell_);
 }
 
+const std::string& CifBlockSymmetry::name(const std::string* kept) {
+    static const std::string none;
+    return kept == nullptr ? none : *kept;
+}
+
 CifBlockSymmetry::~CifBlockSymmetry() = default;
+
+const SpacegroupCache::Group& CifBlockSymmetry::symbol_group() const {
+    if (!symbol_group_) {
+        symbol_group_ = Spacegroup::named(symbol_);
+        derived_symbol_ = symbol_group_->number == 0 ? std::string("Unknown") : symbol_group_->symbol;
+    }
+    return *symbol_group_;
+}
+
+const std::string& CifBlockSymmetry::derived_symbol() const {
+    symbol_group();
+    return derived_symbol_;
+}
 
 const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
     if (operators_.empty()) return nullptr;
     if (!spacegroup_) {
-        const int number = Spacegroup::number_of(symbol_);
+        const int number = symbol_group().number;
         spacegroup_ = std::make_unique<Spacegroup>(list().group(number), number, symbol_);
     }
     return spacegroup_.get();
@@ -91,7 +129,7 @@ const gemmi::GroupOps* CifBlockSymmetry::operations() const {
         } else if (const gemmi::GroupOps* hall = operations_of_hall()) {
             ops_->chosen = hall;
         } else {
-            ops_->other = from_symbol(symbol_);
+            ops_->other = from_symbol(derived_symbol());
             if (!ops_->other) ops_->other = from_number(number_);
             if (ops_->other) ops_->chosen = &*ops_->other;
         }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,13 +32,17 @@ public:
 
     // Name and text of each item; the text is empty when the block lacks it
     // or gives ? or ., the number 0.
-    const std::string& symbol_name() const { return symbol_name_; }
+    const std::string& symbol_name() const { return name(symbol_name_); }
     const std::string& symbol() const { return symbol_; }
-    const std::string& hall_name() const { return hall_name_; }
+    const std::string& hall_name() const { return name(hall_name_); }
     const std::string& hall() const { return hall_; }
-    const std::string& number_name() const { return number_name_; }
+    const std::string& number_name() const { return name(number_name_); }
     int number() const { return number_; }
-    const std::string& operators_name() const { return operators_name_; }
+    const std::string& operators_name() const { return name(operators_name_); }
+    // The setting the H-M symbol names (Spacegroup::named(), asked once
+    // per block) and its suite symbol, "Unknown" when not recognised.
+    const SpacegroupCache::Group& symbol_group() const;
+    const std::string& derived_symbol() const;
     // The operators as the block's values give them (views of its text).
     const std::vector<std::string_view>& operators() const { return operators_; }
 
@@ -75,7 +80,11 @@ public:
 
 private:
     struct Ops;
-    std::string symbol_name_, symbol_, hall_name_, hall_, number_name_, operators_name_;
+    // The names as the block's items keep them (null: not given).
+    static const std::string& name(const std::string* kept);
+    const std::string *symbol_name_ = nullptr, *hall_name_ = nullptr, *number_name_ = nullptr,
+                      *operators_name_ = nullptr;
+    std::string symbol_, hall_;
     int number_ = 0;
     std::vector<std::string_view> operators_;
     CifReading cell_[6];
@@ -84,6 +93,8 @@ private:
     // hall_setting() found in the tables.
     const gemmi::SpaceGroup* tabulated_hall_setting() const;
     mutable std::shared_ptr<const SpacegroupOperators> list_;
+    mutable std::optional<SpacegroupCache::Group> symbol_group_;
+    mutable std::string derived_symbol_;
     mutable std::unique_ptr<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;
 };

@@ -11,37 +11,27 @@
 
 bool cif_check_unknown(std::string_view value) { return value.empty() || value == "?" || value == "."; }
 
-THandle<CifDataItem> cif_check_find(const CifDataBlock& block, std::string_view name) {
+THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckName& name) {
     const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
-    if (names != nullptr && !names->may_hold(name)) return THandle<CifDataItem>();
-    return block.find(name);
+    if (names == nullptr || names->asks_block()) return block.find(name.text());
+    const THandle<CifDataItem>* item = names->find(name);
+    return item == nullptr ? THandle<CifDataItem>() : *item;
 }
 
-CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const char*> names) {
+CifReading cif_check_reading(const CifDataItem& item) {
     CifReading reading;
-    for (const char* name : names) {
-        THandle<CifDataItem> item = cif_check_find(block, name);
-        if (item.is_null() || !item->has_value()) continue;
-        reading.name = item->name();
-        std::string_view text = item->value_view(0);
-        if (cif_check_unknown(text)) return reading;
-        reading.number = CifNumber::parse(text);
-        reading.ok = reading.number.ok();
-        return reading;
-    }
+    reading.name = CifReadingName(item.name());
+    std::string_view text = item.value_view(0);
+    if (cif_check_unknown(text)) return reading;
+    reading.number = CifNumber::parse(text);
+    reading.ok = reading.number.ok();
     return reading;
 }
 
-std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
-                                                   std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-        THandle<CifDataItem> item = cif_check_find(block, name);
-        if (item.is_null() || !item->has_value()) continue;
-        std::string value(item->value_view(0));
-        if (cif_check_unknown(value) && !item->is_quoted(0)) return {item->name(), std::string()};
-        return {item->name(), value};
-    }
-    return {};
+std::pair<CifReadingName, std::string> cif_check_text_of(const CifDataItem& item) {
+    std::string value(item.value_view(0));
+    if (cif_check_unknown(value) && !item.is_quoted(0)) return {CifReadingName(item.name()), std::string()};
+    return {CifReadingName(item.name()), value};
 }
 
 void cif_check_read_cell(const CifDataBlock& block, CifReading cell[6]) {
@@ -71,7 +61,7 @@ std::string cif_check_significant(double value, int digits) {
 }
 
 std::string cif_check_written(const CifDataBlock& block, const CifReading& reading) {
-    THandle<CifDataItem> item = block.find(reading.name);
+    THandle<CifDataItem> item = block.find(reading.name.text());
     if (item.is_null() || !item->has_value()) return "?";
     return std::string(item->value_view(0));
 }

@@ -7,13 +7,16 @@
 #include <string_view>
 #include <utility>
 
+#include "cif/CifBlockNameFilter.hpp"
+#include "cif/CifCheckName.hpp"
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifError.hpp"
 #include "cif/CifNumber.hpp"
+#include "cif/CifReadingName.hpp"
 
 // One numeric value of a block, under the first of several names given.
 struct CifReading {
-    std::string name;
+    CifReadingName name;
     CifNumber number;
     bool ok = false;
 
@@ -24,19 +27,45 @@ struct CifReading {
 };
 
 // The item of that name, or null. While check_block() checks the block, its
-// name filter turns most missing names away before the block is asked.
-THandle<CifDataItem> cif_check_find(const CifDataBlock& block, std::string_view name);
+// name index answers instead of the block.
+THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckName& name);
+// The same without a handle of its own (the block keeps the item).
+inline const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name) {
+    const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
+    if (names == nullptr || names->asks_block()) return block.find(name.text()).get();
+    const THandle<CifDataItem>* item = names->find(name);
+    return item == nullptr ? nullptr : item->get();
+}
 
 // ?, . and nothing.
 bool cif_check_unknown(std::string_view value);
 
-// The first of the names the block holds; not ok when it is unknown or no number.
-CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<const char*> names);
+// The reading of an item's first value; not ok when it is unknown or no number.
+CifReading cif_check_reading(const CifDataItem& item);
 
-// The name and text of the first of the names the block holds; the text is
-// empty for an unknown value (a quoted ? stays).
-std::pair<std::string, std::string> cif_check_text(const CifDataBlock& block,
-                                                   std::initializer_list<const char*> names);
+// The first of the names the block holds; not ok when it is unknown or no
+// number. (Inline: most names asked are missing, and then nothing is read.)
+inline CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
+    for (const CifCheckName& name : names) {
+        const CifDataItem* item = cif_check_item(block, name);
+        if (item != nullptr && item->has_value()) return cif_check_reading(*item);
+    }
+    return CifReading();
+}
+
+// The name and text of an item's first value; the text is empty for an
+// unknown value (a quoted ? stays).
+std::pair<CifReadingName, std::string> cif_check_text_of(const CifDataItem& item);
+
+// The same of the first of the names the block holds.
+inline std::pair<CifReadingName, std::string> cif_check_text(const CifDataBlock& block,
+                                                             std::initializer_list<CifCheckName> names) {
+    for (const CifCheckName& name : names) {
+        const CifDataItem* item = cif_check_item(block, name);
+        if (item != nullptr && item->has_value()) return cif_check_text_of(*item);
+    }
+    return {};
+}
 
 // The six cell parameters a, b, c, alpha, beta, gamma under either spelling.
 void cif_check_read_cell(const CifDataBlock& block, CifReading cell[6]);

@@ -44,7 +44,8 @@ private:
     const CifDataBlock& block_;
     const CifBlockSymmetry& symmetry_;
     CifCheckFindings& findings_;
-    std::string formula_name_, formula_text_;
+    CifReadingName formula_name_;
+    std::string formula_text_;
     CifChemicalFormula formula_;
     CifReading z_, weight_, volume_;
     bool contents_disagree_ = false;

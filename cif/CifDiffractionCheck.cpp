@@ -21,6 +21,19 @@ constexpr double avogadro_per_cubic_angstrom = 0.60221408;  // N_A * 1e-24
 
 std::string percent(double fraction) { return cif_check_format(100.0 * fraction, 0.1) + " %"; }
 
+// Whether the block holds an item of the powder category (_pd_... or _pd....,
+// case ignored), as has_item_with_category("pd") answers, from the first
+// four bytes of each name: asked of every block.
+bool holds_powder_items(const CifDataBlock& block) {
+    for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
+        const std::string& name = (*item)->name();
+        if (name.size() >= 3 && name[0] == '_' && (name[1] | 0x20) == 'p' && (name[2] | 0x20) == 'd' &&
+            (name.size() == 3 || name[3] == '_' || name[3] == '.'))
+            return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 CifDiffractionCheck::CifDiffractionCheck(const CifDataBlock& block, const CifBlockSymmetry& symmetry,
@@ -134,7 +147,7 @@ void CifDiffractionCheck::check_transmission() {
 
 void CifDiffractionCheck::check_reflections() {
     // Powder patterns count reflections otherwise.
-    if (block_.has_item_with_category("pd")) return;
+    if (holds_powder_items(block_)) return;
     CifReading theta = cif_check_read(block_, {"_diffrn_reflns_theta_max", "_diffrn_reflns.theta_max"});
     const double lambda = wavelength();
     if (!theta.ok || lambda <= 0.0 || theta.value() <= 0.0 || theta.value() >= 90.0) return;
@@ -148,9 +161,10 @@ void CifDiffractionCheck::check_reflections() {
                               " with wavelength " + cif_check_format(lambda, 0.00001);
 
     // The index limits: |h| reaches at most s times a.
-    const char* const limits[3][2] = {{"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
-                                      {"_diffrn_reflns_limit_k_min", "_diffrn_reflns_limit_k_max"},
-                                      {"_diffrn_reflns_limit_l_min", "_diffrn_reflns_limit_l_max"}};
+    static constexpr CifCheckName limits[3][2] = {
+        {"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
+        {"_diffrn_reflns_limit_k_min", "_diffrn_reflns_limit_k_max"},
+        {"_diffrn_reflns_limit_l_min", "_diffrn_reflns_limit_l_max"}};
     for (int axis = 0; axis < 3; ++axis) {
         CifReading low = cif_check_read(block_, {limits[axis][0]});
         CifReading high = cif_check_read(block_, {limits[axis][1]});
@@ -176,7 +190,8 @@ void CifDiffractionCheck::check_reflections() {
     if (laue == 0 || centring == 0 || volume <= 0.0) return;
     const double expected = 4.0 / 3.0 * std::numbers::pi * s * s * s * volume / (laue * centring);
     if (expected < 50.0) return;  // too few for the estimate
-    for (const char* name : {"_reflns_number_total", "_diffrn_reflns_number"}) {
+    for (const CifCheckName& name :
+         {CifCheckName("_reflns_number_total"), CifCheckName("_diffrn_reflns_number")}) {
         CifReading count = cif_check_read(block_, {name});
         if (!count.ok) continue;
         const double completeness = count.value() / expected;

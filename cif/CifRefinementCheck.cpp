@@ -82,7 +82,8 @@ void CifRefinementCheck::check_residual_density() {
     if (highest.ok && highest.value() < 0.0)
         findings_.add(CifError::residual_density_implausible, CifError::error, block_, highest.name,
                       " (" + cif_check_written(block_, highest) + ": the highest peak cannot be negative)");
-    // The heaviest atom of the formula, else of the atom types.
+    // Against the heaviest atom of the formula, else of the atom types.
+    if (!highest.ok && !lowest.ok) return;
     std::string heaviest;
     int z = 0;
     auto consider = [&](const std::string& element) {

@@ -54,13 +54,13 @@ CifSymmetryCheck::CifSymmetryCheck(const CifDataBlock& block, const CifBlockSymm
 void CifSymmetryCheck::check_symbol() {
     const std::string& symbol = symmetry_.symbol();
     if (symbol.empty()) return;
-    std::string derived = Spacegroup::derive_orma_symbol(symbol);
+    const std::string& derived = symmetry_.derived_symbol();
     if (derived == "Unknown") {
         findings_.add(CifError(CifError::space_group_unknown,
                                findings_.value_line(block_, symmetry_.symbol_name(), 0), symbol));
         return;
     }
-    int symbol_number = Spacegroup::number_of(symbol);
+    int symbol_number = symmetry_.symbol_group().number;
     if (symmetry_.number() != 0 && symmetry_.number() != symbol_number)
         findings_.add(CifError::calculated_value_differs, block_, symmetry_.number_name(),
                       " (" + std::to_string(symbol_number) + " for " + symbol + ")");

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <numbers>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -26,7 +27,7 @@ namespace {
 
 using Reading = CifReading;
 
-Reading read(const CifDataBlock& block, std::initializer_list<const char*> names) {
+Reading read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
     return cif_check_read(block, names);
 }
 
@@ -73,6 +74,31 @@ private:
         return at;
     }
     std::vector<Slot> slots_;
+};
+
+// The cell's volume with one of its parameters moved, as
+// cif_check_cell_volume() gives it, with the cosines of the angles kept:
+// the propagation of uncertainties moves each parameter up and down.
+class CellVolumes {
+public:
+    explicit CellVolumes(const double p[6]) {
+        std::copy(p, p + 6, p_);
+        for (int k = 0; k < 3; ++k) cos_[k] = std::cos(p[3 + k] * radians);
+    }
+    double with(int i, double value) const {
+        double q[6], c[3];
+        std::copy(p_, p_ + 6, q);
+        std::copy(cos_, cos_ + 3, c);
+        q[i] = value;
+        if (i >= 3) c[i - 3] = std::cos(value * radians);
+        double root = 1.0 - c[0] * c[0] - c[1] * c[1] - c[2] * c[2] + 2.0 * c[0] * c[1] * c[2];
+        return root <= 0.0 ? 0.0 : q[0] * q[1] * q[2] * std::sqrt(root);
+    }
+
+private:
+    static constexpr double radians = std::numbers::pi / 180.0;
+    double p_[6];
+    double cos_[3];
 };
 
 }  // namespace
@@ -144,14 +170,10 @@ void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block, const CifB
         }
     }
     double variance = 0.0, stated_variance = 0.0, stated_linear = 0.0;
+    const CellVolumes volumes(p);
     for (int i = 0; i < 6; ++i) {
         auto derivative = [&](double step) {
-            double up[6], down[6];
-            std::copy(p, p + 6, up);
-            std::copy(p, p + 6, down);
-            up[i] += step;
-            down[i] -= step;
-            return (cif_check_cell_volume(up) - cif_check_cell_volume(down)) / (2.0 * step);
+            return (volumes.with(i, p[i] + step) - volumes.with(i, p[i] - step)) / (2.0 * step);
         };
         variance += std::pow(derivative(std::max(cell[i].sigma(), 1e-9)) * cell[i].sigma(), 2);
         if (stated_sigma[i] > 0.0) {
@@ -286,7 +308,7 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
 
 void ORMACifConsistencyChecker::check_order(const CifDataBlock& block) {
     // Pairs (smaller, larger) that must be in order.
-    static const char* const pairs[][2] = {
+    static constexpr CifCheckName pairs[][2] = {
         {"_diffrn_reflns_theta_min", "_diffrn_reflns_theta_max"},
         {"_cell_measurement_theta_min", "_cell_measurement_theta_max"},
         {"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
@@ -311,7 +333,7 @@ void ORMACifConsistencyChecker::check_order(const CifDataBlock& block) {
 }
 
 void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
-    static const char* const pairs[][2] = {
+    static constexpr CifCheckName pairs[][2] = {
         {"_reflns_number_gt", "_reflns_number_total"},
         {"_reflns_number_total", "_diffrn_reflns_number"},
         {"_refine_ls_number_restraints", "_refine_ls_number_reflns"},
@@ -324,15 +346,15 @@ void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
                 " (larger than " + high.name + " " + format(high) + ")");
     }
     // A count given with its loop must count the loop's rows.
-    static const char* const counted[][2] = {
+    static constexpr CifCheckName counted[][2] = {
         {"_diffrn_reflns_number", "_diffrn_refln_index_h"},
         {"_diffrn_standards_number", "_diffrn_standard_refln_index_h"},
         {"_cell_measurement_reflns_used", "_cell_measurement_refln_index_h"},
     };
     for (const auto& pair : counted) {
         Reading count = read(block, {pair[0]});
-        THandle<CifDataItem> rows = cif_check_find(block, pair[1]);
-        if (!count.ok || rows.is_null() || !rows->is_looped()) continue;
+        const CifDataItem* rows = cif_check_item(block, pair[1]);
+        if (!count.ok || rows == nullptr || !rows->is_looped()) continue;
         if (std::fabs(count.value() - static_cast<double>(rows->size())) > 0.5)
             add(CifError::count_mismatch, block, count.name,
                 " (the loop of " + rows->name() + " has " + std::to_string(rows->size()) + " rows)");
@@ -367,7 +389,7 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
             *found = static_cast<std::size_t>(-1);
         }
     }
-    static const char* const children[] = {
+    static constexpr CifCheckName children[] = {
         "_atom_site_aniso_label",          "_geom_bond_atom_site_label_1",
         "_geom_bond_atom_site_label_2",    "_geom_angle_atom_site_label_1",
         "_geom_angle_atom_site_label_2",   "_geom_angle_atom_site_label_3",
@@ -380,9 +402,9 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
     };
     // A site's rows damaged by a syntax problem may hold any label.
     if (sound_sites < sites->size()) return;
-    for (const char* child : children) {
-        THandle<CifDataItem> item = cif_check_find(block, child);
-        if (item.is_null() || linked(child)) continue;
+    for (const CifCheckName& child : children) {
+        const CifDataItem* item = cif_check_item(block, child);
+        if (item == nullptr || linked(std::string(child.text()))) continue;
         std::unordered_set<std::string_view> reported;
         const std::size_t sound = findings_->sound_rows(block, *item);
         for (std::size_t n = 0; n < sound; ++n) {

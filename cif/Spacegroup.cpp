@@ -3,6 +3,7 @@
 #include "cif/Spacegroup.hpp"
 
 #include <algorithm>
+#include <cstring>
 #include <gemmi/symmetry.hpp>
 #include <memory>
 #include <mutex>
@@ -109,13 +110,17 @@ std::string packed(const std::vector<gemmi::Op>& ops) {
             for (int value : row) small = small && value >= -128 && value <= 127;
         for (int value : op.tran) small = small && value >= -128 && value <= 127;
     }
-    std::string text(1, small ? 's' : 'w');
-    text.reserve(1 + ops.size() * 12 * (small ? 1 : sizeof(int)));
-    auto put = [&text, small](int value) {
+    // Written in place: a list of 192 operations has 2,304 numbers.
+    const std::size_t width = small ? 1 : sizeof(int);
+    std::string text(1 + ops.size() * 12 * width, '\0');
+    text[0] = small ? 's' : 'w';
+    char* at = text.data() + 1;
+    auto put = [&at, small](int value) {
         if (small) {
-            text += static_cast<char>(static_cast<signed char>(value));
+            *at++ = static_cast<char>(static_cast<signed char>(value));
         } else {
-            text.append(reinterpret_cast<const char*>(&value), sizeof value);
+            std::memcpy(at, &value, sizeof value);
+            at += sizeof value;
         }
     };
     for (const gemmi::Op& op : ops) {
@@ -146,17 +151,16 @@ const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
     return *slot;
 }
 
-// The setting a symbol names ("" and 0 when none), looked up once per
-// distinct text: files of a run mostly name a few groups.
-SpacegroupCache::Group named(const std::string& symbol) {
+}  // namespace
+
+// Files of a run mostly name a few groups.
+SpacegroupCache::Group Spacegroup::named(const std::string& symbol) {
     return SpacegroupCache::by_name().lookup(symbol, [&symbol]() {
         const gemmi::SpaceGroup* found = find(symbol);
         return found == nullptr ? SpacegroupCache::Group{std::string(), 0, true}
                                 : SpacegroupCache::Group{found->xhm(), found->number, true};
     });
 }
-
-}  // namespace
 
 Spacegroup::Spacegroup(const std::vector<std::string>& operators, int number, const std::string& hint)
     : Spacegroup(SpacegroupOperators::of(std::vector<std::string_view>(operators.begin(), operators.end()))
@@ -170,8 +174,9 @@ Spacegroup::Spacegroup(const SpacegroupCache::Group& group, int number, const st
       given_symbol_(hint),
       readable_(group.readable) {}
 
+SpacegroupCache::Group Spacegroup::unreadable() { return SpacegroupCache::Group{unknown_symbol, 0, false}; }
+
 SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>& operators, int number) {
-    SpacegroupCache::Group unknown{unknown_symbol, 0, true};
     std::vector<gemmi::Op> ops;
     try {
         for (const std::string& text : operators) {
@@ -182,9 +187,13 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
             ops.push_back(SpacegroupOperators::read_triplet(triplet));
         }
     } catch (const std::exception&) {
-        unknown.readable = false;
-        return unknown;
+        return unreadable();
     }
+    return from_operations(std::move(ops), number);
+}
+
+SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, int number) {
+    SpacegroupCache::Group unknown{unknown_symbol, 0, true};
     if (ops.empty()) return unknown;
     // The same operators in any order or written form give the same key
     // (translations are wrapped into [0, 1) above).
@@ -201,9 +210,11 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
         const gemmi::SpaceGroup* found = nullptr;
         char centring = group_ops.find_centering();
         const std::string sorted = packed(group_ops.all_ops_sorted());
+        const int order = static_cast<int>(group_ops.sym_ops.size());
         for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
             if (number < 1 || number > 230) break;
-            if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]))
+            if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]) ||
+                point_group_order(setting.number) != order)
                 continue;
             const SettingOps& tabulated = setting_ops(setting);
             if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
@@ -212,7 +223,19 @@ SpacegroupCache::Group Spacegroup::from_operators(const std::vector<std::string>
                 break;
             }
         }
-        if (found == nullptr) found = gemmi::find_spacegroup_by_ops(group_ops);
+        // Then every setting in table order, as the library's search by
+        // operations goes, each setting's operations made once per process.
+        for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
+            if (found != nullptr) break;
+            // Settings of another order are passed over without making their operations.
+            if ((centring != setting.hall[0] && centring != setting.hall[1]) ||
+                point_group_order(setting.number) != order)
+                continue;
+            const SettingOps& tabulated = setting_ops(setting);
+            if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
+                tabulated.sorted == sorted)
+                found = &setting;
+        }
         if (found != nullptr) {
             result.symbol = found->xhm();
             result.number = found->number;
@@ -271,6 +294,20 @@ int Spacegroup::crystal_system(int number) {
     }
     if (number <= 194) return hexagonal;
     return cubic;
+}
+
+int Spacegroup::point_group_order(int number) {
+    // The last number of each crystal class and its order.
+    static constexpr int classes[][2] = {
+        {1, 1},    {2, 2},    {5, 2},    {9, 2},    {15, 4},   {24, 4},   {46, 4},   {74, 8},
+        {80, 4},   {82, 4},   {88, 8},   {98, 8},   {110, 8},  {122, 8},  {142, 16}, {146, 3},
+        {148, 6},  {155, 6},  {161, 6},  {167, 12}, {173, 6},  {174, 6},  {176, 12}, {182, 12},
+        {186, 12}, {190, 12}, {194, 24}, {199, 12}, {206, 24}, {214, 24}, {220, 24}, {230, 48},
+    };
+    if (number < 1 || number > 230) return 0;
+    for (const auto& [last, order] : classes)
+        if (number <= last) return order;
+    return 0;
 }
 
 const char* Spacegroup::crystal_system_name(int index) {

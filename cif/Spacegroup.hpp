@@ -7,6 +7,10 @@
 
 #include "cif/SpacegroupCache.hpp"
 
+namespace gemmi {
+struct Op;
+}  // namespace gemmi
+
 // Space groups over the table of International Tables settings (559
 // settings of the 230 groups). A setting is named by its "suite symbol":
 // the full Hermann-Mauguin symbol with blanks between its parts and, where
@@ -66,10 +70,16 @@ public:
     static std::string name_space_separated(const std::string& symbol);
     // The number of the group a symbol names, 0 when not recognised.
     static int number_of(const std::string& symbol);
+    // The setting a symbol names: its suite symbol and number ("" and 0
+    // when not recognised), looked up once per process for each text.
+    static SpacegroupCache::Group named(const std::string& symbol);
     // The crystal system of group number as an index of the list above;
     // the rhombohedral lattices (146, 148, 155, 160, 161, 166, 167) give
     // rhombohedral, the other trigonal groups trigonal; 0 outside 1-230.
     static int crystal_system(int number);
+    // The order of the point group of group number (its operations without
+    // the centring translations); 0 outside 1-230.
+    static int point_group_order(int number);
     // The text of an index of the crystal-system list ("?" out of range).
     static const char* crystal_system_name(int index);
 
@@ -78,6 +88,10 @@ public:
     // form alike); number (when 1-230) is tried first. SpacegroupOperators
     // asks this once per list as written.
     static SpacegroupCache::Group from_operators(const std::vector<std::string>& operators, int number);
+    // The same of operators read already (SpacegroupOperators::read_triplet()).
+    static SpacegroupCache::Group from_operations(std::vector<gemmi::Op> ops, int number);
+    // The answer for operators of which one cannot be read.
+    static SpacegroupCache::Group unreadable();
 
 private:
     std::string symbol_;

@@ -2,22 +2,22 @@
 // The space groups already found, keyed by the operator lists or symbols that gave them.
 #include "cif/SpacegroupCache.hpp"
 
-SpacegroupCache::Group SpacegroupCache::lookup(const std::string& key, const std::function<Group()>& find) {
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        auto found = groups_.find(key);
-        if (found != groups_.end()) {
-            ++hits_;
-            return found->second;
-        }
+bool SpacegroupCache::cached(const std::string& key, Group& group) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    auto found = groups_.find(key);
+    if (found == groups_.end()) {
         ++misses_;
+        return false;
     }
-    // Found outside the lock: two threads may both find a new group once.
-    Group group = find();
+    ++hits_;
+    group = found->second;
+    return true;
+}
+
+void SpacegroupCache::keep(const std::string& key, const Group& group) {
     std::lock_guard<std::mutex> lock(mutex_);
     if (groups_.size() >= capacity_) groups_.clear();
     groups_.emplace(key, group);
-    return group;
 }
 
 std::size_t SpacegroupCache::hits() const {

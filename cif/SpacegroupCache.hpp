@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -25,7 +24,15 @@ public:
 
     // The group under key; on a miss find() gives it and it is kept (the
     // oldest answers are dropped all at once when capacity is reached).
-    Group lookup(const std::string& key, const std::function<Group()>& find);
+    template <class Find>
+    Group lookup(const std::string& key, const Find& find) {
+        Group group;
+        if (cached(key, group)) return group;
+        // Found outside the lock: two threads may both find a new group once.
+        group = find();
+        keep(key, group);
+        return group;
+    }
 
     std::size_t hits() const;
     std::size_t misses() const;
@@ -38,6 +45,10 @@ public:
     static SpacegroupCache& by_name();
 
 private:
+    // The group kept under key (counted as a hit or a miss).
+    bool cached(const std::string& key, Group& group);
+    void keep(const std::string& key, const Group& group);
+
     mutable std::mutex mutex_;
     std::unordered_map<std::string, Group> groups_;
     std::size_t capacity_;

@@ -6,8 +6,10 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <gemmi/symmetry.hpp>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -22,15 +24,7 @@ std::string trimmed(const std::string& text) {
     return text.substr(first, last - first + 1);
 }
 
-std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& operators) {
-    std::vector<gemmi::Op> ops;
-    try {
-        for (const std::string& text : operators) {
-            ops.push_back(SpacegroupOperators::read_triplet(trimmed(text)));
-        }
-    } catch (const std::exception&) {
-        return nullptr;
-    }
+std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<gemmi::Op>& ops) {
     if (ops.empty()) return nullptr;
     auto group = std::make_unique<gemmi::GroupOps>(gemmi::split_centering_vectors(ops));
     if (group->cen_ops.empty()) group->cen_ops.push_back({0, 0, 0});
@@ -38,6 +32,10 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<std::string>& o
     group->sym_ops.shrink_to_fit();
     group->cen_ops.shrink_to_fit();
     return group;
+}
+
+bool quoted(const std::string& text) {
+    return text.size() >= 2 && (text.front() == '\'' || text.front() == '"') && text.back() == text.front();
 }
 
 struct Lists {
@@ -61,38 +59,103 @@ std::uint64_t short_word(const char* p, std::size_t size) {
            static_cast<unsigned char>(p[size - 1]);
 }
 
-// A hash of the texts in order, each with its length, eight bytes at a time
-// (the last eight of a text read whole, overlapping the word before).
+std::uint64_t word_at(const char* p) {
+    std::uint64_t word;
+    std::memcpy(&word, p, 8);
+    return word;
+}
+
+// A hash of the texts in order, each by its length and, for a text of more
+// than eight bytes, its first, middle and last eight (every byte of a text
+// of up to 24, as triplets mostly are): one mixing step a text. Lists that
+// differ only inside a longer text share a hash and are told apart by
+// their texts.
 std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
     std::uint64_t hash = texts.size() * 0x9E3779B97F4A7C15ull;
-    auto mix = [&hash](std::uint64_t word) {
-        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
-        hash ^= hash >> 32;
-    };
     for (std::string_view text : texts) {
         const char* p = text.data();
         const std::size_t size = text.size();
         std::uint64_t word = size;
-        if (size > 0 && size <= 8) {
+        if (size > 8) {
+            word ^= word_at(p) * 0x9E3779B97F4A7C15ull;
+            word ^= word_at(p + size / 2 - 4) * 0xC2B2AE3D27D4EB4Full;
+            word ^= word_at(p + size - 8) * 0xC4CEB9FE1A85EC53ull;
+        } else if (size > 0) {
             word ^= short_word(p, size) * 0xC4CEB9FE1A85EC53ull;
-        } else if (size > 8) {
-            for (std::size_t at = 0; at + 8 < size; at += 8) {
-                std::uint64_t part;
-                std::memcpy(&part, p + at, 8);
-                mix(part);
-            }
-            std::uint64_t last;
-            std::memcpy(&last, p + size - 8, 8);
-            word ^= last * 0x9E3779B97F4A7C15ull;
         }
-        mix(word);
+        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
+        hash ^= hash >> 32;
     }
     return hash;
+}
+
+// Whether size bytes at a and at b are the same, a word at a time: the
+// texts are short, too short for a call of memcmp to pay.
+bool same_bytes(const char* a, const char* b, std::size_t size) {
+    if (size >= 8) {
+        for (std::size_t at = 0; at + 8 < size; at += 8)
+            if (word_at(a + at) != word_at(b + at)) return false;
+        return word_at(a + size - 8) == word_at(b + size - 8);
+    }
+    for (std::size_t at = 0; at < size; ++at)
+        if (a[at] != b[at]) return false;
+    return true;
 }
 
 Lists& lists() {
     static Lists instance;
     return instance;
+}
+
+// Each triplet text read once per process: lists written otherwise (another
+// order, another centring, other blanks between the triplets) share most
+// of their triplets, and reading one costs far more than finding it.
+class ReadTriplets {
+public:
+    // The operations of the texts (blanks around each trimmed), or nothing
+    // when one cannot be read.
+    std::optional<std::vector<gemmi::Op>> read(const std::vector<std::string_view>& texts) {
+        std::vector<gemmi::Op> ops;
+        ops.reserve(texts.size());
+        std::lock_guard<std::mutex> lock(mutex_);
+        for (std::string_view text : texts) {
+            auto found = read_.find(text);
+            if (found == read_.end()) {
+                if (read_.size() >= 4096) read_.clear();
+                found = read_.emplace(std::string(text), read_one(std::string(text))).first;
+            }
+            if (!found->second) return std::nullopt;
+            ops.push_back(*found->second);
+        }
+        return ops;
+    }
+
+private:
+    static std::optional<gemmi::Op> read_one(const std::string& triplet) {
+        try {
+            return SpacegroupOperators::read_triplet(triplet);
+        } catch (const std::exception&) {
+            return std::nullopt;
+        }
+    }
+    // Looked up by a view of the text, without a string made for it.
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+    };
+    std::mutex mutex_;
+    std::unordered_map<std::string, std::optional<gemmi::Op>, Hash, std::equal_to<>> read_;
+};
+
+ReadTriplets& read_triplets() {
+    static ReadTriplets instance;
+    return instance;
+}
+
+std::string_view trimmed_view(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string_view::npos) return std::string_view();
+    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
 }  // namespace
@@ -138,7 +201,8 @@ gemmi::GroupOps SpacegroupOperators::read_hall(const std::string& hall) {
     // of such operators first (numbers beyond the integers, singular).
     if (at < text.size() && text[at] == '(') {
         const std::size_t close = text.find(')', at);
-        const std::string_view basis = text.substr(at + 1, close == std::string_view::npos ? 0 : close - at - 1);
+        const std::string_view basis =
+            text.substr(at + 1, close == std::string_view::npos ? 0 : close - at - 1);
         if (basis.find(',') != std::string_view::npos) read_triplet(std::string(basis));
     }
     return gemmi::symops_from_hall(hall.c_str());
@@ -179,6 +243,7 @@ SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) {
         const auto length = static_cast<std::uint32_t>(text.size());
         texts_.append(reinterpret_cast<const char*>(&length), sizeof length);
         texts_ += text;
+        quoted_ = quoted_ || quoted(trimmed(text));
     }
 }
 
@@ -190,7 +255,9 @@ bool SpacegroupOperators::holds(const std::vector<std::string_view>& texts) cons
         if (kept.size() - at < sizeof length) return false;
         std::memcpy(&length, kept.data() + at, sizeof length);
         at += sizeof length;
-        if (kept.size() - at < length || kept.substr(at, length) != text) return false;
+        if (kept.size() - at < length || length != text.size() ||
+            !same_bytes(kept.data() + at, text.data(), length))
+            return false;
         at += length;
     }
     return at == kept.size();
@@ -228,13 +295,39 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
     return entry;
 }
 
+const std::vector<gemmi::Op>* SpacegroupOperators::triplets() const {
+    std::call_once(triplets_once_, [this] {
+        std::vector<std::string_view> texts;
+        for (std::size_t at = 0; at < texts_.size();) {
+            std::uint32_t length = 0;
+            std::memcpy(&length, texts_.data() + at, sizeof length);
+            at += sizeof length;
+            texts.push_back(trimmed_view(std::string_view(texts_).substr(at, length)));
+            at += length;
+        }
+        triplets_ = read_triplets().read(texts);
+    });
+    return triplets_ ? &*triplets_ : nullptr;
+}
+
 const gemmi::GroupOps* SpacegroupOperators::operations() const {
-    std::call_once(operations_once_, [this] { operations_ = from_triplets(texts()); });
+    std::call_once(operations_once_, [this] {
+        if (const std::vector<gemmi::Op>* ops = triplets()) operations_ = from_triplets(*ops);
+    });
     return operations_.get();
 }
 
 const SpacegroupCache::Group& SpacegroupOperators::group(int number) const {
-    std::call_once(group_once_, [this, number] { group_ = Spacegroup::from_operators(texts(), number); });
+    std::call_once(group_once_, [this, number] {
+        // Without quotes both readings read the same triplets.
+        if (quoted_) {
+            group_ = Spacegroup::from_operators(texts(), number);
+        } else if (const std::vector<gemmi::Op>* ops = triplets()) {
+            group_ = Spacegroup::from_operations(*ops, number);
+        } else {
+            group_ = Spacegroup::unreadable();
+        }
+    });
     return group_;
 }
 

@@ -162,6 +162,15 @@ TEST(SpacegroupCache, FindsEachKeyOnceAndStartsAfreshWhenFull) {
     EXPECT_EQ(cache.misses(), 4u);
 }
 
+TEST(Spacegroup, EveryTabulatedSettingHasTheOperationsOfItsPointGroup) {
+    // The search by operations passes over settings of another order unmade.
+    for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main)
+        EXPECT_EQ(static_cast<int>(setting.operations().sym_ops.size()),
+                  Spacegroup::point_group_order(setting.number))
+            << setting.xhm();
+    for (int outside : {0, -1, 231}) EXPECT_EQ(Spacegroup::point_group_order(outside), 0);
+}
+
 TEST(Spacegroup, EveryTabulatedSettingIsFoundWithOrWithoutItsNumber) {
     // Settings whose operators another setting shares ("C c c b:1" and
     // "C c c a:1") give the one the whole table names first, also when the
@@ -253,6 +262,24 @@ TEST(SpacegroupOperators, AListAsWrittenHasOneEntryThatKeepsBothItsReadings) {
     auto unreadable = SpacegroupOperators::of({"x,y", "-x,-y,z"});
     EXPECT_EQ(unreadable->operations(), nullptr);
     EXPECT_FALSE(unreadable->group(0).readable);
+}
+
+TEST(SpacegroupOperators, TripletsSharedBetweenListsAreReadAlikeAndAloneUnreadable) {
+    // Each triplet is read once for every list that holds it, blanks around it aside.
+    auto sorted_ops = [](std::initializer_list<std::string_view> texts) {
+        const gemmi::GroupOps* ops = SpacegroupOperators::of(texts)->operations();
+        return ops == nullptr ? std::vector<gemmi::Op>() : ops->all_ops_sorted();
+    };
+    const std::vector<gemmi::Op> first = sorted_ops({"x,y,z", "-x,-y,-z+1/3"});
+    ASSERT_EQ(first.size(), 2u);
+    EXPECT_EQ(sorted_ops({" -x,-y,-z+1/3", "x,y,z\t"}), first);
+    // A triplet that cannot be read makes its lists unreadable, not the
+    // triplets read beside it.
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(SpacegroupOperators::of({"x,y,z", "-x,-y+1/3"})->operations(), nullptr);
+        EXPECT_FALSE(SpacegroupOperators::of({"-x,-y+1/3 ", "x,y,z"})->group(0).readable);
+    }
+    EXPECT_EQ(sorted_ops({"x,y,z", " -x,-y,-z+1/3 "}), first);
 }
 
 }  // namespace

@@ -277,6 +277,25 @@ TEST(StructureChecks, MoietyFormulasAreReadPartByPart) {
     }
 }
 
+TEST(StructureChecks, PowderBlocksAreLeftOutOfTheCompletenessCheck) {
+    // Any item of the pd category, in any case, under either separator, makes
+    // the block a powder pattern; names that only begin with the letters do not.
+    const std::pair<const char*, bool> items[] = {
+        {"_pd_meas_2theta_range_min 5", true},
+        {"_PD_Proc_LS_Prof_R_factor 0.1", true},
+        {"_pd.block_id x", true},
+        {"_Pd 1", true},
+        {"_pdx_note 1", false},
+        {"_xpd_note 1", false},
+        {"_p_d 1", false},
+        {"_pd_ 1", true},
+    };
+    const std::string text = file_text("08_completeness_trips.cif");
+    const Findings tripped = {{377, 18, 2}};
+    for (const auto& [item, powder] : items)
+        EXPECT_EQ(findings_of(*checked(text + item + "\n")), powder ? Findings() : tripped) << item;
+}
+
 TEST(StructureChecks, RadiationsAreKnownByWavelengthAndName) {
     const std::pair<double, CifRadiation> wavelengths[] = {
         {0.71073, CifRadiation::mo}, {1.54184, CifRadiation::cu},     {1.5406, CifRadiation::cu},
