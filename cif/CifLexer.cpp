@@ -135,6 +135,19 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
     int line = line_;
     int last_line = last_end_line_;
     std::size_t count = 0;
+    // Most calls meet no plain value at all (a quoted one, a name or the
+    // end of the loop comes next, as in a list of symmetry operators): the
+    // first byte after the blanks tells, before any window is classified.
+    if (max_count > 0) {
+        const char* q = p;
+        int lines = 0;
+        while (q < end_ && is_space(*q)) lines += *q++ == '\n';
+        if (q >= end_ || plain_starts.other[static_cast<unsigned char>(*q)]) {
+            p_ = q;
+            line_ = line + lines;
+            return 0;
+        }
+    }
 #if defined(__SSE2__)
     // Windows of 64 bytes one after the other from p: the words that begin
     // in a window are found from its bits and those of the next one (where
