@@ -10,6 +10,23 @@ CifNamePool& CifNamePool::shared() {
     return *pool;
 }
 
+namespace {
+
+// The names this thread found in the process's pool lately, by hash. The
+// pool's names live as long as the process, so these never dangle.
+constexpr std::size_t recent_count = 512;
+constinit thread_local const CifKeptName* recent[recent_count] = {};
+
+}  // namespace
+
+const CifKeptName* CifNamePool::find_shared(std::string_view name, std::uint64_t hash) {
+    const CifKeptName*& seen = recent[(hash >> 32) & (recent_count - 1)];
+    if (seen != nullptr && seen->hash == hash && seen->text == name) return seen;
+    const CifKeptName* kept = shared().find_or_add(name, hash);
+    if (kept != nullptr) seen = kept;
+    return kept;
+}
+
 const CifKeptName* CifNamePool::find_or_add(std::string_view name, std::uint64_t hash) {
     std::lock_guard<std::mutex> lock(mutex_);
     if (slots_.empty()) slots_.resize(256);

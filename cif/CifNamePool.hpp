@@ -33,6 +33,10 @@ public:
 
     // The pool of the process.
     static CifNamePool& shared();
+    // shared().find_or_add(), first asking the names this thread found
+    // there lately (without the pool's lock: most names come back in every
+    // file).
+    static const CifKeptName* find_shared(std::string_view name, std::uint64_t hash);
 
     // The name spelled exactly so, added when there is room; null when the
     // pool is full and does not have it. hash is cif_name_hash(name).

@@ -18,7 +18,10 @@ CifValueRef CifTextStore::add(std::string_view value, std::uint32_t flags) {
 }
 
 const CifKeptName& CifTextStore::intern(std::string_view name) {
-    // A flat table of the kept names, at most half full.
+    const std::uint64_t hash = cif_name_hash(name);
+    // The process's copy when it has one (or room for one).
+    if (const CifKeptName* shared = CifNamePool::find_shared(name, hash)) return *shared;
+    // Else a copy of our own, once: a flat table of them, at most half full.
     if ((name_count_ + 1) * 2 > name_slots_.size()) {
         std::vector<const CifKeptName*> old(name_slots_.empty() ? 32 : name_slots_.size() * 2, nullptr);
         old.swap(name_slots_);
@@ -29,17 +32,12 @@ const CifKeptName& CifTextStore::intern(std::string_view name) {
             name_slots_[i] = kept;
         }
     }
-    const std::uint64_t hash = cif_name_hash(name);
     std::size_t i = hash & (name_slots_.size() - 1);
     for (; name_slots_[i] != nullptr; i = (i + 1) & (name_slots_.size() - 1)) {
         if (name_slots_[i]->hash == hash && name_slots_[i]->text == name) return *name_slots_[i];
     }
-    // The process's copy when it has one (or room for one), else a copy of our own.
-    name_slots_[i] = CifNamePool::shared().find_or_add(name, hash);
-    if (name_slots_[i] == nullptr) {
-        if (!names_) names_ = std::make_unique<std::deque<CifKeptName>>();
-        name_slots_[i] = &names_->emplace_back(CifKeptName{std::string(name), hash});
-    }
+    if (!names_) names_ = std::make_unique<std::deque<CifKeptName>>();
+    name_slots_[i] = &names_->emplace_back(CifKeptName{std::string(name), hash});
     ++name_count_;
     return *name_slots_[i];
 }
