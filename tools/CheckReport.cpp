@@ -2,21 +2,47 @@
 // Writes tessary-check's results as text lines or as one JSON document.
 #include "tools/CheckReport.hpp"
 
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 
 #include "cif/CifErrorCatalogue.hpp"
 
 namespace {
 
-std::string counted(long count, const char* singular, const char* plural) {
-    return std::to_string(count) + " " + (count == 1 ? singular : plural);
+// Appends the number in decimal (no temporary string).
+void append_number(std::string& out, long number) {
+    char digits[24];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number);
+    (void)error;  // 24 digits hold any long
+    out.append(digits, end);
 }
 
-// Whether the text is printable ASCII throughout, which terminal_text keeps as it is.
+void append_counted(std::string& out, long count, const char* singular, const char* plural) {
+    append_number(out, count);
+    out += ' ';
+    out += count == 1 ? singular : plural;
+}
+
+// Whether the text is printable ASCII throughout (0x20 to 0x7E), which
+// terminal_text keeps as it is: eight bytes at a time, each byte's high bit
+// set in a mask where it is 0x80 or above, below 0x20, or 0x7F.
 bool plain(std::string_view text) {
-    for (char c : text) {
-        if (c < 0x20 || c == 0x7F) return false;  // char is signed: bytes from 0x80 are negative
+    constexpr std::uint64_t ones = 0x0101010101010101ull, highs = 0x8080808080808080ull;
+    const char* p = text.data();
+    std::size_t left = text.size();
+    for (; left >= 8; p += 8, left -= 8) {
+        std::uint64_t x;
+        std::memcpy(&x, p, 8);
+        const std::uint64_t below_space = (x - 0x20 * ones) & ~x;
+        const std::uint64_t del = x ^ (0x7F * ones);
+        const std::uint64_t is_del = (del - ones) & ~del;
+        if (((x | below_space | is_del) & highs) != 0) return false;
+    }
+    for (; left > 0; ++p, --left) {
+        if (*p < 0x20 || *p == 0x7F) return false;  // char is signed: bytes from 0x80 are negative
     }
     return true;
 }
@@ -148,11 +174,11 @@ void CheckReport::add(const FileCheckResult& result) {
     for (const CifError& message : result.messages) {
         lines += file;
         lines += ':';
-        lines += std::to_string(message.line());
+        append_number(lines, message.line());
         lines += ": ";
         lines += kind_name(message.type());
         lines += " [";
-        lines += std::to_string(message.id());
+        append_number(lines, message.id());
         lines += "]: ";
         const std::size_t start = lines.size();
         CifErrorCatalogue::append_format(lines, message.id(), message.text(), message.detail());
@@ -165,11 +191,11 @@ void CheckReport::add(const FileCheckResult& result) {
     }
     lines += file;
     lines += ": ";
-    lines += counted(result.errors, "error", "errors");
+    append_counted(lines, result.errors, "error", "errors");
     lines += ", ";
-    lines += counted(result.warnings, "warning", "warnings");
+    append_counted(lines, result.warnings, "warning", "warnings");
     lines += ", ";
-    lines += counted(result.remarks, "remark", "remarks");
+    append_counted(lines, result.remarks, "remark", "remarks");
     lines += '\n';
     out_.write(lines.data(), static_cast<std::streamsize>(lines.size()));
     // A file of very many messages does not keep its room for the rest.

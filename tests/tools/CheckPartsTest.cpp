@@ -110,6 +110,28 @@ TEST(CheckReport, TextForTheTerminalEscapesEveryControlCharacterAndKeepsTheRest)
     for (const char* line : {"odd\\u001b]0;title\\u0007.cif:2: warning [318]: ",
                              "odd\\u001b]0;title\\u0007.cif: 0 errors, 1 warning, 0 remarks\n"})
         EXPECT_NE(out.str().find(line), std::string::npos) << line << "\n" << out.str();
+    // A control byte or DEL anywhere in a message's data
+    // name is escaped, whichever eight-byte word it falls in; a plain name
+    // is kept as it is.
+    for (const char odd : {'\x1b', '\x7f', '\x1f', '\x01'}) {
+        for (std::size_t at = 0; at < 20; ++at) {
+            std::string name(20, 'a');
+            name[at] = odd;
+            FileCheckResult one;
+            one.file = "f.cif";
+            one.messages.emplace_back(CifError::undefined_data_name, 3, "_" + name, "");
+            std::ostringstream lines, none;
+            CheckReport(lines, none, false).add(one);
+            EXPECT_EQ(lines.str().find(odd), std::string::npos) << at << " " << lines.str();
+        }
+    }
+    FileCheckResult clean;
+    clean.file = "f.cif";
+    clean.messages.emplace_back(CifError::undefined_data_name, 3, "_plain ~name}", "");
+    std::ostringstream clean_lines, clean_problems;
+    CheckReport(clean_lines, clean_problems, false).add(clean);
+    EXPECT_NE(clean_lines.str().find("_plain ~name}"), std::string::npos) << clean_lines.str();
+
     result.io_problem = "gone\x1b";
     report.add(result);
     EXPECT_EQ(problems.str(), "odd\\u001b]0;title\\u0007.cif: cannot read: gone\\u001b\n");
