@@ -94,8 +94,11 @@ std::string CifBlockValidator::suggestion(const std::string& name) const {
     const int edits = letters >= 8 ? 2 : letters >= 4 ? 1 : 0;
     // Validation replies (_vrf_...) are meant to be undefined.
     if (edits == 0) return {};
-    for (std::size_t at = 0; at + 4 <= name.size(); ++at) {
-        if (cif_iequals(std::string_view(name).substr(at, 4), "_vrf")) return {};
+    for (std::size_t at = name.find('_'); at != std::string::npos && at + 4 <= name.size();
+         at = name.find('_', at + 1)) {
+        if (cif_lower(name[at + 1]) == 'v' && cif_lower(name[at + 2]) == 'r' &&
+            cif_lower(name[at + 3]) == 'f')
+            return {};
     }
     const std::vector<CifDictionary::SimilarName> similar = dictionary_.similar_names(name, edits);
     if (similar.empty()) return {};

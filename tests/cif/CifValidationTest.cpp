@@ -54,6 +54,9 @@ TEST(CifValidation, AMisspeltNameIsOfferedTheNearestDefinedNames) {
         {"_cell_lnghtt_b", ""},                                         // three edits
         {"_made_up_item", ""},
         {"_vrf_cell_length_a", ""},  // validation replies are meant to be undefined
+        {"_refln_xF_squared_meas", "; did you mean _refln_F_squared_meas?"},
+        {"_refln_vrF_squared_meas", ""},  // two edits away, but "_vrf" within, in any case
+        {"_refln_VRF_squared_meas", ""},
         {"_celx", ""},               // too short to guess at
     };
     for (const Case& c : cases) {
