@@ -16,21 +16,7 @@ namespace {
 // a few page faults instead of thousands.
 constexpr std::size_t huge_page = std::size_t(1) << 21;
 
-struct WordStops {
-    bool stop[256] = {};
-    constexpr WordStops() {
-        for (unsigned char c : {' ', '\t', '\n', '\0'}) stop[c] = true;
-    }
-};
-constexpr WordStops word_stops;
-
 }  // namespace
-
-std::uint32_t CifValueColumn::word_length(const char* p) {
-    const char* q = p;
-    while (!word_stops.stop[static_cast<unsigned char>(*q)]) ++q;
-    return static_cast<std::uint32_t>(q - p);
-}
 
 CifValueColumn::Chunk CifValueColumn::make_chunk(std::size_t capacity) {
     const std::size_t bytes = capacity * sizeof(std::uint16_t);

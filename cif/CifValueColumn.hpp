@@ -10,6 +10,15 @@
 
 #include "cif/CifValueRef.hpp"
 
+// The bytes that end a plain word in a column's text: white space and NUL.
+struct CifWordStops {
+    bool stop[256] = {};
+    constexpr CifWordStops() {
+        for (unsigned char c : {' ', '\t', '\n', '\0'}) stop[c] = true;
+    }
+};
+inline constexpr CifWordStops cif_word_stops{};
+
 // The values of one data item. A single value is kept in the object
 // itself, a few (up to small_limit) as full references in one small array.
 // A longer column keeps its values in groups of group_size: a group
@@ -83,8 +92,13 @@ public:
     // The bytes kept beyond the object itself.
     std::size_t heap_bytes() const;
 
-    // The length of the word at p: up to white space or a NUL.
-    static std::uint32_t word_length(const char* p);
+    // The length of the word at p: up to white space or a NUL (inline: a
+    // column's values are found so one by one).
+    static std::uint32_t word_length(const char* p) {
+        const char* q = p;
+        while (!cif_word_stops.stop[static_cast<unsigned char>(*q)]) ++q;
+        return static_cast<std::uint32_t>(q - p);
+    }
     // Whether c ends a word so (white space or a NUL).
     static bool word_stop(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\0'; }
 
