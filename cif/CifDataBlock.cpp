@@ -230,6 +230,11 @@ void CifDataBlock::append_item_comments(std::size_t n, std::string_view text, Co
 
 THandle<CifDataItem> CifDataBlock::find(std::string_view tag) const { return lookup(tag); }
 
+THandle<CifDataItem> CifDataBlock::find_same_name(const CifDataItem& other) const {
+    const std::uint64_t hash = other.name_hash();
+    return lookup(other.name(), &hash);
+}
+
 THandle<CifDataItem> CifDataBlock::obtain(const std::string& tag) {
     THandle<CifDataItem> item = find(tag);
     if (item.is_null()) {

@@ -138,6 +138,9 @@ public:
     // Adds the items as one loop at the end; items whose names are present
     // are left out (false is returned then).
     bool add_loop(const ItemList& columns);
+    // The block's item of the other item's name (found by the hash that name
+    // keeps), or null.
+    THandle<CifDataItem> find_same_name(const CifDataItem& other) const;
 
     const std::vector<THandle<CifDataBlock>>& save_frames() const { return held().frames; }
     // Makes no item of a record (the reader adds frames among a block's records).

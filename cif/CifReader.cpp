@@ -334,7 +334,7 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string& name = columns[i]->name();
         definitions.push_back(cif_.dictionary_->definition_hashed(name, columns[i]->name_hash()));
-        taken[i] = !block.find(name).is_null();
+        taken[i] = !block.find_same_name(*columns[i]).is_null();
         for (std::size_t j = 0; j < i && !taken[i]; ++j) taken[i] = cif_iequals(columns[j]->name(), name);
         if (!taken[i]) checker->add(*columns[i], definitions[i]);
     }
