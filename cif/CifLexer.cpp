@@ -217,7 +217,13 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
         // Values are gathered a few rows at a time and then handed to their
         // columns, each of which takes its own in one go.
         constexpr std::size_t gathered = 510;
-        CifValueRef refs[gathered];
+        // Left as it is (4 KiB set to zero on every call otherwise): a
+        // reference is written before it is read.
+        union Gathered {
+            Gathered() {}
+            CifValueRef refs[gathered];
+        } gathered_refs;
+        CifValueRef* const refs = gathered_refs.refs;
         std::size_t held = 0;
         std::size_t room = std::min(gathered, max_count - count);
         const char* last_word = nullptr;
