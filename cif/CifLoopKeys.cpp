@@ -382,6 +382,13 @@ bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const 
         columns[k] = loop[key[k]].get();
         symmetry[k] = columns[k]->name().find("_site_symmetry_") != std::string::npos;
     }
+    // The key columns' references at once, group by group (left unset
+    // beyond rows).
+    union Refs {
+        Refs() {}
+        CifValueRef column[most_columns][most_rows];
+    } refs;
+    for (std::size_t k = 0; k < key.size(); ++k) columns[k]->values().copy_refs(0, rows, refs.column[k]);
     // One hash a row over its key values, a small integer hashed by its
     // number: rows the checks below would take as equal, by their texts or
     // (all values being such integers) by their numbers, hash alike.
@@ -392,7 +399,7 @@ bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const 
         bool keyed = true;
         for (std::size_t k = 0; k < key.size() && keyed; ++k) {
             const CifDataItem& item = *columns[k];
-            const CifValueRef ref = item.values()[row];
+            const CifValueRef ref = refs.column[k][row];
             const std::string_view value =
                 ref.added() ? item.value_view(row) : std::string_view(text + ref.offset, ref.length());
             // Rows without a key value are left out, as the full check does.
