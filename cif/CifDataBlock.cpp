@@ -36,7 +36,7 @@ CifDataBlock::CifDataBlock(THandle<CifDictionary> dictionary, const std::string&
 
 void CifDataBlock::set_name(const std::string& name) { name_ = cif_block_code(name); }
 
-CifDataBlock::Contents& CifDataBlock::contents() {
+CifDataBlock::Contents& CifDataBlock::make_contents() {
     if (contents_ == nullptr) {
         contents_ = std::make_unique<Contents>();
     } else if (has_records()) {
@@ -45,7 +45,7 @@ CifDataBlock::Contents& CifDataBlock::contents() {
     return *contents_;
 }
 
-const CifDataBlock::Contents& CifDataBlock::contents() const {
+const CifDataBlock::Contents& CifDataBlock::made_contents() const {
     if (has_records()) make_items();
     return held();
 }

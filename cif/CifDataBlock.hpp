@@ -203,10 +203,21 @@ private:
     // Records are looked up one by one up to this many (a dictionary's save
     // frames hold about eight); items made get their index at small_block.
     static constexpr std::size_t small_record_block = 32;
-    // Made on first use; the non-const one makes the records' items.
-    Contents& contents();
+    // Made on first use; the non-const one makes the records' items. The
+    // usual case, items made and nothing to do, inline.
+    Contents& contents() {
+        if (contents_ != nullptr && !contents_->has_records.load(std::memory_order_acquire))
+            return *contents_;
+        return make_contents();
+    }
+    Contents& make_contents();
     // The items made from records first (under the lock when still needed).
-    const Contents& contents() const;
+    const Contents& contents() const {
+        if (contents_ != nullptr && !contents_->has_records.load(std::memory_order_acquire))
+            return *contents_;
+        return made_contents();
+    }
+    const Contents& made_contents() const;
     // Without making anything: loops and frames are never records.
     const Contents& held() const;
     bool has_records() const {
