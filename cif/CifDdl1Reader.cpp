@@ -7,6 +7,7 @@
 
 #include "cif/Cif.hpp"
 #include "cif/CifConcreteDictionary.hpp"
+#include "cif/CifDdl1Scan.hpp"
 #include "cif/CifDictionaryAttributes.hpp"
 #include "cif/CifNames.hpp"
 
@@ -33,6 +34,35 @@ int line_of(const CifDataBlock& block, const char* tag) {
     THandle<CifDataItem> item = block.find(tag);
     return item.is_null() || item->line() < 1 ? block.line() : item->line();
 }
+
+int line_of(const CifDataBlock& block) { return block.line(); }
+std::string name_of(const CifDataBlock& block) { return block.name(); }
+
+// The same for a block of a scanned text.
+std::vector<std::string> values_of(const CifDdl1Scan::Block& block, const char* tag) {
+    std::vector<std::string> result;
+    const CifDdl1Scan::Item* item = block.find(tag);
+    if (item == nullptr) return result;
+    result.reserve(item->values.size());
+    for (const CifDdl1Scan::Value& value : item->values) result.emplace_back(value.text);
+    return result;
+}
+
+std::string value_of(const CifDdl1Scan::Block& block, const char* tag) {
+    const CifDdl1Scan::Item* item = block.find(tag);
+    if (item == nullptr || item->values.empty()) return std::string();
+    const CifDdl1Scan::Value& value = item->values.front();
+    if (!value.quoted && (value.text == "?" || value.text == ".")) return std::string();
+    return std::string(value.text);
+}
+
+int line_of(const CifDdl1Scan::Block& block, const char* tag) {
+    const CifDdl1Scan::Item* item = block.find(tag);
+    return item == nullptr ? block.line : item->line;
+}
+
+int line_of(const CifDdl1Scan::Block& block) { return block.line; }
+std::string name_of(const CifDdl1Scan::Block& block) { return std::string(block.name); }
 
 }  // namespace
 
@@ -74,7 +104,9 @@ std::vector<std::pair<std::size_t, int>> piece_starts(std::string_view text, std
 }  // namespace
 
 void CifDdl1Reader::read(std::string text, std::size_t piece_size) {
-    if (piece_size == 0 || !read_in_pieces(text, piece_size)) {
+    if (piece_size != 0 && read_scanned(text)) {
+        std::string().swap(text);
+    } else if (piece_size == 0 || !read_in_pieces(text, piece_size)) {
         read_whole(std::move(text));
     } else {
         std::string().swap(text);
@@ -119,6 +151,25 @@ void CifDdl1Reader::read_whole(std::string text) {
     }
     dictionary_.definitions_.reserve(names);
     read_blocks(cif);
+}
+
+bool CifDdl1Reader::read_scanned(const std::string& text) {
+    CifDdl1Scan scan;
+    if (!scan.scan(text)) return false;
+    std::size_t names = 0;
+    for (const CifDdl1Scan::Block& block : scan.blocks()) {
+        const CifDdl1Scan::Item* name = block.find("_name");
+        names += name == nullptr ? 0 : name->values.size();
+    }
+    dictionary_.definitions_.reserve(names);
+    for (const CifDdl1Scan::Block& block : scan.blocks()) {
+        if (cif_iequals(block.name, "on_this_dictionary")) {
+            read_descriptor(block);
+        } else {
+            read_definition(block);
+        }
+    }
+    return true;
 }
 
 bool CifDdl1Reader::read_in_pieces(const std::string& text, std::size_t piece_size) {
@@ -168,30 +219,33 @@ void CifDdl1Reader::read_blocks(const Cif& cif) {
     }
 }
 
-void CifDdl1Reader::read_descriptor(const CifDataBlock& block) {
+template <typename Block>
+void CifDdl1Reader::read_descriptor(const Block& block) {
     dictionary_.descriptor_.name = value_of(block, "_dictionary_name");
     dictionary_.descriptor_.version = value_of(block, "_dictionary_version");
     dictionary_.descriptor_.date = value_of(block, "_dictionary_update");
 }
 
-void CifDdl1Reader::read_definition(const CifDataBlock& block) {
+template <typename Block>
+void CifDdl1Reader::read_definition(const Block& block) {
     std::vector<std::string> names = values_of(block, "_name");
     if (names.empty()) {
-        error(CifError::definition_without_name, block.line(), block.name());
+        error(CifError::definition_without_name, line_of(block), name_of(block));
         return;
     }
     CifItemDefinition definition;
-    definition.line = block.line() + line_offset_;
+    definition.line = line_of(block) + line_offset_;
     if (!read_attributes(block, definition)) return;
     for (std::size_t i = 0; i < names.size(); ++i) {
         CifItemDefinition copy = i + 1 < names.size() ? definition : std::move(definition);
         copy.name = names[i];
-        add_definition(std::move(copy), block.line());
+        add_definition(std::move(copy), line_of(block));
     }
 }
 
-bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition& definition) {
-    const std::string label = value_of(block, "_name").empty() ? block.name() : value_of(block, "_name");
+template <typename Block>
+bool CifDdl1Reader::read_attributes(const Block& block, CifItemDefinition& definition) {
+    const std::string label = value_of(block, "_name").empty() ? name_of(block) : value_of(block, "_name");
     definition.category = cif_lowercase(value_of(block, "_category"));
 
     definition.type_text = value_of(block, "_type");

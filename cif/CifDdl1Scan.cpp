@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: MIT
+// Finds the blocks, items and values of a plain DDL1 dictionary text in one pass, without a document.
+#include "cif/CifDdl1Scan.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "cif/CifNames.hpp"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+// Names and block names longer than this are reported by the document reader.
+constexpr std::size_t longest_name = 75;
+// Lines at least this long are left to the document reader (which reports
+// those above its own limit of 2048).
+constexpr std::ptrdiff_t longest_line = 2000;
+
+bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
+
+struct Token {
+    enum Kind { end, name, value, data, loop, other } kind = end;
+    std::string_view text;
+    int line = 0;
+    bool quoted = false;
+};
+
+// Splits the text into tokens; anything the plain subset lacks is `other`.
+class Tokens {
+public:
+    explicit Tokens(std::string_view text)
+        : begin_(text.data()), p_(text.data()), end_(text.data() + text.size()) {}
+
+    Token next() {
+        Token token;
+        while (p_ < end_) {
+            const char c = *p_;
+            if (c == ' ' || c == '\t') {
+                ++p_;
+            } else if (c == '\n') {
+                ++line_;
+                ++p_;
+            } else if (c == '#') {
+                // The text ends in a line end (checked before).
+                p_ = static_cast<const char*>(std::memchr(p_, '\n', static_cast<std::size_t>(end_ - p_)));
+            } else {
+                break;
+            }
+        }
+        token.line = line_;
+        if (p_ == end_) return token;
+        const char c = *p_;
+        if (c == '\'' || c == '"') return quoted(token, c);
+        if (c == ';' && (p_ == begin_ || p_[-1] == '\n')) return text_field(token);
+        const char* start = p_;
+        while (!is_space(*p_)) ++p_;
+        token.text = std::string_view(start, static_cast<std::size_t>(p_ - start));
+        token.kind = c == '_' ? Token::name : classify(token.text);
+        return token;
+    }
+
+private:
+    static Token::Kind classify(std::string_view& word) {
+        const char first = cif_lower(word.front());
+        if (first == 'd' && cif_istarts_with(word, "data_")) {
+            word.remove_prefix(5);
+            return Token::data;
+        }
+        if (first == 'l' && cif_iequals(word, "loop_")) return Token::loop;
+        if ((first == 's' && (cif_istarts_with(word, "save_") || cif_iequals(word, "stop_"))) ||
+            (first == 'g' && cif_iequals(word, "global_")) || first == '$' || first == '[' || first == ']')
+            return Token::other;
+        return Token::value;
+    }
+
+    // A quoted value ends at its quote followed by white space, on its line.
+    Token quoted(Token& token, char quote) {
+        const char* start = p_ + 1;
+        for (const char* s = start; *s != '\n'; ++s) {
+            if (*s == quote && is_space(s[1])) {
+                token.kind = Token::value;
+                token.quoted = true;
+                token.text = std::string_view(start, static_cast<std::size_t>(s - start));
+                p_ = s + 1;
+                return token;
+            }
+        }
+        token.kind = Token::other;
+        return token;
+    }
+
+    // A text field runs to the next line that begins with a semicolon.
+    Token text_field(Token& token) {
+        const char* start = p_ + 1;
+        const char* s = start;
+        for (;;) {
+            const char* newline =
+                static_cast<const char*>(std::memchr(s, '\n', static_cast<std::size_t>(end_ - s)));
+            if (newline == nullptr) {
+                token.kind = Token::other;
+                return token;
+            }
+            ++line_;
+            s = newline + 1;
+            if (s < end_ && *s == ';') {
+                p_ = s + 1;
+                // Text right after the closing semicolon is reported.
+                token.kind = is_space(*p_) || *p_ == '#' ? Token::value : Token::other;
+                token.quoted = true;
+                token.text = std::string_view(start, static_cast<std::size_t>(newline - start));
+                return token;
+            }
+        }
+    }
+
+    const char* begin_;
+    const char* p_;
+    const char* end_;
+    int line_ = 1;
+};
+
+}  // namespace
+
+const CifDdl1Scan::Item* CifDdl1Scan::Block::find(std::string_view name) const {
+    for (const Item& item : items) {
+        if (item.name.size() == name.size() && cif_iequals(item.name, name)) return &item;
+    }
+    return nullptr;
+}
+
+void CifDdl1Scan::fail() {
+    blocks_.clear();
+    items_.clear();
+    values_.clear();
+    value_starts_.clear();
+    item_starts_.clear();
+}
+
+bool CifDdl1Scan::plain_bytes(std::string_view text) {
+    if (text.empty() || text.back() != '\n') return false;
+    // Only CIF 1.0 and 1.1 headers (any other is reported).
+    if (cif_istarts_with(text, "#\\#CIF_") && !text.starts_with("#\\#CIF_1.1\n") &&
+        !text.starts_with("#\\#CIF_1.1 ") && !text.starts_with("#\\#CIF_1.0\n") &&
+        !text.starts_with("#\\#CIF_1.0 "))
+        return false;
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    const char* line = p;
+#if defined(__SSE2__)
+    // Sixteen bytes at a time: control bytes but tab and LF, DEL and
+    // anything above ASCII (negative as signed bytes) are not plain.
+    const __m128i below = _mm_set1_epi8(0x20), del = _mm_set1_epi8(0x7F);
+    const __m128i tab = _mm_set1_epi8('\t'), newline = _mm_set1_epi8('\n');
+    for (; end - p >= 16; p += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i ends = _mm_cmpeq_epi8(bytes, newline);
+        const __m128i allowed = _mm_or_si128(_mm_cmpeq_epi8(bytes, tab), ends);
+        const __m128i odd = _mm_or_si128(_mm_cmplt_epi8(bytes, below), _mm_cmpeq_epi8(bytes, del));
+        if (_mm_movemask_epi8(_mm_andnot_si128(allowed, odd)) != 0) return false;
+        for (auto found = static_cast<unsigned>(_mm_movemask_epi8(ends)); found != 0; found &= found - 1) {
+            const char* at = p + std::countr_zero(found);
+            if (at - line >= longest_line) return false;
+            line = at + 1;
+        }
+    }
+#endif
+    for (; p < end; ++p) {
+        const auto c = static_cast<unsigned char>(*p);
+        if (c == '\n') {
+            if (p - line >= longest_line) return false;
+            line = p + 1;
+        } else if ((c < 0x20 && c != '\t') || c >= 0x7F) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CifDdl1Scan::scan(std::string_view text) {
+    fail();
+    if (!plain_bytes(text) || !scan_tokens(text)) {
+        fail();
+        return false;
+    }
+    return true;
+}
+
+bool CifDdl1Scan::scan_tokens(std::string_view text) {
+    Tokens tokens(text);
+    std::vector<Token> row;  // a loop's values
+    Token t = tokens.next();
+    while (t.kind != Token::end) {
+        if (t.kind == Token::data) {
+            if (t.text.empty() || t.text.size() > longest_name) return false;
+            blocks_.push_back(Block{t.text, t.line, {}});
+            item_starts_.push_back(static_cast<std::uint32_t>(items_.size()));
+            t = tokens.next();
+        } else if (blocks_.empty()) {
+            return false;
+        } else if (t.kind == Token::name) {
+            const Token value = tokens.next();
+            if (t.text.size() > longest_name || value.kind != Token::value) return false;
+            items_.push_back(Item{t.text, t.line, {}});
+            value_starts_.push_back(static_cast<std::uint32_t>(values_.size()));
+            values_.push_back(Value{value.text, value.quoted});
+            t = tokens.next();
+            if (t.kind == Token::value) return false;  // a value without a name
+        } else if (t.kind == Token::loop) {
+            const std::size_t first = items_.size();
+            for (t = tokens.next(); t.kind == Token::name; t = tokens.next()) {
+                if (t.text.size() > longest_name) return false;
+                items_.push_back(Item{t.text, t.line, {}});
+            }
+            const std::size_t width = items_.size() - first;
+            row.clear();
+            for (; t.kind == Token::value; t = tokens.next()) row.push_back(t);
+            if (width == 0 || row.empty() || row.size() % width != 0) return false;
+            // Each column's values one after the other.
+            for (std::size_t k = 0; k < width; ++k) {
+                value_starts_.push_back(static_cast<std::uint32_t>(values_.size()));
+                for (std::size_t at = k; at < row.size(); at += width)
+                    values_.push_back(Value{row[at].text, row[at].quoted});
+            }
+        } else {
+            return false;
+        }
+    }
+    if (blocks_.empty()) return false;
+    for (std::size_t i = 0; i < items_.size(); ++i) {
+        const std::size_t stop = i + 1 < items_.size() ? value_starts_[i + 1] : values_.size();
+        items_[i].values = std::span<const Value>(values_.data() + value_starts_[i], stop - value_starts_[i]);
+    }
+    for (std::size_t b = 0; b < blocks_.size(); ++b) {
+        const std::size_t stop = b + 1 < blocks_.size() ? item_starts_[b + 1] : items_.size();
+        const std::span<const Item> items(items_.data() + item_starts_[b], stop - item_starts_[b]);
+        // A name twice in a block is reported.
+        for (std::size_t i = 1; i < items.size(); ++i) {
+            for (std::size_t j = 0; j < i; ++j) {
+                if (items[i].name.size() == items[j].name.size() && cif_iequals(items[i].name, items[j].name))
+                    return false;
+            }
+        }
+        blocks_[b].items = items;
+    }
+    // So is a block name twice.
+    std::vector<std::string_view> names;
+    names.reserve(blocks_.size());
+    for (const Block& block : blocks_) names.push_back(block.name);
+    auto lower = [](std::string_view a, std::string_view b) {
+        return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                            [](char x, char y) { return cif_lower(x) < cif_lower(y); });
+    };
+    std::sort(names.begin(), names.end(), lower);
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        if (cif_iequals(names[i - 1], names[i])) return false;
+    }
+    std::vector<std::uint32_t>().swap(value_starts_);
+    std::vector<std::uint32_t>().swap(item_starts_);
+    return true;
+}
