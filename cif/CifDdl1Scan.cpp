@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <unordered_set>
 
 #include "cif/CifNames.hpp"
 
@@ -247,16 +248,10 @@ bool CifDdl1Scan::scan_tokens(std::string_view text) {
         blocks_[b].items = items;
     }
     // So is a block name twice.
-    std::vector<std::string_view> names;
+    std::unordered_set<std::string_view, CifNameHash, CifNameEqual> names;
     names.reserve(blocks_.size());
-    for (const Block& block : blocks_) names.push_back(block.name);
-    auto lower = [](std::string_view a, std::string_view b) {
-        return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                            [](char x, char y) { return cif_lower(x) < cif_lower(y); });
-    };
-    std::sort(names.begin(), names.end(), lower);
-    for (std::size_t i = 1; i < names.size(); ++i) {
-        if (cif_iequals(names[i - 1], names[i])) return false;
+    for (const Block& block : blocks_) {
+        if (!names.insert(block.name).second) return false;
     }
     std::vector<std::uint32_t>().swap(value_starts_);
     std::vector<std::uint32_t>().swap(item_starts_);
