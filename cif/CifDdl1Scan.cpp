@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Finds the blocks, items and values of a plain DDL1 dictionary text in one pass, without a document.
+// Finds the blocks, items and values of a plain DDL1 dictionary text in one pass.
 #include "cif/CifDdl1Scan.hpp"
 
 #include <algorithm>
@@ -17,11 +17,29 @@ namespace {
 
 // Names and block names longer than this are reported by the document reader.
 constexpr std::size_t longest_name = 75;
-// Lines at least this long are left to the document reader (which reports
-// those above its own limit of 2048).
-constexpr std::ptrdiff_t longest_line = 2000;
+// So are lines longer than this.
+constexpr std::ptrdiff_t longest_line = 2048;
 
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
+
+// The first white space from p on (the text ends in a line end).
+const char* word_end(const char* p, const char* end) {
+#if defined(__SSE2__)
+    const __m128i space = _mm_set1_epi8(' '), tab = _mm_set1_epi8('\t'), newline = _mm_set1_epi8('\n');
+    for (; end - p >= 16; p += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i stops =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, space), _mm_cmpeq_epi8(bytes, tab)),
+                         _mm_cmpeq_epi8(bytes, newline));
+        const auto found = static_cast<unsigned>(_mm_movemask_epi8(stops));
+        if (found != 0) return p + std::countr_zero(found);
+    }
+#else
+    (void)end;
+#endif
+    while (!is_space(*p)) ++p;
+    return p;
+}
 
 struct Token {
     enum Kind { end, name, value, data, loop, other } kind = end;
@@ -58,7 +76,7 @@ public:
         if (c == '\'' || c == '"') return quoted(token, c);
         if (c == ';' && (p_ == begin_ || p_[-1] == '\n')) return text_field(token);
         const char* start = p_;
-        while (!is_space(*p_)) ++p_;
+        p_ = word_end(p_, end_);
         token.text = std::string_view(start, static_cast<std::size_t>(p_ - start));
         token.kind = c == '_' ? Token::name : classify(token.text);
         return token;
@@ -164,7 +182,7 @@ bool CifDdl1Scan::plain_bytes(std::string_view text) {
         if (_mm_movemask_epi8(_mm_andnot_si128(allowed, odd)) != 0) return false;
         for (auto found = static_cast<unsigned>(_mm_movemask_epi8(ends)); found != 0; found &= found - 1) {
             const char* at = p + std::countr_zero(found);
-            if (at - line >= longest_line) return false;
+            if (at - line > longest_line) return false;
             line = at + 1;
         }
     }
@@ -172,7 +190,7 @@ bool CifDdl1Scan::plain_bytes(std::string_view text) {
     for (; p < end; ++p) {
         const auto c = static_cast<unsigned char>(*p);
         if (c == '\n') {
-            if (p - line >= longest_line) return false;
+            if (p - line > longest_line) return false;
             line = p + 1;
         } else if ((c < 0x20 && c != '\t') || c >= 0x7F) {
             return false;

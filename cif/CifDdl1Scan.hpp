@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Finds the blocks, items and values of a plain DDL1 dictionary text in one pass, without a document.
+// Finds the blocks, items and values of a plain DDL1 dictionary text in one pass.
 #pragma once
 
 #include <cstdint>
