@@ -14,7 +14,7 @@
 namespace {
 
 // The values of an attribute, looped or not ("?" and "." count as absent).
-std::vector<std::string> values_of(const CifDataBlock& block, const char* tag) {
+std::vector<std::string> values_of(const CifDataBlock& block, std::string_view tag) {
     std::vector<std::string> result;
     THandle<CifDataItem> item = block.find(tag);
     if (item.is_null()) return result;
@@ -22,7 +22,7 @@ std::vector<std::string> values_of(const CifDataBlock& block, const char* tag) {
     return result;
 }
 
-std::string value_of(const CifDataBlock& block, const char* tag) {
+std::string value_of(const CifDataBlock& block, std::string_view tag) {
     THandle<CifDataItem> item = block.find(tag);
     if (item.is_null() || !item->has_value()) return std::string();
     std::string_view value = item->value_view(0);
@@ -30,7 +30,7 @@ std::string value_of(const CifDataBlock& block, const char* tag) {
     return std::string(value);
 }
 
-int line_of(const CifDataBlock& block, const char* tag) {
+int line_of(const CifDataBlock& block, std::string_view tag) {
     THandle<CifDataItem> item = block.find(tag);
     return item.is_null() || item->line() < 1 ? block.line() : item->line();
 }
@@ -39,7 +39,7 @@ int line_of(const CifDataBlock& block) { return block.line(); }
 std::string name_of(const CifDataBlock& block) { return block.name(); }
 
 // The same for a block of a scanned text.
-std::vector<std::string> values_of(const CifDdl1Scan::Block& block, const char* tag) {
+std::vector<std::string> values_of(const CifDdl1Scan::Block& block, std::string_view tag) {
     std::vector<std::string> result;
     const CifDdl1Scan::Item* item = block.find(tag);
     if (item == nullptr) return result;
@@ -48,7 +48,7 @@ std::vector<std::string> values_of(const CifDdl1Scan::Block& block, const char* 
     return result;
 }
 
-std::string value_of(const CifDdl1Scan::Block& block, const char* tag) {
+std::string value_of(const CifDdl1Scan::Block& block, std::string_view tag) {
     const CifDdl1Scan::Item* item = block.find(tag);
     if (item == nullptr || item->values.empty()) return std::string();
     const CifDdl1Scan::Value& value = item->values.front();
@@ -56,7 +56,7 @@ std::string value_of(const CifDdl1Scan::Block& block, const char* tag) {
     return std::string(value.text);
 }
 
-int line_of(const CifDdl1Scan::Block& block, const char* tag) {
+int line_of(const CifDdl1Scan::Block& block, std::string_view tag) {
     const CifDdl1Scan::Item* item = block.find(tag);
     return item == nullptr ? block.line : item->line;
 }
@@ -245,7 +245,8 @@ void CifDdl1Reader::read_definition(const Block& block) {
 
 template <typename Block>
 bool CifDdl1Reader::read_attributes(const Block& block, CifItemDefinition& definition) {
-    const std::string label = value_of(block, "_name").empty() ? name_of(block) : value_of(block, "_name");
+    std::string label = value_of(block, "_name");
+    if (label.empty()) label = name_of(block);
     definition.category = cif_lowercase(value_of(block, "_category"));
 
     definition.type_text = value_of(block, "_type");

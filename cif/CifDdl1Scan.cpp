@@ -22,6 +22,22 @@ constexpr std::ptrdiff_t longest_line = 2048;
 
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
+// The first byte from p on that is not a space (values stand in columns).
+const char* skip_spaces(const char* p, const char* end) {
+#if defined(__SSE2__)
+    const __m128i space = _mm_set1_epi8(' ');
+    for (; end - p >= 16; p += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const auto same = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, space)));
+        if (same != 0xFFFF) return p + std::countr_one(same);
+    }
+#else
+    (void)end;
+#endif
+    while (*p == ' ') ++p;
+    return p;
+}
+
 // The first white space from p on (the text ends in a line end).
 const char* word_end(const char* p, const char* end) {
 #if defined(__SSE2__)
@@ -59,7 +75,7 @@ public:
         while (p_ < end_) {
             const char c = *p_;
             if (c == ' ' || c == '\t') {
-                ++p_;
+                p_ = skip_spaces(p_ + 1, end_);
             } else if (c == '\n') {
                 ++line_;
                 ++p_;
@@ -143,13 +159,6 @@ private:
 };
 
 }  // namespace
-
-const CifDdl1Scan::Item* CifDdl1Scan::Block::find(std::string_view name) const {
-    for (const Item& item : items) {
-        if (item.name.size() == name.size() && cif_iequals(item.name, name)) return &item;
-    }
-    return nullptr;
-}
 
 void CifDdl1Scan::fail() {
     blocks_.clear();

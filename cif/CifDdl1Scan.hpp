@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cif/CifNames.hpp"
+
 // The blocks of a dictionary text written in the plain subset of CIF 1.1
 // that dictionaries use (headings, names, values, loops, text fields and
 // comments; printable ASCII, tabs and LF line ends, a final line end), found
@@ -30,7 +32,12 @@ public:
         int line = 0;  // of its heading
         std::span<const Item> items;
         // The item of that name, compared without case; null when absent.
-        const Item* find(std::string_view name) const;
+        const Item* find(std::string_view name) const {
+            for (const Item& item : items) {
+                if (item.name.size() == name.size() && cif_iequals(item.name, name)) return &item;
+            }
+            return nullptr;
+        }
     };
 
     // Scans text, which must outlive the scan. Returns false (and keeps no
