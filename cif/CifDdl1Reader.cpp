@@ -162,6 +162,7 @@ bool CifDdl1Reader::read_scanned(const std::string& text) {
         names += name == nullptr ? 0 : name->values.size();
     }
     dictionary_.definitions_.reserve(names);
+    dictionary_.index_.reserve(names);
     for (const CifDdl1Scan::Block& block : scan.blocks()) {
         if (cif_iequals(block.name, "on_this_dictionary")) {
             read_descriptor(block);

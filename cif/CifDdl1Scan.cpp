@@ -179,21 +179,27 @@ bool CifDdl1Scan::plain_bytes(std::string_view text) {
     const char* const end = p + text.size();
     const char* line = p;
 #if defined(__SSE2__)
-    // Sixteen bytes at a time: control bytes but tab and LF, DEL and
-    // anything above ASCII (negative as signed bytes) are not plain.
+    // Thirty-two bytes at a time: control bytes but tab and LF, DEL and
+    // anything above ASCII (negative as signed bytes) are not plain; a
+    // line's length is measured at its end, the first line end in the
+    // bytes, and the last one starts the next line.
     const __m128i below = _mm_set1_epi8(0x20), del = _mm_set1_epi8(0x7F);
     const __m128i tab = _mm_set1_epi8('\t'), newline = _mm_set1_epi8('\n');
-    for (; end - p >= 16; p += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const __m128i ends = _mm_cmpeq_epi8(bytes, newline);
+    auto odd = [&](__m128i bytes, __m128i ends) {
         const __m128i allowed = _mm_or_si128(_mm_cmpeq_epi8(bytes, tab), ends);
-        const __m128i odd = _mm_or_si128(_mm_cmplt_epi8(bytes, below), _mm_cmpeq_epi8(bytes, del));
-        if (_mm_movemask_epi8(_mm_andnot_si128(allowed, odd)) != 0) return false;
-        for (auto found = static_cast<unsigned>(_mm_movemask_epi8(ends)); found != 0; found &= found - 1) {
-            const char* at = p + std::countr_zero(found);
-            if (at - line > longest_line) return false;
-            line = at + 1;
-        }
+        return _mm_andnot_si128(allowed,
+                                _mm_or_si128(_mm_cmplt_epi8(bytes, below), _mm_cmpeq_epi8(bytes, del)));
+    };
+    for (; end - p >= 32; p += 32) {
+        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16));
+        const __m128i low_ends = _mm_cmpeq_epi8(low, newline), high_ends = _mm_cmpeq_epi8(high, newline);
+        if (_mm_movemask_epi8(_mm_or_si128(odd(low, low_ends), odd(high, high_ends))) != 0) return false;
+        const std::uint32_t ends = static_cast<std::uint32_t>(_mm_movemask_epi8(low_ends)) |
+                                   static_cast<std::uint32_t>(_mm_movemask_epi8(high_ends)) << 16;
+        if (ends == 0) continue;
+        if (p + std::countr_zero(ends) - line > longest_line) return false;
+        line = p + (32 - std::countl_zero(ends));
     }
 #endif
     for (; p < end; ++p) {
