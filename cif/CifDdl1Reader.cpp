@@ -237,11 +237,13 @@ void CifDdl1Reader::read_definition(const Block& block) {
     CifItemDefinition definition;
     definition.line = line_of(block) + line_offset_;
     if (!read_attributes(block, definition)) return;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        CifItemDefinition copy = i + 1 < names.size() ? definition : std::move(definition);
-        copy.name = names[i];
+    for (std::size_t i = 0; i + 1 < names.size(); ++i) {
+        CifItemDefinition copy = definition;
+        copy.name = std::move(names[i]);
         add_definition(std::move(copy), line_of(block));
     }
+    definition.name = std::move(names.back());
+    add_definition(std::move(definition), line_of(block));
 }
 
 template <typename Block>
@@ -330,9 +332,9 @@ bool CifDdl1Reader::read_attributes(const Block& block, CifItemDefinition& defin
     return true;
 }
 
-void CifDdl1Reader::add_definition(CifItemDefinition definition, int line) {
-    std::string key = cif_lowercase(definition.name);
-    auto [found, inserted] = dictionary_.index_.emplace(key, dictionary_.definitions_.size());
+void CifDdl1Reader::add_definition(CifItemDefinition&& definition, int line) {
+    auto [found, inserted] =
+        dictionary_.index_.emplace(cif_lowercase(definition.name), dictionary_.definitions_.size());
     if (!inserted) {
         error(CifError::dictionary_duplicate_definition, line, definition.name,
               std::to_string(dictionary_.definitions_[found->second].line));

@@ -50,7 +50,7 @@ private:
     void read_definition(const Block& block);
     template <typename Block>
     bool read_attributes(const Block& block, CifItemDefinition& definition);
-    void add_definition(CifItemDefinition definition, int line);
+    void add_definition(CifItemDefinition&& definition, int line);
     void build_categories();
     void error(int code, int line, std::string text = {}, std::string detail = {});
 
