@@ -43,17 +43,18 @@ std::vector<std::string> values_of(const CifDdl1Scan::Block& block, std::string_
     std::vector<std::string> result;
     const CifDdl1Scan::Item* item = block.find(tag);
     if (item == nullptr) return result;
-    result.reserve(item->values.size());
-    for (const CifDdl1Scan::Value& value : item->values) result.emplace_back(value.text);
+    result.reserve(item->value_count);
+    for (const CifDdl1Scan::Value& value : block.values(*item)) result.emplace_back(block.text(value));
     return result;
 }
 
 std::string value_of(const CifDdl1Scan::Block& block, std::string_view tag) {
     const CifDdl1Scan::Item* item = block.find(tag);
-    if (item == nullptr || item->values.empty()) return std::string();
-    const CifDdl1Scan::Value& value = item->values.front();
-    if (!value.quoted && (value.text == "?" || value.text == ".")) return std::string();
-    return std::string(value.text);
+    if (item == nullptr || item->value_count == 0) return std::string();
+    const CifDdl1Scan::Value& value = block.values(*item).front();
+    const std::string_view text = block.text(value);
+    if (!value.quoted && (text == "?" || text == ".")) return std::string();
+    return std::string(text);
 }
 
 int line_of(const CifDdl1Scan::Block& block, std::string_view tag) {
@@ -159,7 +160,7 @@ bool CifDdl1Reader::read_scanned(const std::string& text) {
     std::size_t names = 0;
     for (const CifDdl1Scan::Block& block : scan.blocks()) {
         const CifDdl1Scan::Item* name = block.find("_name");
-        names += name == nullptr ? 0 : name->values.size();
+        names += name == nullptr ? 0 : name->value_count;
     }
     dictionary_.definitions_.reserve(names);
     dictionary_.index_.reserve(names);

@@ -161,11 +161,10 @@ private:
 }  // namespace
 
 void CifDdl1Scan::fail() {
+    text_ = std::string_view();
     blocks_.clear();
     items_.clear();
     values_.clear();
-    value_starts_.clear();
-    item_starts_.clear();
 }
 
 bool CifDdl1Scan::plain_bytes(std::string_view text) {
@@ -224,61 +223,81 @@ bool CifDdl1Scan::scan(std::string_view text) {
 }
 
 bool CifDdl1Scan::scan_tokens(std::string_view text) {
+    text_ = text;
+    // Offsets are 32 bits wide, a value's size 31.
+    if (text.size() >= (std::size_t(1) << 31)) return false;
     Tokens tokens(text);
-    std::vector<Token> row;  // a loop's values
+    auto value_of = [&](const Token& token) {
+        Value value;
+        value.at = static_cast<std::uint32_t>(token.text.data() - text.data());
+        value.size = static_cast<std::uint32_t>(token.text.size()) & 0x7FFFFFFFu;
+        value.quoted = token.quoted ? 1 : 0;
+        return value;
+    };
+    auto item_of = [&](const Token& token) {
+        Item item;
+        item.name_at = static_cast<std::uint32_t>(token.text.data() - text.data());
+        item.name_size = static_cast<std::uint32_t>(token.text.size());
+        item.line = token.line;
+        return item;
+    };
+    std::vector<Value> row;  // a loop's values
     Token t = tokens.next();
     while (t.kind != Token::end) {
         if (t.kind == Token::data) {
             if (t.text.empty() || t.text.size() > longest_name) return false;
-            blocks_.push_back(Block{t.text, t.line, {}});
-            item_starts_.push_back(static_cast<std::uint32_t>(items_.size()));
+            Block block;
+            block.scan = this;
+            block.name = t.text;
+            block.line = t.line;
+            block.first_item = static_cast<std::uint32_t>(items_.size());
+            blocks_.push_back(block);
             t = tokens.next();
         } else if (blocks_.empty()) {
             return false;
         } else if (t.kind == Token::name) {
             const Token value = tokens.next();
             if (t.text.size() > longest_name || value.kind != Token::value) return false;
-            items_.push_back(Item{t.text, t.line, {}});
-            value_starts_.push_back(static_cast<std::uint32_t>(values_.size()));
-            values_.push_back(Value{value.text, value.quoted});
+            Item item = item_of(t);
+            item.first_value = static_cast<std::uint32_t>(values_.size());
+            item.value_count = 1;
+            items_.push_back(item);
+            values_.push_back(value_of(value));
             t = tokens.next();
             if (t.kind == Token::value) return false;  // a value without a name
         } else if (t.kind == Token::loop) {
             const std::size_t first = items_.size();
             for (t = tokens.next(); t.kind == Token::name; t = tokens.next()) {
                 if (t.text.size() > longest_name) return false;
-                items_.push_back(Item{t.text, t.line, {}});
+                items_.push_back(item_of(t));
             }
             const std::size_t width = items_.size() - first;
             row.clear();
-            for (; t.kind == Token::value; t = tokens.next()) row.push_back(t);
+            for (; t.kind == Token::value; t = tokens.next()) row.push_back(value_of(t));
             if (width == 0 || row.empty() || row.size() % width != 0) return false;
             // Each column's values one after the other.
             for (std::size_t k = 0; k < width; ++k) {
-                value_starts_.push_back(static_cast<std::uint32_t>(values_.size()));
-                for (std::size_t at = k; at < row.size(); at += width)
-                    values_.push_back(Value{row[at].text, row[at].quoted});
+                items_[first + k].first_value = static_cast<std::uint32_t>(values_.size());
+                items_[first + k].value_count = static_cast<std::uint32_t>(row.size() / width);
+                for (std::size_t at = k; at < row.size(); at += width) values_.push_back(row[at]);
             }
         } else {
             return false;
         }
     }
     if (blocks_.empty()) return false;
-    for (std::size_t i = 0; i < items_.size(); ++i) {
-        const std::size_t stop = i + 1 < items_.size() ? value_starts_[i + 1] : values_.size();
-        items_[i].values = std::span<const Value>(values_.data() + value_starts_[i], stop - value_starts_[i]);
-    }
     for (std::size_t b = 0; b < blocks_.size(); ++b) {
-        const std::size_t stop = b + 1 < blocks_.size() ? item_starts_[b + 1] : items_.size();
-        const std::span<const Item> items(items_.data() + item_starts_[b], stop - item_starts_[b]);
+        const std::size_t stop = b + 1 < blocks_.size() ? blocks_[b + 1].first_item : items_.size();
+        blocks_[b].item_count = static_cast<std::uint32_t>(stop - blocks_[b].first_item);
         // A name twice in a block is reported.
+        const std::span<const Item> items = blocks_[b].items();
         for (std::size_t i = 1; i < items.size(); ++i) {
             for (std::size_t j = 0; j < i; ++j) {
-                if (items[i].name.size() == items[j].name.size() && cif_iequals(items[i].name, items[j].name))
+                if (items[i].name_size == items[j].name_size &&
+                    cif_iequals(blocks_[b].name_of(items[i]), blocks_[b].name_of(items[j])))
                     return false;
             }
         }
-        blocks_[b].items = items;
     }
     // So is a block name twice.
     std::unordered_set<std::string_view, CifNameHash, CifNameEqual> names;
@@ -286,7 +305,5 @@ bool CifDdl1Scan::scan_tokens(std::string_view text) {
     for (const Block& block : blocks_) {
         if (!names.insert(block.name).second) return false;
     }
-    std::vector<std::uint32_t>().swap(value_starts_);
-    std::vector<std::uint32_t>().swap(item_starts_);
     return true;
 }

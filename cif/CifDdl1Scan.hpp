@@ -18,27 +18,49 @@
 // text is read as a document, for its messages.
 class CifDdl1Scan {
 public:
+    // Where things are in the text, in offsets: the scan of a large
+    // dictionary holds tens of thousands of them.
     struct Value {
-        std::string_view text;
-        bool quoted = false;  // quoted or a text field
+        std::uint32_t at = 0;
+        std::uint32_t size : 31 = 0;
+        std::uint32_t quoted : 1 = 0;  // quoted or a text field
     };
     struct Item {
-        std::string_view name;
+        std::uint32_t name_at = 0;
+        std::uint32_t name_size = 0;
         int line = 0;  // of its name
-        std::span<const Value> values;
+        std::uint32_t first_value = 0;
+        std::uint32_t value_count = 0;
     };
     struct Block {
+        const CifDdl1Scan* scan = nullptr;
         std::string_view name;
         int line = 0;  // of its heading
-        std::span<const Item> items;
+        std::uint32_t first_item = 0;
+        std::uint32_t item_count = 0;
+
+        std::span<const Item> items() const { return {scan->items_.data() + first_item, item_count}; }
+        std::string_view name_of(const Item& item) const {
+            return scan->text_.substr(item.name_at, item.name_size);
+        }
+        std::span<const Value> values(const Item& item) const {
+            return {scan->values_.data() + item.first_value, item.value_count};
+        }
+        std::string_view text(const Value& value) const {
+            return {scan->text_.data() + value.at, value.size};
+        }
         // The item of that name, compared without case; null when absent.
         const Item* find(std::string_view name) const {
-            for (const Item& item : items) {
-                if (item.name.size() == name.size() && cif_iequals(item.name, name)) return &item;
+            for (const Item& item : items()) {
+                if (item.name_size == name.size() && cif_iequals(name_of(item), name)) return &item;
             }
             return nullptr;
         }
     };
+
+    CifDdl1Scan() = default;
+    CifDdl1Scan(const CifDdl1Scan&) = delete;  // its blocks point to it
+    CifDdl1Scan& operator=(const CifDdl1Scan&) = delete;
 
     // Scans text, which must outlive the scan. Returns false (and keeps no
     // blocks) when the text is not plain enough to be read this way.
@@ -50,10 +72,8 @@ private:
     static bool plain_bytes(std::string_view text);
     void fail();
 
+    std::string_view text_;
     std::vector<Block> blocks_;
     std::vector<Item> items_;
     std::vector<Value> values_;
-    // While scanning: where each item's values and each block's items begin.
-    std::vector<std::uint32_t> value_starts_;
-    std::vector<std::uint32_t> item_starts_;
 };

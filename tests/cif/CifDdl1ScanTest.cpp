@@ -35,17 +35,19 @@ void expect_as_document(const CifDdl1Scan& scan, const Cif& cif) {
         const CifDataBlock& document = *cif.blocks()[b];
         EXPECT_EQ(block.name, document.name());
         EXPECT_EQ(block.line, document.line()) << block.name;
-        EXPECT_EQ(block.items.size(), document.item_count()) << block.name;
-        for (const CifDdl1Scan::Item& item : block.items) {
-            const THandle<CifDataItem> found = document.find(item.name);
-            ASSERT_FALSE(found.is_null()) << item.name;
-            EXPECT_EQ(item.line, found->line()) << item.name;
-            ASSERT_EQ(item.values.size(), found->size()) << item.name;
-            for (std::size_t n = 0; n < item.values.size(); ++n) {
-                EXPECT_EQ(item.values[n].text, found->value_view(n)) << item.name << ' ' << n;
-                EXPECT_EQ(item.values[n].quoted, found->is_quoted(n)) << item.name << ' ' << n;
+        EXPECT_EQ(block.items().size(), document.item_count()) << block.name;
+        for (const CifDdl1Scan::Item& item : block.items()) {
+            const std::string_view name = block.name_of(item);
+            const THandle<CifDataItem> found = document.find(name);
+            ASSERT_FALSE(found.is_null()) << name;
+            EXPECT_EQ(item.line, found->line()) << name;
+            const std::span<const CifDdl1Scan::Value> values = block.values(item);
+            ASSERT_EQ(values.size(), found->size()) << name;
+            for (std::size_t n = 0; n < values.size(); ++n) {
+                EXPECT_EQ(block.text(values[n]), found->value_view(n)) << name << ' ' << n;
+                EXPECT_EQ(values[n].quoted != 0, found->is_quoted(n)) << name << ' ' << n;
             }
-            EXPECT_EQ(block.find(item.name), &item);
+            EXPECT_EQ(block.find(name), &item);
         }
     }
 }
