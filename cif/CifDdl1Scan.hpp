@@ -41,7 +41,7 @@ public:
 
         std::span<const Item> items() const { return {scan->items_.data() + first_item, item_count}; }
         std::string_view name_of(const Item& item) const {
-            return scan->text_.substr(item.name_at, item.name_size);
+            return {scan->text_.data() + item.name_at, item.name_size};
         }
         std::span<const Value> values(const Item& item) const {
             return {scan->values_.data() + item.first_value, item.value_count};
