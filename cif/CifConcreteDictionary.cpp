@@ -3,7 +3,6 @@
 #include "cif/CifConcreteDictionary.hpp"
 
 #include <algorithm>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -36,14 +35,21 @@ bool CifConcreteDictionary::read_file(const std::string& path, THandle<CifErrorC
 
 CifConcreteDictionary::Language CifConcreteDictionary::language_of(std::string_view text) {
     // Attributes only the one language uses, searched in the leading part
-    // of the text where the first definitions stand.
-    // (memmem: a search that first looks for the frequent "_" is slow.)
+    // of the text where the first definitions stand. Each has a full stop,
+    // rare enough in the text to look only around those.
     const std::string_view head = text.substr(0, 1 << 16);
-    auto has = [head](std::string_view word) {
-        return memmem(head.data(), head.size(), word.data(), word.size()) != nullptr;
-    };
-    if (has("_definition.id") || has("_dictionary.ddl_conformance")) return Language::ddlm;
-    if (has("_item.name") || has("_datablock.id") || has("_dictionary.datablock_id")) return Language::ddl2;
+    bool ddl2 = false;
+    for (std::size_t dot = head.find('.'); dot != std::string_view::npos; dot = head.find('.', dot + 1)) {
+        const std::string_view before = head.substr(0, dot);
+        const std::string_view after = head.substr(dot + 1);
+        if ((before.ends_with("_definition") && after.starts_with("id")) ||
+            (before.ends_with("_dictionary") && after.starts_with("ddl_conformance")))
+            return Language::ddlm;
+        ddl2 = ddl2 || (before.ends_with("_item") && after.starts_with("name")) ||
+               (before.ends_with("_datablock") && after.starts_with("id")) ||
+               (before.ends_with("_dictionary") && after.starts_with("datablock_id"));
+    }
+    if (ddl2) return Language::ddl2;
     return Language::ddl1;
 }
 

@@ -190,6 +190,33 @@ TEST(CifDictionaryStore, ADefinitionIsMadeOnceWhenThreadsAskTogether) {
     EXPECT_EQ(dictionary.definitions_made(), names.size());
 }
 
+// The language is told from attributes only it uses, in the text's first 64 KiB.
+TEST(CifConcreteDictionary, TellsTheLanguageFromItsOwnAttributes) {
+    using Language = CifConcreteDictionary::Language;
+    const std::string far(1 << 16, ' ');
+    struct Case {
+        std::string text;
+        Language language;
+    };
+    const std::vector<Case> cases = {
+        {"data_a\n_name '_a.b'\n_definition\n; Ends. In. Full stops.\n;\n", Language::ddl1},
+        {"data_a\nsave_x\n_definition.id '_a.b'\nsave_\n", Language::ddlm},
+        {"data_a\n_dictionary.ddl_conformance 3.11\n", Language::ddlm},
+        {"data_a\nsave_x\n_item.name '_a.b'\nsave_\n", Language::ddl2},
+        {"data_a\n_datablock.id x\n", Language::ddl2},
+        {"data_a\n_dictionary.datablock_id x\n", Language::ddl2},
+        {"data_a\n_item.name x\n_definition.id y\n", Language::ddlm},  // DDLm's own come first
+        {"data_a\n_item.nam x\n_definition.i\n_xdictionary.ddl\n", Language::ddl1},
+        {".id _definition. _item .name", Language::ddl1},
+        {"_definition.id", Language::ddlm},
+        {far.substr(0, far.size() - 14) + "_definition.id", Language::ddlm},
+        {far.substr(0, far.size() - 13) + "_definition.id", Language::ddl1},  // past the first 64 KiB
+        {far + "_item.name", Language::ddl1},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(CifConcreteDictionary::language_of(c.text), c.language) << c.text.substr(0, 60);
+}
+
 // A category's facts are worked out when first asked for, once even when
 // threads ask together, from its own definitions only, and come out the
 // same whichever categories were asked for before.
