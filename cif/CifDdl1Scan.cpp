@@ -189,17 +189,20 @@ bool CifDdl1Scan::plain_bytes(std::string_view text) {
         return _mm_andnot_si128(allowed,
                                 _mm_or_si128(_mm_cmplt_epi8(bytes, below), _mm_cmpeq_epi8(bytes, del)));
     };
+    // Odd bytes are gathered and looked at once: plain texts have none.
+    __m128i bad = _mm_setzero_si128();
     for (; end - p >= 32; p += 32) {
         const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
         const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16));
         const __m128i low_ends = _mm_cmpeq_epi8(low, newline), high_ends = _mm_cmpeq_epi8(high, newline);
-        if (_mm_movemask_epi8(_mm_or_si128(odd(low, low_ends), odd(high, high_ends))) != 0) return false;
+        bad = _mm_or_si128(bad, _mm_or_si128(odd(low, low_ends), odd(high, high_ends)));
         const std::uint32_t ends = static_cast<std::uint32_t>(_mm_movemask_epi8(low_ends)) |
                                    static_cast<std::uint32_t>(_mm_movemask_epi8(high_ends)) << 16;
         if (ends == 0) continue;
         if (p + std::countr_zero(ends) - line > longest_line) return false;
         line = p + (32 - std::countl_zero(ends));
     }
+    if (_mm_movemask_epi8(bad) != 0) return false;
 #endif
     for (; p < end; ++p) {
         const auto c = static_cast<unsigned char>(*p);
