@@ -292,6 +292,8 @@ bool CifDdl1Scan::scan_tokens(std::string_view text) {
     for (std::size_t b = 0; b < blocks_.size(); ++b) {
         const std::size_t stop = b + 1 < blocks_.size() ? blocks_[b + 1].first_item : items_.size();
         blocks_[b].item_count = static_cast<std::uint32_t>(stop - blocks_[b].first_item);
+        for (const Item& item : blocks_[b].items())
+            blocks_[b].name_sizes |= std::uint64_t(1) << (item.name_size & 63);
         // A name twice in a block is reported.
         const std::span<const Item> items = blocks_[b].items();
         for (std::size_t i = 1; i < items.size(); ++i) {

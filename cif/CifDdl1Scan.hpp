@@ -38,6 +38,9 @@ public:
         int line = 0;  // of its heading
         std::uint32_t first_item = 0;
         std::uint32_t item_count = 0;
+        // The sizes of its items' names, modulo 64, one bit each: most
+        // attributes asked for are absent, and so told at once.
+        std::uint64_t name_sizes = 0;
 
         std::span<const Item> items() const { return {scan->items_.data() + first_item, item_count}; }
         std::string_view name_of(const Item& item) const {
@@ -51,6 +54,7 @@ public:
         }
         // The item of that name, compared without case; null when absent.
         const Item* find(std::string_view name) const {
+            if ((name_sizes >> (name.size() & 63) & 1) == 0) return nullptr;
             for (const Item& item : items()) {
                 if (item.name_size == name.size() && cif_iequals(name_of(item), name)) return &item;
             }
