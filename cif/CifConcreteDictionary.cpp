@@ -35,15 +35,21 @@ bool CifConcreteDictionary::read_file(const std::string& path, THandle<CifErrorC
 
 CifConcreteDictionary::Language CifConcreteDictionary::language_of(std::string_view text) {
     // Attributes only the one language uses, searched in the leading part
-    // of the text where the first definitions stand.
+    // of the text where the first definitions stand. Each has a full stop,
+    // rare enough in the text to look only around those.
     const std::string_view head = text.substr(0, 1 << 16);
-    if (head.find("_definition.id") != std::string_view::npos ||
-        head.find("_dictionary.ddl_conformance") != std::string_view::npos)
-        return Language::ddlm;
-    if (head.find("_item.name") != std::string_view::npos ||
-        head.find("_datablock.id") != std::string_view::npos ||
-        head.find("_dictionary.datablock_id") != std::string_view::npos)
-        return Language::ddl2;
+    bool ddl2 = false;
+    for (std::size_t dot = head.find('.'); dot != std::string_view::npos; dot = head.find('.', dot + 1)) {
+        const std::string_view before = head.substr(0, dot);
+        const std::string_view after = head.substr(dot + 1);
+        if ((before.ends_with("_definition") && after.starts_with("id")) ||
+            (before.ends_with("_dictionary") && after.starts_with("ddl_conformance")))
+            return Language::ddlm;
+        ddl2 = ddl2 || (before.ends_with("_item") && after.starts_with("name")) ||
+               (before.ends_with("_datablock") && after.starts_with("id")) ||
+               (before.ends_with("_dictionary") && after.starts_with("datablock_id"));
+    }
+    if (ddl2) return Language::ddl2;
     return Language::ddl1;
 }
 
@@ -58,7 +64,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     members_.clear();
     by_length_.clear();
     facts_.clear();
-    similar_memo_->answers.clear();
+    similar_memo_ = std::make_unique<SimilarMemo>();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     language_ = language_of(text);
     switch (language_) {
@@ -72,7 +78,6 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
             CifDdl2Reader(*this, errors, log).read(std::move(text));
             break;
     }
-    index_by_length();
     gather_facts();
     store_ = std::make_unique<CifDictionaryStore>(std::move(definitions_));
     std::vector<CifItemDefinition>().swap(definitions_);
@@ -182,9 +187,9 @@ std::vector<std::string> CifConcreteDictionary::mandatory_items(const std::strin
     return result;
 }
 
-void CifConcreteDictionary::index_by_length() {
-    for (std::size_t i = 0; i < definitions_.size(); ++i) {
-        const std::string& name = definitions_[i].name;
+void CifConcreteDictionary::index_by_length() const {
+    for (std::size_t i = 0; i < definition_count(); ++i) {
+        const std::string_view name = name_at(i);
         if (name.find('[') != std::string::npos) continue;  // a category overview
         if (by_length_.size() <= name.size()) by_length_.resize(name.size() + 1);
         by_length_[name.size()].push_back({i, cif_letter_set(name)});
@@ -192,8 +197,7 @@ void CifConcreteDictionary::index_by_length() {
 }
 
 void CifConcreteDictionary::gather_facts() {
-    for (const auto& [category, members] : members_)
-        facts_.emplace(category, CifCategoryFacts::of(*this, category));
+    for (const auto& [category, members] : members_) facts_.try_emplace(category);
 }
 
 const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string& category) const {
@@ -203,7 +207,10 @@ const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string&
         !category.empty() && category.front() != '_' && category.find('[') == std::string::npos;
     auto found = plain ? facts_.find(category) : facts_.find(plain_category_name(category));
     static const CifCategoryFacts none;  // a category without members
-    return found == facts_.end() ? &none : &found->second;
+    if (found == facts_.end()) return &none;
+    LazyFacts& entry = found->second;
+    std::call_once(entry.worked_out, [&] { entry.facts = CifCategoryFacts::of(*this, found->first); });
+    return &entry.facts;
 }
 
 std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,
@@ -226,6 +233,7 @@ std::vector<CifDictionary::SimilarName> CifConcreteDictionary::find_similar_name
     std::vector<SimilarName> result;
     if (max_edits < 0) return result;
     const std::size_t edits = static_cast<std::size_t>(max_edits);
+    std::call_once(similar_memo_->indexed, [this] { index_by_length(); });
     const std::size_t shortest = data_name.size() > edits ? data_name.size() - edits : 0;
     const std::size_t longest = std::min(data_name.size() + edits + 1, by_length_.size());
     const std::uint64_t letters = cif_letter_set(data_name);

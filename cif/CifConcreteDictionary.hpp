@@ -91,8 +91,10 @@ private:
 
     bool read_text(std::string text, const std::string& directory, THandle<CifErrorContainer> errors,
                    std::ostream* log);
-    void index_by_length();
-    // Works out every category's facts (facts_).
+    // Fills by_length_, the first time a similar name is looked for.
+    void index_by_length() const;
+    // Files every category with members under facts_, its facts worked out
+    // the first time they are asked for.
     void gather_facts();
     // Fills lookup_ from index_ once the reading is done, and lets index_ go.
     void build_lookup();
@@ -143,17 +145,23 @@ private:
         std::size_t index;
         std::uint64_t letters;
     };
-    std::vector<std::vector<Sized>> by_length_;
+    mutable std::vector<std::vector<Sized>> by_length_;
     // The similar names already found, by bound and lower-case name: files
     // checked one after another lack the same few names. Shared by threads.
     struct SimilarMemo {
+        std::once_flag indexed;  // by_length_ filled
         std::mutex mutex;
         std::unordered_map<std::string, std::vector<SimilarName>> answers;
     };
     std::unique_ptr<SimilarMemo> similar_memo_ = std::make_unique<SimilarMemo>();
     std::vector<SimilarName> find_similar_names(std::string_view data_name, int max_edits) const;
-    // Lower-case plain category name -> its facts, for every category with members.
-    std::unordered_map<std::string, CifCategoryFacts, CifNameHash, CifNameEqual> facts_;
+    // Lower-case plain category name -> its facts, for every category with
+    // members: a check asks for those of a few categories.
+    struct LazyFacts {
+        std::once_flag worked_out;
+        CifCategoryFacts facts;
+    };
+    mutable std::unordered_map<std::string, LazyFacts, CifNameHash, CifNameEqual> facts_;
 };
 
 // The library's name for a handle of a concrete dictionary.

@@ -7,13 +7,14 @@
 
 #include "cif/Cif.hpp"
 #include "cif/CifConcreteDictionary.hpp"
+#include "cif/CifDdl1Scan.hpp"
 #include "cif/CifDictionaryAttributes.hpp"
 #include "cif/CifNames.hpp"
 
 namespace {
 
 // The values of an attribute, looped or not ("?" and "." count as absent).
-std::vector<std::string> values_of(const CifDataBlock& block, const char* tag) {
+std::vector<std::string> values_of(const CifDataBlock& block, std::string_view tag) {
     std::vector<std::string> result;
     THandle<CifDataItem> item = block.find(tag);
     if (item.is_null()) return result;
@@ -21,7 +22,7 @@ std::vector<std::string> values_of(const CifDataBlock& block, const char* tag) {
     return result;
 }
 
-std::string value_of(const CifDataBlock& block, const char* tag) {
+std::string value_of(const CifDataBlock& block, std::string_view tag) {
     THandle<CifDataItem> item = block.find(tag);
     if (item.is_null() || !item->has_value()) return std::string();
     std::string_view value = item->value_view(0);
@@ -29,10 +30,40 @@ std::string value_of(const CifDataBlock& block, const char* tag) {
     return std::string(value);
 }
 
-int line_of(const CifDataBlock& block, const char* tag) {
+int line_of(const CifDataBlock& block, std::string_view tag) {
     THandle<CifDataItem> item = block.find(tag);
     return item.is_null() || item->line() < 1 ? block.line() : item->line();
 }
+
+int line_of(const CifDataBlock& block) { return block.line(); }
+std::string name_of(const CifDataBlock& block) { return block.name(); }
+
+// The same for a block of a scanned text.
+std::vector<std::string> values_of(const CifDdl1Scan::Block& block, std::string_view tag) {
+    std::vector<std::string> result;
+    const CifDdl1Scan::Item* item = block.find(tag);
+    if (item == nullptr) return result;
+    result.reserve(item->value_count);
+    for (const CifDdl1Scan::Value& value : block.values(*item)) result.emplace_back(block.text(value));
+    return result;
+}
+
+std::string value_of(const CifDdl1Scan::Block& block, std::string_view tag) {
+    const CifDdl1Scan::Item* item = block.find(tag);
+    if (item == nullptr || item->value_count == 0) return std::string();
+    const CifDdl1Scan::Value& value = block.values(*item).front();
+    const std::string_view text = block.text(value);
+    if (!value.quoted && (text == "?" || text == ".")) return std::string();
+    return std::string(text);
+}
+
+int line_of(const CifDdl1Scan::Block& block, std::string_view tag) {
+    const CifDdl1Scan::Item* item = block.find(tag);
+    return item == nullptr ? block.line : item->line;
+}
+
+int line_of(const CifDdl1Scan::Block& block) { return block.line; }
+std::string name_of(const CifDdl1Scan::Block& block) { return std::string(block.name); }
 
 }  // namespace
 
@@ -74,7 +105,9 @@ std::vector<std::pair<std::size_t, int>> piece_starts(std::string_view text, std
 }  // namespace
 
 void CifDdl1Reader::read(std::string text, std::size_t piece_size) {
-    if (piece_size == 0 || !read_in_pieces(text, piece_size)) {
+    if (piece_size != 0 && read_scanned(text)) {
+        std::string().swap(text);
+    } else if (piece_size == 0 || !read_in_pieces(text, piece_size)) {
         read_whole(std::move(text));
     } else {
         std::string().swap(text);
@@ -119,6 +152,26 @@ void CifDdl1Reader::read_whole(std::string text) {
     }
     dictionary_.definitions_.reserve(names);
     read_blocks(cif);
+}
+
+bool CifDdl1Reader::read_scanned(const std::string& text) {
+    CifDdl1Scan scan;
+    if (!scan.scan(text)) return false;
+    std::size_t names = 0;
+    for (const CifDdl1Scan::Block& block : scan.blocks()) {
+        const CifDdl1Scan::Item* name = block.find("_name");
+        names += name == nullptr ? 0 : name->value_count;
+    }
+    dictionary_.definitions_.reserve(names);
+    dictionary_.index_.reserve(names);
+    for (const CifDdl1Scan::Block& block : scan.blocks()) {
+        if (cif_iequals(block.name, "on_this_dictionary")) {
+            read_descriptor(block);
+        } else {
+            read_definition(block);
+        }
+    }
+    return true;
 }
 
 bool CifDdl1Reader::read_in_pieces(const std::string& text, std::size_t piece_size) {
@@ -168,30 +221,36 @@ void CifDdl1Reader::read_blocks(const Cif& cif) {
     }
 }
 
-void CifDdl1Reader::read_descriptor(const CifDataBlock& block) {
+template <typename Block>
+void CifDdl1Reader::read_descriptor(const Block& block) {
     dictionary_.descriptor_.name = value_of(block, "_dictionary_name");
     dictionary_.descriptor_.version = value_of(block, "_dictionary_version");
     dictionary_.descriptor_.date = value_of(block, "_dictionary_update");
 }
 
-void CifDdl1Reader::read_definition(const CifDataBlock& block) {
+template <typename Block>
+void CifDdl1Reader::read_definition(const Block& block) {
     std::vector<std::string> names = values_of(block, "_name");
     if (names.empty()) {
-        error(CifError::definition_without_name, block.line(), block.name());
+        error(CifError::definition_without_name, line_of(block), name_of(block));
         return;
     }
     CifItemDefinition definition;
-    definition.line = block.line() + line_offset_;
+    definition.line = line_of(block) + line_offset_;
     if (!read_attributes(block, definition)) return;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        CifItemDefinition copy = i + 1 < names.size() ? definition : std::move(definition);
-        copy.name = names[i];
-        add_definition(std::move(copy), block.line());
+    for (std::size_t i = 0; i + 1 < names.size(); ++i) {
+        CifItemDefinition copy = definition;
+        copy.name = std::move(names[i]);
+        add_definition(std::move(copy), line_of(block));
     }
+    definition.name = std::move(names.back());
+    add_definition(std::move(definition), line_of(block));
 }
 
-bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition& definition) {
-    const std::string label = value_of(block, "_name").empty() ? block.name() : value_of(block, "_name");
+template <typename Block>
+bool CifDdl1Reader::read_attributes(const Block& block, CifItemDefinition& definition) {
+    std::string label = value_of(block, "_name");
+    if (label.empty()) label = name_of(block);
     definition.category = cif_lowercase(value_of(block, "_category"));
 
     definition.type_text = value_of(block, "_type");
@@ -274,9 +333,9 @@ bool CifDdl1Reader::read_attributes(const CifDataBlock& block, CifItemDefinition
     return true;
 }
 
-void CifDdl1Reader::add_definition(CifItemDefinition definition, int line) {
-    std::string key = cif_lowercase(definition.name);
-    auto [found, inserted] = dictionary_.index_.emplace(key, dictionary_.definitions_.size());
+void CifDdl1Reader::add_definition(CifItemDefinition&& definition, int line) {
+    auto [found, inserted] =
+        dictionary_.index_.emplace(cif_lowercase(definition.name), dictionary_.definitions_.size());
     if (!inserted) {
         error(CifError::dictionary_duplicate_definition, line, definition.name,
               std::to_string(dictionary_.definitions_[found->second].line));

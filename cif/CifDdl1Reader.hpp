@@ -31,6 +31,8 @@ public:
     // the document of the whole text: a third of the memory. When a piece
     // has any problem, or two pieces name the same block, the text is read
     // again as one for its messages; a piece_size of 0 reads it as one.
+    // Before either, a text plain enough is scanned without a document
+    // (not with a piece_size of 0).
     void read(std::string text, std::size_t piece_size = std::size_t(1) << 16);
 
 private:
@@ -38,10 +40,17 @@ private:
     void read_whole(std::string text);
     bool read_in_pieces(const std::string& text, std::size_t piece_size);
     void read_blocks(const Cif& cif);
-    void read_descriptor(const CifDataBlock& block);
-    void read_definition(const CifDataBlock& block);
-    bool read_attributes(const CifDataBlock& block, CifItemDefinition& definition);
-    void add_definition(CifItemDefinition definition, int line);
+    // A text plain enough is scanned (CifDdl1Scan) instead of read as a
+    // document: the same definitions and messages in a fraction of the time.
+    bool read_scanned(const std::string& text);
+    // Of a document's block or a scanned one.
+    template <typename Block>
+    void read_descriptor(const Block& block);
+    template <typename Block>
+    void read_definition(const Block& block);
+    template <typename Block>
+    bool read_attributes(const Block& block, CifItemDefinition& definition);
+    void add_definition(CifItemDefinition&& definition, int line);
     void build_categories();
     void error(int code, int line, std::string text = {}, std::string detail = {});
 

@@ -10,12 +10,15 @@ namespace {
 // added to both (the size tells when the struct changed).
 static_assert(sizeof(CifItemDefinition) == 376, "CifDictionaryStore packs every field of CifItemDefinition");
 
+// Writes a definition's fields one after another at `at`; with a null `at`
+// only counts the bytes they take (so that the text is sized once).
 class Writer {
 public:
-    explicit Writer(std::string& out) : out_(out) {}
+    explicit Writer(char* at) : at_(at) {}
+    std::size_t written() const { return written_; }
     template <typename T>
     void raw(T value) {
-        out_.append(reinterpret_cast<const char*>(&value), sizeof value);
+        bytes(&value, sizeof value);
     }
     // A length or count: one byte below 255, else 255 and four bytes.
     void size(std::size_t value) {
@@ -28,7 +31,7 @@ public:
     }
     void text(const std::string& value) {
         size(value.size());
-        out_ += value;
+        bytes(value.data(), value.size());
     }
     void texts(const std::vector<std::string>& values) {
         size(values.size());
@@ -36,7 +39,13 @@ public:
     }
 
 private:
-    std::string& out_;
+    void bytes(const void* from, std::size_t count) {
+        if (at_ != nullptr) std::memcpy(at_ + written_, from, count);
+        written_ += count;
+    }
+
+    char* at_;
+    std::size_t written_ = 0;
 };
 
 class Reader {
@@ -70,8 +79,7 @@ private:
     const char* at_;
 };
 
-void pack(const CifItemDefinition& definition, std::string& out) {
-    Writer put(out);
+void pack(const CifItemDefinition& definition, Writer& put) {
     put.text(definition.name);
     put.texts(definition.aliases);
     put.text(definition.category);
@@ -117,13 +125,17 @@ CifDictionaryStore::CifDictionaryStore(std::vector<CifItemDefinition> definition
     for (const CifItemDefinition& definition : definitions)
         any_notes = any_notes || definition.notes_ != nullptr;
     if (any_notes) notes_.reserve(definitions.size());
+    // Counted first, then written into a text of the right size.
+    Writer count(nullptr);
+    for (const CifItemDefinition& definition : definitions) pack(definition, count);
+    packed_.resize(count.written());
+    Writer put(packed_.data());
     for (std::size_t i = 0; i < definitions.size(); ++i) {
-        starts_.push_back(static_cast<std::uint32_t>(packed_.size()));
-        pack(definitions[i], packed_);
+        starts_.push_back(static_cast<std::uint32_t>(put.written()));
+        pack(definitions[i], put);
         if (any_notes) notes_.push_back(std::move(definitions[i].notes_));
         objects_[i].store(nullptr, std::memory_order_relaxed);
     }
-    packed_.shrink_to_fit();
 }
 
 CifDictionaryStore::~CifDictionaryStore() {

@@ -2,6 +2,7 @@
 // Packed dictionaries and ones read a piece at a time answer as those read whole, as objects.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -16,6 +17,7 @@
 #include "cif/CifDdl2Reader.hpp"
 #include "cif/CifDdlmImports.hpp"
 #include "cif/CifDdlmReader.hpp"
+#include "cif/CifEditDistance.hpp"
 #include "tests/cif/DictionaryTestSupport.hpp"
 
 namespace {
@@ -188,8 +190,108 @@ TEST(CifDictionaryStore, ADefinitionIsMadeOnceWhenThreadsAskTogether) {
     EXPECT_EQ(dictionary.definitions_made(), names.size());
 }
 
-// A DDL1 text of many small blocks, read a piece of a few blocks at a time
-// and whole, with the problems that send a piece back to a whole read.
+// The language is told from attributes only it uses, in the text's first 64 KiB.
+TEST(CifConcreteDictionary, TellsTheLanguageFromItsOwnAttributes) {
+    using Language = CifConcreteDictionary::Language;
+    const std::string far(1 << 16, ' ');
+    struct Case {
+        std::string text;
+        Language language;
+    };
+    const std::vector<Case> cases = {
+        {"data_a\n_name '_a.b'\n_definition\n; Ends. In. Full stops.\n;\n", Language::ddl1},
+        {"data_a\nsave_x\n_definition.id '_a.b'\nsave_\n", Language::ddlm},
+        {"data_a\n_dictionary.ddl_conformance 3.11\n", Language::ddlm},
+        {"data_a\nsave_x\n_item.name '_a.b'\nsave_\n", Language::ddl2},
+        {"data_a\n_datablock.id x\n", Language::ddl2},
+        {"data_a\n_dictionary.datablock_id x\n", Language::ddl2},
+        {"data_a\n_item.name x\n_definition.id y\n", Language::ddlm},  // DDLm's own come first
+        {"data_a\n_item.nam x\n_definition.i\n_xdictionary.ddl\n", Language::ddl1},
+        {".id _definition. _item .name", Language::ddl1},
+        {"_definition.id", Language::ddlm},
+        {far.substr(0, far.size() - 14) + "_definition.id", Language::ddlm},
+        {far.substr(0, far.size() - 13) + "_definition.id", Language::ddl1},  // past the first 64 KiB
+        {far + "_item.name", Language::ddl1},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(CifConcreteDictionary::language_of(c.text), c.language) << c.text.substr(0, 60);
+}
+
+// A category's facts are worked out when first asked for, once even when
+// threads ask together, from its own definitions only, and come out the
+// same whichever categories were asked for before.
+TEST(CifConcreteDictionary, CategoryFactsAreWorkedOutOnceWhenFirstAskedFor) {
+    THandle<CifConcreteDictionary> core = cif_test::core_dictionary();
+    if (core.is_null()) GTEST_SKIP() << "absent: " << cif_test::core_dictionary_path();
+    CifConcreteDictionary forward;
+    CifConcreteDictionary backward;
+    ASSERT_TRUE(forward.read_file(cif_test::core_dictionary_path(), THandle<CifErrorContainer>()));
+    ASSERT_TRUE(backward.read_file(cif_test::core_dictionary_path(), THandle<CifErrorContainer>()));
+    std::vector<std::string> categories = forward.categories();
+    ASSERT_GT(categories.size(), 20u);
+    EXPECT_EQ(forward.definitions_made(), 0u);
+
+    // One category first: only its members' definitions are made.
+    const std::string& first = categories[categories.size() / 2];
+    const CifCategoryFacts* alone = forward.category_facts(first);
+    ASSERT_FALSE(alone->items.empty()) << first;
+    EXPECT_LE(forward.definitions_made(), alone->items.size() + 1) << first;
+
+    std::vector<std::vector<const CifCategoryFacts*>> found(6);
+    std::vector<std::thread> threads;
+    for (std::size_t t = 0; t < found.size(); ++t) {
+        threads.emplace_back([&, t] {
+            for (std::size_t n = 0; n < categories.size(); ++n)
+                found[t].push_back(forward.category_facts(categories[(n * (2 * t + 1)) % categories.size()]));
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (std::size_t t = 0; t < found.size(); ++t) {
+        for (std::size_t n = 0; n < categories.size(); ++n)
+            EXPECT_EQ(found[t][n], forward.category_facts(categories[(n * (2 * t + 1)) % categories.size()]));
+    }
+    EXPECT_EQ(forward.category_facts(first), alone);
+
+    for (auto category = categories.rbegin(); category != categories.rend(); ++category) {
+        const CifCategoryFacts* a = forward.category_facts(*category);
+        const CifCategoryFacts* b = backward.category_facts(*category);
+        EXPECT_EQ(a->items, b->items) << *category;
+        EXPECT_EQ(a->references, b->references) << *category;
+        EXPECT_EQ(a->mandatory, b->mandatory) << *category;
+        const CifCategoryFacts fresh = CifCategoryFacts::of(forward, *category);
+        EXPECT_EQ(a->items, fresh.items) << *category;
+        EXPECT_EQ(a->references, fresh.references) << *category;
+        EXPECT_EQ(a->mandatory, fresh.mandatory) << *category;
+    }
+}
+
+// Similar names come from an index made at the first question; it holds
+// every name but category overviews, whichever name is asked about first.
+TEST(CifConcreteDictionary, SimilarNamesFindEveryNameWithinTheEdits) {
+    THandle<CifConcreteDictionary> core = cif_test::core_dictionary();
+    if (core.is_null()) GTEST_SKIP() << "absent: " << cif_test::core_dictionary_path();
+    CifConcreteDictionary dictionary;
+    ASSERT_TRUE(dictionary.read_file(cif_test::core_dictionary_path(), THandle<CifErrorContainer>()));
+    const std::vector<std::string> names = dictionary.data_names();
+    for (const char* asked : {"_cell_length_q", "_atom_site_fract", "_symmetry_space_group_name_h-n", "_x"}) {
+        std::vector<std::string> wanted;
+        for (const std::string& name : names) {
+            if (name.find('[') == std::string::npos && cif_edit_distance(asked, name, 2) <= 2)
+                wanted.push_back(name);
+        }
+        std::vector<std::string> found;
+        for (const CifDictionary::SimilarName& similar : dictionary.similar_names(asked, 2))
+            found.push_back(similar.name);
+        std::sort(wanted.begin(), wanted.end());
+        std::sort(found.begin(), found.end());
+        EXPECT_EQ(found, wanted) << asked;
+    }
+    EXPECT_FALSE(dictionary.similar_names("_cell_length_q", 2).empty());
+}
+
+// A DDL1 text of many small blocks, read as a document whole and (a piece
+// size given) scanned or a piece of a few blocks at a time, with the
+// problems of its definitions and those that send it back to a whole read.
 TEST(CifDdl1Reader, PiecesGiveTheDefinitionsAndMessagesOfTheWholeText) {
     auto block = [](int n, const std::string& extra = {}) {
         return "data_item_" + std::to_string(n) + "\n_name '_item_" + std::to_string(n) +
@@ -215,6 +317,15 @@ TEST(CifDdl1Reader, PiecesGiveTheDefinitionsAndMessagesOfTheWholeText) {
         {"an unterminated text field",
          text_with(20, "data_open\n_name '_open'\n_definition\n;\nnever closed\n")},
         {"a stray value", text_with(25, block(25, "stray\n"))},
+        {"an unknown type and a bad range",
+         text_with(12, block(12, "_type_conditions none\n") + "data_odd\n_name '_odd'\n_type text\n"
+                                                              "_enumeration_range 9:1\n")},
+        {"a definition without a name", text_with(7, "data_nameless\n_category item\n")},
+        {"looped names sharing attributes",
+         text_with(8,
+                   "data_pair\nloop_ _name '_pair_a' '_pair_b'\n_category pair\n_list yes\n"
+                   "_list_reference '_pair_a'\n_enumeration_range 1:2\n_type numb\n")},
+        {"a long line", text_with(5, block(5, "_units_detail '" + std::string(2100, 'u') + "'\n"))},
         {"CR LF line ends",
          [&] {
              std::string crlf;
