@@ -582,7 +582,7 @@ void CifLexer::scan_compound(CifToken& token) {
     limit_size(token);
 }
 
-void CifLexer::limit_size(CifToken& token) {
+void CifLexer::cut_to_size(CifToken& token) {
     std::size_t limit = settings_.max_token_size;
     if (limit > CifValueRef::length_mask) limit = CifValueRef::length_mask;
     if (token.length > limit) {

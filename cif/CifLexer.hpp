@@ -56,7 +56,13 @@ private:
     void scan_text_field(CifToken& token, bool in_compound);
     void scan_compound(CifToken& token);
     void classify_word(CifToken& token);
-    void limit_size(CifToken& token);
+    // Cuts a token longer than the settings allow, with a message (the
+    // check inline: every token passes it).
+    void limit_size(CifToken& token) {
+        if (token.length > CifValueRef::length_mask || token.length > settings_.max_token_size)
+            cut_to_size(token);
+    }
+    void cut_to_size(CifToken& token);
     // The start of the first later line that begins a data block, or end_;
     // where an unterminated text field or string is closed.
     const char* recovery_point(const char* from, int from_line, int& line) const;
