@@ -35,6 +35,25 @@ const char* skip_spaces(const char* p, const char* end) {
     return p;
 }
 
+// The first byte from p on that is the quote or a line end, sixteen bytes
+// at a time while sixteen remain before end; where fewer remain, p itself.
+const char* to_quote_or_line_end(const char* p, const char* end, char quote) {
+#if defined(__SSE2__)
+    const __m128i quotes = _mm_set1_epi8(quote), newline = _mm_set1_epi8('\n');
+    while (end - p >= 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const auto found = static_cast<unsigned>(
+            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, quotes), _mm_cmpeq_epi8(bytes, newline))));
+        if (found != 0) return p + std::countr_zero(found);
+        p += 16;
+    }
+#else
+    (void)end;
+    (void)quote;
+#endif
+    return p;
+}
+
 // The first byte from p on that may end a CIF 1.1 word (white space or a
 // NUL), sixteen bytes at a time while sixteen remain before end; where
 // fewer remain, p itself.
@@ -359,6 +378,7 @@ void CifLexer::scan_quoted(CifToken& token, bool in_compound) {
     const char* start = p_ + 1;
     const char* s = start;
     bool closed = false;
+    s = to_quote_or_line_end(s, end_, quote);
     if (version_ >= 2) {
         while (s < end_ && *s != quote && *s != '\n') ++s;
         closed = s < end_ && *s == quote;
