@@ -94,6 +94,23 @@ TEST(CifReader, QuotesInsideValuesFollowTheCif11Rule) {
     EXPECT_EQ(cif->block(0)->value("_a"), "it's here");
     EXPECT_EQ(cif->block(0)->value("_b"), "say \"hi\"");
     EXPECT_EQ(cif->block(0)->value("_c"), "O'Brien");
+
+    // Long values, long runs of blanks and long names, with the inner quote,
+    // the closing quote or the line end at every place of a sixteen-byte
+    // stretch, and the end of the text close behind.
+    for (std::size_t at = 0; at < 36; ++at) {
+        const std::string before(at, 'x'), after(40 - at, 'y'), blanks(at / 2 + 1, ' ');
+        const std::string name = "_n" + std::string(at / 2, 'm');
+        const std::string text = "data_a\n_a" + blanks + "'" + before + "'s" + after + "'\n" + name + blanks +
+                                 "'" + before + "'\n_c '" + before + "\n_d 1";
+        THandle<Cif> read_back = read(text);
+        SCOPED_TRACE(at);
+        EXPECT_EQ(messages(*read_back), (Messages{{305, 4}, {340, 5}}));
+        EXPECT_EQ(read_back->block(0)->value("_a"), before + "'s" + after);
+        EXPECT_EQ(read_back->block(0)->value(name), before);
+        EXPECT_EQ(read_back->block(0)->value("_c"), before);
+        EXPECT_EQ(read_back->block(0)->value("_d"), "1");
+    }
 }
 
 TEST(CifReader, UnterminatedTextFieldStopsBeforeTheNextBlock) {
