@@ -13,6 +13,7 @@
 
 #include "cif/CifCheckValues.hpp"
 #include "cif/SpacegroupOperators.hpp"
+#include "cif/SpacegroupOperatorsRecent.hpp"
 
 namespace {
 
@@ -84,8 +85,8 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
         const CifDataItem* item = cif_check_item(block, name);
         if (item == nullptr) continue;
         operators_name_ = &item->name();
-        operators_.reserve(item->size());
-        for (std::size_t n = 0; n < item->size(); ++n) operators_.push_back(item->value_view(n));
+        operators_item_ = item;
+        operator_count_ = item->size();
         break;
     }
     cif_check_read_cell(block, cell_);
@@ -97,6 +98,16 @@ const std::string& CifBlockSymmetry::name(const std::string* kept) {
 }
 
 CifBlockSymmetry::~CifBlockSymmetry() = default;
+
+const std::vector<std::string_view>& CifBlockSymmetry::operators() const {
+    if (operators_.size() != operator_count_) {
+        operators_.clear();
+        operators_.reserve(operator_count_);
+        for (std::size_t n = 0; n < operator_count_; ++n)
+            operators_.push_back(operators_item_->value_view(n));
+    }
+    return operators_;
+}
 
 const SpacegroupCache::Group& CifBlockSymmetry::symbol_group() const {
     if (!symbol_group_) {
@@ -112,7 +123,7 @@ const std::string& CifBlockSymmetry::derived_symbol() const {
 }
 
 const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
-    if (operators_.empty()) return nullptr;
+    if (operator_count_ == 0) return nullptr;
     if (!spacegroup_) {
         const int number = symbol_group().number;
         spacegroup_ = std::make_unique<Spacegroup>(list().group(number), number, symbol_);
@@ -123,7 +134,7 @@ const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
 const gemmi::GroupOps* CifBlockSymmetry::operations() const {
     if (!ops_) {
         ops_ = std::make_unique<Ops>();
-        if (!operators_.empty()) ops_->operators = list().operations();
+        if (operator_count_ != 0) ops_->operators = list().operations();
         if (ops_->operators != nullptr) {
             ops_->chosen = ops_->operators;
         } else if (const gemmi::GroupOps* hall = operations_of_hall()) {
@@ -143,7 +154,7 @@ const gemmi::GroupOps* CifBlockSymmetry::operations_of_operators() const {
 }
 
 const SpacegroupOperators& CifBlockSymmetry::list() const {
-    if (!list_) list_ = SpacegroupOperators::of(operators_);
+    if (!list_) list_ = SpacegroupOperatorsRecent::of_thread().entry(*operators_item_);
     return *list_;
 }
 

@@ -12,6 +12,7 @@
 #include "cif/Spacegroup.hpp"
 
 class CifDataBlock;
+class CifDataItem;
 class SpacegroupOperators;
 
 namespace gemmi {
@@ -44,7 +45,7 @@ public:
     const SpacegroupCache::Group& symbol_group() const;
     const std::string& derived_symbol() const;
     // The operators as the block's values give them (views of its text).
-    const std::vector<std::string_view>& operators() const { return operators_; }
+    const std::vector<std::string_view>& operators() const;
 
     // The group the operators form (built on first use); null without operators.
     const Spacegroup* spacegroup_of_operators() const;
@@ -86,7 +87,9 @@ private:
                       *operators_name_ = nullptr;
     std::string symbol_, hall_;
     int number_ = 0;
-    std::vector<std::string_view> operators_;
+    const CifDataItem* operators_item_ = nullptr;
+    std::size_t operator_count_ = 0;
+    mutable std::vector<std::string_view> operators_;  // made when asked for
     CifReading cell_[6];
     // The process's entry for the list as written (its operations and group).
     const SpacegroupOperators& list() const;
