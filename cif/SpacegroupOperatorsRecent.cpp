@@ -4,58 +4,74 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
+#include <limits>
 
 #include "cif/CifDataItem.hpp"
 #include "cif/SpacegroupOperators.hpp"
+
+namespace {
+
+std::uint64_t word_at(const char* p) {
+    std::uint64_t word;
+    std::memcpy(&word, p, 8);
+    return word;
+}
+
+// A hash of the span by its size, the number of values and its first,
+// middle and last eight bytes (spans of operators are longer than eight).
+std::uint64_t hash_of(std::string_view span, std::size_t count) {
+    std::uint64_t hash = (span.size() * 0x9E3779B97F4A7C15ull) ^ count;
+    if (span.size() >= 8) {
+        const char* p = span.data();
+        hash ^= word_at(p) * 0xC2B2AE3D27D4EB4Full;
+        hash = (hash ^ (hash >> 29)) * 0xFF51AFD7ED558CCDull;
+        hash ^= word_at(p + span.size() / 2 - 4) * 0xC4CEB9FE1A85EC53ull;
+        hash ^= word_at(p + span.size() - 8);
+    } else {
+        for (char c : span) hash = hash * 131 + static_cast<unsigned char>(c);
+    }
+    hash = (hash ^ (hash >> 32)) * 0xFF51AFD7ED558CCDull;
+    return hash ^ (hash >> 29);
+}
+
+}  // namespace
+
+std::shared_ptr<const SpacegroupOperators> SpacegroupOperatorsRecent::by_texts(const CifTextStore& store,
+                                                                               std::uint32_t base) {
+    texts_.resize(places_.size());
+    for (std::size_t n = 0; n < places_.size(); ++n) {
+        CifValueRef place = places_[n];
+        place.offset += base;
+        texts_[n] = store.view(place);
+    }
+    return SpacegroupOperators::of(texts_);
+}
 
 std::shared_ptr<const SpacegroupOperators> SpacegroupOperatorsRecent::entry(const CifDataItem& item) {
     const CifValueColumn& column = item.values();
     const std::size_t count = column.size();
     const CifTextStore& store = *item.store();
-    // The references read for the key serve the texts too (their offsets
-    // less base).
-    auto by_texts = [this, &store, count](std::uint32_t base) {
-        texts_.resize(count);
-        for (std::size_t n = 0; n < count; ++n) {
-            CifValueRef place = places_[n];
-            place.offset += base;
-            texts_[n] = store.view(place);
-        }
-        return SpacegroupOperators::of(texts_);
-    };
+    // The references read for the key serve the texts too.
     places_.resize(count);
     column.copy_refs(0, count, places_.data());
-    if (count == 0) return by_texts(0);
-    // Values added after reading live outside the text: no span holds them.
-    std::uint32_t begin = places_[0].offset, end = begin;
+    std::uint32_t begin = std::numeric_limits<std::uint32_t>::max(), end = 0, added = 0;
     for (const CifValueRef& place : places_) {
-        if (place.added()) return by_texts(0);
+        added |= place.bits & CifValueRef::added_flag;
         begin = std::min(begin, place.offset);
         end = std::max(end, place.offset + place.length());
     }
-    if (end - begin > longest_span) return by_texts(0);
+    // Values added after reading live outside the text: no span holds them.
+    if (count == 0 || added != 0 || end - begin > longest_span) return by_texts(store, 0);
     const std::string_view span(store.text().data() + begin, end - begin);
     for (CifValueRef& place : places_) place.offset -= begin;
-    const std::size_t place_bytes = count * sizeof(CifValueRef);
-    for (const List& list : lists_) {
-        if (list.places.size() == count && list.span.size() == span.size() &&
-            std::memcmp(list.places.data(), places_.data(), place_bytes) == 0 &&
-            std::memcmp(list.span.data(), span.data(), span.size()) == 0)
-            return list.entry;
-    }
-    std::shared_ptr<const SpacegroupOperators> found = by_texts(begin);
-    List* kept = nullptr;
-    if (lists_.size() < capacity) {
-        kept = &lists_.emplace_back();
-    } else {
-        kept = &lists_[next_];
-        next_ = (next_ + 1) % capacity;
-    }
-    kept->places.assign(places_.begin(), places_.end());
-    kept->span.assign(span);
-    kept->entry = found;
-    return found;
+    List& list = lists_[hash_of(span, count) % slots];
+    if (list.places.size() == count && list.span == span &&
+        std::memcmp(list.places.data(), places_.data(), count * sizeof(CifValueRef)) == 0)
+        return list.entry;
+    list.entry = by_texts(store, begin);
+    list.places.assign(places_.begin(), places_.end());
+    list.span.assign(span);
+    return list.entry;
 }
 
 SpacegroupOperatorsRecent& SpacegroupOperatorsRecent::of_thread() {

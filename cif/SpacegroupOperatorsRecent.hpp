@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 #include "cif/CifValueRef.hpp"
 
 class CifDataItem;
+class CifTextStore;
 class SpacegroupOperators;
 
 // Files checked one after another mostly repeat the operator lists of the
@@ -27,8 +29,9 @@ public:
     // The calling thread's lists.
     static SpacegroupOperatorsRecent& of_thread();
 
-    // How many lists were kept: at most this many, the oldest replaced first.
-    static constexpr std::size_t capacity = 256;
+    // Lists are kept in this many slots, one a slot, chosen by a hash of the
+    // span; a new list takes the place of the one in its slot.
+    static constexpr std::size_t slots = 1024;
     // Spans longer than this are not kept (values copied from far apart).
     static constexpr std::size_t longest_span = 1 << 16;
 
@@ -38,8 +41,10 @@ private:
         std::string span;
         std::shared_ptr<const SpacegroupOperators> entry;
     };
-    std::vector<List> lists_;
-    std::size_t next_ = 0;             // the one replaced next once full
+    // The entry by the texts of places_ (offsets less base).
+    std::shared_ptr<const SpacegroupOperators> by_texts(const CifTextStore& store, std::uint32_t base);
+
+    std::vector<List> lists_ = std::vector<List>(slots);
     std::vector<CifValueRef> places_;  // the item's, reused between calls
     std::vector<std::string_view> texts_;
 };
