@@ -96,8 +96,8 @@ private:
     // hall_setting() found in the tables.
     const gemmi::SpaceGroup* tabulated_hall_setting() const;
     mutable std::shared_ptr<const SpacegroupOperators> list_;
-    mutable std::optional<SpacegroupCache::Group> symbol_group_;
-    mutable std::string derived_symbol_;
+    mutable const SpacegroupCache::Group* symbol_group_ = nullptr;
+    mutable std::optional<SpacegroupCache::Group> own_symbol_group_;  // when the thread keeps no more
     mutable std::unique_ptr<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;
 };
