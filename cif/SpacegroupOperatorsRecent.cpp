@@ -64,14 +64,22 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperatorsRecent::entry(cons
     if (count == 0 || added != 0 || end - begin > longest_span) return by_texts(store, 0);
     const std::string_view span(store.text().data() + begin, end - begin);
     for (CifValueRef& place : places_) place.offset -= begin;
-    List& list = lists_[hash_of(span, count) % slots];
-    if (list.places.size() == count && list.span == span &&
-        std::memcmp(list.places.data(), places_.data(), count * sizeof(CifValueRef)) == 0)
-        return list.entry;
-    list.entry = by_texts(store, begin);
-    list.places.assign(places_.begin(), places_.end());
-    list.span.assign(span);
-    return list.entry;
+    List* set = &lists_[(hash_of(span, count) % sets) * ways];
+    List* oldest = set;
+    ++clock_;
+    for (List* list = set; list != set + ways; ++list) {
+        if (list->places.size() == count && list->span == span &&
+            std::memcmp(list->places.data(), places_.data(), count * sizeof(CifValueRef)) == 0) {
+            list->used = clock_;
+            return list->entry;
+        }
+        if (list->used < oldest->used) oldest = list;
+    }
+    oldest->entry = by_texts(store, begin);
+    oldest->places.assign(places_.begin(), places_.end());
+    oldest->span.assign(span);
+    oldest->used = clock_;
+    return oldest->entry;
 }
 
 SpacegroupOperatorsRecent& SpacegroupOperatorsRecent::of_thread() {

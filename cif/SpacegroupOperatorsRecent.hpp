@@ -29,9 +29,10 @@ public:
     // The calling thread's lists.
     static SpacegroupOperatorsRecent& of_thread();
 
-    // Lists are kept in this many slots, one a slot, chosen by a hash of the
-    // span; a new list takes the place of the one in its slot.
-    static constexpr std::size_t slots = 1024;
+    // Lists are kept in sets of ways slots, the set chosen by a hash of the
+    // span; a new list takes the place of the one of its set used longest ago.
+    static constexpr std::size_t sets = 256;
+    static constexpr std::size_t ways = 4;
     // Spans longer than this are not kept (values copied from far apart).
     static constexpr std::size_t longest_span = 1 << 16;
 
@@ -40,11 +41,13 @@ private:
         std::vector<CifValueRef> places;  // offsets from the span's start, with the flags
         std::string span;
         std::shared_ptr<const SpacegroupOperators> entry;
+        std::uint64_t used = 0;  // when last found or kept
     };
     // The entry by the texts of places_ (offsets less base).
     std::shared_ptr<const SpacegroupOperators> by_texts(const CifTextStore& store, std::uint32_t base);
 
-    std::vector<List> lists_ = std::vector<List>(slots);
+    std::vector<List> lists_ = std::vector<List>(sets * ways);
+    std::uint64_t clock_ = 0;
     std::vector<CifValueRef> places_;  // the item's, reused between calls
     std::vector<std::string_view> texts_;
 };

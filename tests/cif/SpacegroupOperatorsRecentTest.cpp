@@ -88,11 +88,11 @@ TEST(SpacegroupOperatorsRecent, ValuesChangedAfterReadingAreReadAsTheyStand) {
     EXPECT_EQ(recent.entry(operators_of(added)), entry);
 }
 
-TEST(SpacegroupOperatorsRecent, ListsSharingASlotEachGetTheirOwnEntry) {
-    // More lists than slots: some share one and take each other's place.
+TEST(SpacegroupOperatorsRecent, ListsSharingASetEachGetTheirOwnEntry) {
+    // More lists than places: lists of a set take each other's place.
     SpacegroupOperatorsRecent recent;
     std::vector<THandle<Cif>> lists;
-    for (std::size_t n = 0; n < 2 * SpacegroupOperatorsRecent::slots; ++n)
+    for (std::size_t n = 0; n < 2 * SpacegroupOperatorsRecent::sets * SpacegroupOperatorsRecent::ways; ++n)
         lists.push_back(read("x,y,z x+" + std::to_string(n + 1) + "/" + std::to_string(n + 2) + ",y,z"));
     for (int round = 0; round < 2; ++round) {
         for (const THandle<Cif>& list : lists)
