@@ -89,6 +89,7 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
         break;
     }
     cif_check_read_cell(block, cell_);
+    volume_ = cif_check_read(block, {"_cell_volume", "_cell.volume"});
 }
 
 const std::string& CifBlockSymmetry::name(const std::string* kept) {

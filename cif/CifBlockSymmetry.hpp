@@ -78,6 +78,8 @@ public:
     // The cell's lengths a, b, c and angles alpha, beta, gamma as
     // cif_check_read_cell() reads them, read once for all the checks.
     const CifReading* cell() const { return cell_; }
+    // The cell volume as cif_check_read() reads it, read once as well.
+    const CifReading& volume() const { return volume_; }
 
 private:
     struct Ops;
@@ -91,6 +93,7 @@ private:
     std::size_t operator_count_ = 0;
     mutable std::vector<std::string_view> operators_;  // made when asked for
     CifReading cell_[6];
+    CifReading volume_;
     // The process's entry for the list as written (its operations and group).
     const SpacegroupOperators& list() const;
     // hall_setting() found in the tables.

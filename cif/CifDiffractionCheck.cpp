@@ -52,7 +52,7 @@ double CifDiffractionCheck::wavelength() const {
 void CifDiffractionCheck::check_absorption() {
     if (!mu_.ok || mu_.value() <= 0.0) return;
     CifReading z = cif_check_read(block_, {"_cell_formula_units_Z", "_cell.formula_units_Z"});
-    CifReading volume = cif_check_read(block_, {"_cell_volume", "_cell.volume"});
+    const CifReading& volume = symmetry_.volume();
     if (!volume.ok || volume.value() <= 0.0) return;
     CifRadiation radiation = CifRadiation::unknown;
     const double lambda = wavelength();

@@ -145,7 +145,7 @@ void ORMACifConsistencyChecker::add(CifError::ErrorID id, const CifDataBlock& bl
 
 void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block, const CifBlockSymmetry& symmetry) {
     const Reading* cell = symmetry.cell();
-    Reading volume = read(block, {"_cell_volume", "_cell.volume"});
+    const Reading& volume = symmetry.volume();
     if (!volume.ok || !std::all_of(cell, cell + 6, [](const Reading& r) { return r.ok; })) return;
     double p[6];
     for (int i = 0; i < 6; ++i) p[i] = cell[i].value();
