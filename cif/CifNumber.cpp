@@ -27,35 +27,37 @@ struct Shape {
 
 Shape number_shape(std::string_view text) {
     Shape shape;
-    std::size_t i = 0;
-    const std::size_t n = text.size();
-    if (i < n && (text[i] == '+' || text[i] == '-')) ++i;
-    std::size_t digits = 0;
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    if (p != end && (*p == '+' || *p == '-')) ++p;
+    // Digits are told by one unsigned comparison.
+    auto digit = [](char c) { return static_cast<unsigned>(c - '0'); };
     std::uint64_t mantissa = 0;
-    while (i < n && is_digit(text[i])) mantissa = mantissa * 10 + (text[i++] - '0'), ++digits;
-    if (i < n && text[i] == '.') {
-        ++i;
-        while (i < n && is_digit(text[i]))
-            mantissa = mantissa * 10 + (text[i++] - '0'), ++digits, ++shape.decimals;
+    const char* const first_digit = p;
+    while (p != end && digit(*p) < 10) mantissa = mantissa * 10 + digit(*p++);
+    std::size_t digits = static_cast<std::size_t>(p - first_digit);
+    if (p != end && *p == '.') {
+        const char* const first_decimal = ++p;
+        while (p != end && digit(*p) < 10) mantissa = mantissa * 10 + digit(*p++);
+        shape.decimals = static_cast<int>(p - first_decimal);
+        digits += static_cast<std::size_t>(shape.decimals);
     }
     if (digits == 0) return Shape();
     shape.mantissa = mantissa;  // wrapped around beyond 19 digits: not used then
     shape.digits = digits;
-    if (i < n && (text[i] == 'e' || text[i] == 'E')) {
-        std::size_t j = i + 1;
+    if (p != end && (*p == 'e' || *p == 'E')) {
+        const char* q = p + 1;
         bool negative = false;
-        if (j < n && (text[j] == '+' || text[j] == '-')) negative = text[j++] == '-';
-        std::size_t first = j;
+        if (q != end && (*q == '+' || *q == '-')) negative = *q++ == '-';
+        const char* const first = q;
         long exponent = 0;
-        while (j < n && is_digit(text[j])) {
-            if (exponent < 100000) exponent = exponent * 10 + (text[j] - '0');
-            ++j;
-        }
-        if (j == first) return Shape();  // "1e" is not a number
+        for (; q != end && digit(*q) < 10; ++q)
+            if (exponent < 100000) exponent = exponent * 10 + digit(*q);
+        if (q == first) return Shape();  // "1e" is not a number
         shape.exponent = negative ? -exponent : exponent;
-        i = j;
+        p = q;
     }
-    shape.length = i;
+    shape.length = static_cast<std::size_t>(p - text.data());
     return shape;
 }
 
