@@ -6,6 +6,7 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <optional>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -256,10 +257,9 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
     std::string system = lower(system_text);
     if (system.empty()) return;
 
-    Reading number =
-        read(block, {"_symmetry_Int_Tables_number", "_space_group_IT_number", "_space_group.IT_number"});
-    if (number.ok) {
-        int n = static_cast<int>(std::lround(number.value()));
+    // The space group's number as the symmetry items read it (0: none, or no
+    // number, either of which has no crystal system).
+    if (const int n = symmetry.number(); n != 0) {
         int expected = Spacegroup::crystal_system(n);
         bool trigonal_family = expected >= Spacegroup::rhombohedral && expected <= Spacegroup::trigonal;
         bool fits =
@@ -307,24 +307,29 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
 }
 
 void ORMACifConsistencyChecker::check_order(const CifDataBlock& block) {
-    // Pairs (smaller, larger) that must be in order.
-    static constexpr CifCheckName pairs[][2] = {
-        {"_diffrn_reflns_theta_min", "_diffrn_reflns_theta_max"},
-        {"_cell_measurement_theta_min", "_cell_measurement_theta_max"},
-        {"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
-        {"_diffrn_reflns_limit_k_min", "_diffrn_reflns_limit_k_max"},
-        {"_diffrn_reflns_limit_l_min", "_diffrn_reflns_limit_l_max"},
-        {"_exptl_absorpt_correction_T_min", "_exptl_absorpt_correction_T_max"},
-        {"_exptl_crystal_size_min", "_exptl_crystal_size_mid"},
-        {"_exptl_crystal_size_mid", "_exptl_crystal_size_max"},
-        {"_exptl_crystal_size_min", "_exptl_crystal_size_max"},
-        {"_diffrn_reflns_theta_full", "_diffrn_reflns_theta_max"},
+    static constexpr CifCheckName names[] = {
+        "_diffrn_reflns_theta_min",    "_diffrn_reflns_theta_max",        "_cell_measurement_theta_min",
+        "_cell_measurement_theta_max", "_diffrn_reflns_limit_h_min",      "_diffrn_reflns_limit_h_max",
+        "_diffrn_reflns_limit_k_min",  "_diffrn_reflns_limit_k_max",      "_diffrn_reflns_limit_l_min",
+        "_diffrn_reflns_limit_l_max",  "_exptl_absorpt_correction_T_min", "_exptl_absorpt_correction_T_max",
+        "_exptl_crystal_size_min",     "_exptl_crystal_size_mid",         "_exptl_crystal_size_max",
+        "_diffrn_reflns_theta_full",
+    };
+    // Pairs (smaller, larger) of names that must be in order.
+    static constexpr int pairs[][2] = {{0, 1},   {2, 3},   {4, 5},   {6, 7},   {8, 9},
+                                       {10, 11}, {12, 13}, {13, 14}, {12, 14}, {15, 1}};
+    // Each name read once, when a pair first asks for it.
+    std::optional<Reading> readings[std::size(names)];
+    auto reading = [&](int n) -> const Reading& {
+        if (!readings[n]) readings[n] = read(block, {names[n]});
+        return *readings[n];
     };
     std::unordered_set<std::string> reported;
     for (const auto& pair : pairs) {
-        Reading low = read(block, {pair[0]});
-        Reading high = read(block, {pair[1]});
-        if (!low.ok || !high.ok) continue;
+        const Reading& low = reading(pair[0]);
+        if (!low.ok) continue;
+        const Reading& high = reading(pair[1]);
+        if (!high.ok) continue;
         if (low.value() <= high.value() + 3.0 * std::hypot(low.stated_sigma(), high.stated_sigma())) continue;
         if (!reported.insert(high.name).second) continue;
         add(CifError::calculated_value_differs, block, high.name,
