@@ -3,6 +3,7 @@
 #include "cif/CifBlockNameFilter.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifNames.hpp"
@@ -52,7 +53,10 @@ CifBlockNameFilter::~CifBlockNameFilter() {
 }
 
 bool CifBlockNameFilter::named(const THandle<CifDataItem>& item, std::string_view name) {
-    return cif_iequals(item->name(), name);
+    const std::string& kept = item->name();
+    if (kept.size() != name.size()) return false;
+    // Names are mostly written as asked: the same bytes answer at once.
+    return std::memcmp(kept.data(), name.data(), name.size()) == 0 || cif_iequals(kept, name);
 }
 
 CifBlockNameFilter::Scope::Scope(const CifBlockNameFilter& names) : previous_(current_) { current_ = &names; }
