@@ -2,8 +2,6 @@
 // The items a journal submission needs, listed once per document when missing.
 #include "cif/CifPublicationCheck.hpp"
 
-#include <unordered_set>
-
 #include "cif/CifCheckFindings.hpp"
 #include "cif/CifCheckValues.hpp"
 #include "cif/CifDataBlock.hpp"
@@ -62,12 +60,17 @@ void CifPublicationCheck::check() {
             std::tie(journal_name, journal) = cif_check_text(*block, {"_publ_requested_journal"});
     }
     if (!for_publication) return;
-    std::unordered_set<std::string> reported;
-    for (const CifError& error : *cif_.errors())
-        if (error.id() == CifError::mandatory_item_missing) reported.insert(cif_lowercase(error.text()));
+    // Whether the mandatory items already reported the name missing (asked
+    // only of names not given, which are few).
+    auto reported = [this](const char* name) {
+        for (const CifError& error : *cif_.errors())
+            if (error.id() == CifError::mandatory_item_missing && cif_iequals(error.text(), name))
+                return true;
+        return false;
+    };
     const CifDataBlock& first = *blocks.front();
     auto require = [&](const char* name, const std::string& why) {
-        if (given(name) || reported.count(cif_lowercase(name)) != 0) return;
+        if (given(name) || reported(name)) return;
         findings_.add(CifError(CifError::publication_item_missing, CifError::remark,
                                findings_.item_line(first, std::string()), name, why));
     };
