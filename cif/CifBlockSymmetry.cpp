@@ -159,9 +159,9 @@ const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
     if (operator_count_ == 0) return nullptr;
     if (!spacegroup_) {
         const int number = symbol_group().number;
-        spacegroup_ = std::make_unique<Spacegroup>(list().group(number), number, symbol_);
+        spacegroup_.emplace(list().group(number), number, symbol_);
     }
-    return spacegroup_.get();
+    return &*spacegroup_;
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations() const {

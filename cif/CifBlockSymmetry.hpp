@@ -50,7 +50,9 @@ public:
     // The group the operators form (built on first use); null without operators.
     const Spacegroup* spacegroup_of_operators() const;
     // The same when something asked for it already; null otherwise.
-    const Spacegroup* spacegroup_of_operators_if_built() const { return spacegroup_.get(); }
+    const Spacegroup* spacegroup_of_operators_if_built() const {
+        return spacegroup_ ? &*spacegroup_ : nullptr;
+    }
 
     // The group's operations, from the first source that can be read: the
     // operators, the Hall symbol, the Hermann-Mauguin symbol, the number.
@@ -101,6 +103,6 @@ private:
     mutable std::shared_ptr<const SpacegroupOperators> list_;
     mutable const SpacegroupCache::Group* symbol_group_ = nullptr;
     mutable std::optional<SpacegroupCache::Group> own_symbol_group_;  // when the thread keeps no more
-    mutable std::unique_ptr<Spacegroup> spacegroup_;
+    mutable std::optional<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;
 };

@@ -47,10 +47,10 @@ std::string lower(std::string text) { return cif_lowercase(text); }
 // table of open addressing instead of a node per label.
 class SiteLabels {
 public:
-    explicit SiteLabels(std::size_t count) {
+    explicit SiteLabels(std::size_t count) : slots_(kept_slots()) {
         std::size_t size = 16;
         while (size < 2 * count) size *= 2;
-        slots_.resize(size);
+        slots_.assign(size, Slot());
     }
     // The row kept for the label, the given row when it is new (then true).
     std::pair<std::size_t*, bool> insert(std::string_view label, std::size_t row) {
@@ -74,7 +74,12 @@ private:
         while (slots_[at].used && slots_[at].label != label) at = (at + 1) & mask;
         return at;
     }
-    std::vector<Slot> slots_;
+    // The thread's table, kept from block to block (one check at a time).
+    static std::vector<Slot>& kept_slots() {
+        thread_local std::vector<Slot> slots;
+        return slots;
+    }
+    std::vector<Slot>& slots_;
 };
 
 // The cell's volume with one of its parameters moved, as
