@@ -70,7 +70,8 @@ private:
     // The label's slot, or the free one where it would go.
     std::size_t index_of(std::string_view label) const {
         const std::size_t mask = slots_.size() - 1;
-        std::size_t at = std::hash<std::string_view>()(label) & mask;
+        // A hash that ignores case serves as well: labels equal as written hash alike.
+        std::size_t at = cif_name_hash(label) & mask;
         while (slots_[at].used && slots_[at].label != label) at = (at + 1) & mask;
         return at;
     }
