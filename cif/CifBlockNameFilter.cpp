@@ -3,6 +3,7 @@
 #include "cif/CifBlockNameFilter.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifNames.hpp"
@@ -29,18 +30,23 @@ CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&bloc
     if (spare_.size >= size) {
         slots_ = std::move(spare_.slots);
         size_ = spare_.size;
+        generation_ = spare_.generation + 1;
         spare_.size = 0;
     } else {
         slots_ = std::make_unique_for_overwrite<Slot[]>(size);
         size_ = size;
+        generation_ = 0;  // cleared below
     }
-    std::fill_n(slots_.get(), size, Slot{0, nullptr});
+    if (generation_ == 0) {
+        std::fill_n(slots_.get(), size_, Slot{0, nullptr, 0});
+        generation_ = 1;
+    }
     mask_ = size - 1;
     for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
         const std::uint64_t key = cif_check_name_key((*item)->name());
         std::size_t at = key & mask_;
-        while (slots_[at].item != nullptr) at = (at + 1) & mask_;
-        slots_[at] = Slot{key, &*item};
+        while (slots_[at].generation == generation_) at = (at + 1) & mask_;
+        slots_[at] = Slot{key, &*item, generation_};
     }
 }
 
@@ -48,11 +54,15 @@ CifBlockNameFilter::~CifBlockNameFilter() {
     if (slots_ != nullptr && size_ > spare_.size) {
         spare_.slots = std::move(slots_);
         spare_.size = size_;
+        spare_.generation = generation_;
     }
 }
 
 bool CifBlockNameFilter::named(const THandle<CifDataItem>& item, std::string_view name) {
-    return cif_iequals(item->name(), name);
+    const std::string& kept = item->name();
+    if (kept.size() != name.size()) return false;
+    // Names are mostly written as asked: the same bytes answer at once.
+    return std::memcmp(kept.data(), name.data(), name.size()) == 0 || cif_iequals(kept, name);
 }
 
 CifBlockNameFilter::Scope::Scope(const CifBlockNameFilter& names) : previous_(current_) { current_ = &names; }

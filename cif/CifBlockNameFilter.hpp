@@ -34,7 +34,7 @@ public:
         const std::uint64_t key = name.key();
         for (std::size_t at = key & mask_;; at = (at + 1) & mask_) {
             const Slot& slot = slots_[at];
-            if (slot.item == nullptr) return nullptr;
+            if (slot.generation != generation_) return nullptr;
             if (slot.key == key && named(*slot.item, name.text())) return slot.item;
         }
     }
@@ -62,15 +62,19 @@ private:
     // probe above stays small enough to inline where names are asked).
     static bool named(const THandle<CifDataItem>& item, std::string_view name);
 
+    // A slot is free unless it was filled for this filter: a table serves
+    // block after block without being cleared in between.
     struct Slot {
         std::uint64_t key;
-        const THandle<CifDataItem>* item;  // null: free
+        const THandle<CifDataItem>* item;
+        std::uint32_t generation;
     };
-
-    // The table of the last filter of the thread, kept for the next block.
+    // The table of the last filter of the thread, kept for the next block,
+    // with the generation its slots were last filled in.
     struct Spare {
         std::unique_ptr<Slot[]> slots;
         std::size_t size = 0;
+        std::uint32_t generation = 0;
     };
     static thread_local Spare spare_;
 
@@ -78,6 +82,7 @@ private:
     std::unique_ptr<Slot[]> slots_;
     std::size_t size_ = 0;  // of slots_, of which mask_ + 1 are in use
     std::size_t mask_ = 0;
+    std::uint32_t generation_ = 0;  // of the slots filled for this filter
     // Constant-initialised: asked without the call that would set it up first.
     static constinit thread_local const CifBlockNameFilter* current_;
 };

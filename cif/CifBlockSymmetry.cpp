@@ -6,13 +6,13 @@
 #include <cmath>
 #include <gemmi/symmetry.hpp>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <unordered_map>
 
 #include "cif/CifCheckValues.hpp"
 #include "cif/SpacegroupOperators.hpp"
+#include "cif/SpacegroupOperatorsRecent.hpp"
 
 namespace {
 
@@ -84,11 +84,12 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
         const CifDataItem* item = cif_check_item(block, name);
         if (item == nullptr) continue;
         operators_name_ = &item->name();
-        operators_.reserve(item->size());
-        for (std::size_t n = 0; n < item->size(); ++n) operators_.push_back(item->value_view(n));
+        operators_item_ = item;
+        operator_count_ = item->size();
         break;
     }
     cif_check_read_cell(block, cell_);
+    volume_ = cif_check_read(block, {"_cell_volume", "_cell.volume"});
 }
 
 const std::string& CifBlockSymmetry::name(const std::string* kept) {
@@ -98,32 +99,75 @@ const std::string& CifBlockSymmetry::name(const std::string* kept) {
 
 CifBlockSymmetry::~CifBlockSymmetry() = default;
 
+const std::vector<std::string_view>& CifBlockSymmetry::operators() const {
+    if (operators_.size() != operator_count_) {
+        operators_.clear();
+        operators_.reserve(operator_count_);
+        for (std::size_t n = 0; n < operator_count_; ++n)
+            operators_.push_back(operators_item_->value_view(n));
+    }
+    return operators_;
+}
+
+namespace {
+
+// What each thread asked of the process's caches lately, asked again without
+// their locks and without copying the answers: a few symbols recur in file
+// after file. Answers stay put while the thread lives; past limit no more
+// are kept and those asked are copied.
+template <class Answer>
+class ThreadAnswers {
+public:
+    static constexpr std::size_t limit = 4096;
+    // The answer kept under key, or null.
+    const Answer* find(const std::string& key) const {
+        auto found = answers_.find(key);
+        return found == answers_.end() ? nullptr : &found->second;
+    }
+    // Keeps the answer under key when there is room; null otherwise.
+    const Answer* keep(const std::string& key, const Answer& answer) {
+        if (answers_.size() >= limit) return nullptr;
+        return &answers_.emplace(key, answer).first->second;
+    }
+
+private:
+    std::unordered_map<std::string, Answer> answers_;
+};
+
+}  // namespace
+
 const SpacegroupCache::Group& CifBlockSymmetry::symbol_group() const {
-    if (!symbol_group_) {
-        symbol_group_ = Spacegroup::named(symbol_);
-        derived_symbol_ = symbol_group_->number == 0 ? std::string("Unknown") : symbol_group_->symbol;
+    if (symbol_group_ == nullptr) {
+        thread_local ThreadAnswers<SpacegroupCache::Group> named;
+        symbol_group_ = named.find(symbol_);
+        if (symbol_group_ == nullptr) {
+            SpacegroupCache::Group group = Spacegroup::named(symbol_);
+            symbol_group_ = named.keep(symbol_, group);
+            if (symbol_group_ == nullptr) symbol_group_ = &own_symbol_group_.emplace(std::move(group));
+        }
     }
     return *symbol_group_;
 }
 
 const std::string& CifBlockSymmetry::derived_symbol() const {
-    symbol_group();
-    return derived_symbol_;
+    static const std::string unknown("Unknown");
+    const SpacegroupCache::Group& group = symbol_group();
+    return group.number == 0 ? unknown : group.symbol;
 }
 
 const Spacegroup* CifBlockSymmetry::spacegroup_of_operators() const {
-    if (operators_.empty()) return nullptr;
+    if (operator_count_ == 0) return nullptr;
     if (!spacegroup_) {
         const int number = symbol_group().number;
-        spacegroup_ = std::make_unique<Spacegroup>(list().group(number), number, symbol_);
+        spacegroup_.emplace(list().group(number), number, symbol_);
     }
-    return spacegroup_.get();
+    return &*spacegroup_;
 }
 
 const gemmi::GroupOps* CifBlockSymmetry::operations() const {
     if (!ops_) {
         ops_ = std::make_unique<Ops>();
-        if (!operators_.empty()) ops_->operators = list().operations();
+        if (operator_count_ != 0) ops_->operators = list().operations();
         if (ops_->operators != nullptr) {
             ops_->chosen = ops_->operators;
         } else if (const gemmi::GroupOps* hall = operations_of_hall()) {
@@ -143,7 +187,7 @@ const gemmi::GroupOps* CifBlockSymmetry::operations_of_operators() const {
 }
 
 const SpacegroupOperators& CifBlockSymmetry::list() const {
-    if (!list_) list_ = SpacegroupOperators::of(operators_);
+    if (!list_) list_ = SpacegroupOperatorsRecent::of_thread().entry(*operators_item_);
     return *list_;
 }
 
@@ -160,21 +204,15 @@ const gemmi::GroupOps* CifBlockSymmetry::operations_of_hall() const {
 
 const gemmi::SpaceGroup* CifBlockSymmetry::hall_setting() const {
     if (hall_.empty()) return nullptr;
-    // Each symbol as written with each number is looked up once per process
+    // Each symbol as written with each number is looked up once per thread
     // (the answers point into the static tables).
-    static std::mutex mutex;
-    static std::unordered_map<std::string, const gemmi::SpaceGroup*> found;
-    std::string key = std::to_string(number_);
-    key += '\n';
+    thread_local ThreadAnswers<const gemmi::SpaceGroup*> found;
+    thread_local std::string key;
+    key.assign(reinterpret_cast<const char*>(&number_), sizeof number_);
     key += hall_;
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        if (auto known = found.find(key); known != found.end()) return known->second;
-    }
+    if (const gemmi::SpaceGroup* const* known = found.find(key)) return *known;
     const gemmi::SpaceGroup* setting = tabulated_hall_setting();
-    std::lock_guard<std::mutex> lock(mutex);
-    if (found.size() >= 4096) found.clear();
-    found.emplace(std::move(key), setting);
+    found.keep(key, setting);
     return setting;
 }
 

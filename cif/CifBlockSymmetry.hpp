@@ -12,6 +12,7 @@
 #include "cif/Spacegroup.hpp"
 
 class CifDataBlock;
+class CifDataItem;
 class SpacegroupOperators;
 
 namespace gemmi {
@@ -44,12 +45,14 @@ public:
     const SpacegroupCache::Group& symbol_group() const;
     const std::string& derived_symbol() const;
     // The operators as the block's values give them (views of its text).
-    const std::vector<std::string_view>& operators() const { return operators_; }
+    const std::vector<std::string_view>& operators() const;
 
     // The group the operators form (built on first use); null without operators.
     const Spacegroup* spacegroup_of_operators() const;
     // The same when something asked for it already; null otherwise.
-    const Spacegroup* spacegroup_of_operators_if_built() const { return spacegroup_.get(); }
+    const Spacegroup* spacegroup_of_operators_if_built() const {
+        return spacegroup_ ? &*spacegroup_ : nullptr;
+    }
 
     // The group's operations, from the first source that can be read: the
     // operators, the Hall symbol, the Hermann-Mauguin symbol, the number.
@@ -77,6 +80,8 @@ public:
     // The cell's lengths a, b, c and angles alpha, beta, gamma as
     // cif_check_read_cell() reads them, read once for all the checks.
     const CifReading* cell() const { return cell_; }
+    // The cell volume as cif_check_read() reads it, read once as well.
+    const CifReading& volume() const { return volume_; }
 
 private:
     struct Ops;
@@ -86,15 +91,18 @@ private:
                       *operators_name_ = nullptr;
     std::string symbol_, hall_;
     int number_ = 0;
-    std::vector<std::string_view> operators_;
+    const CifDataItem* operators_item_ = nullptr;
+    std::size_t operator_count_ = 0;
+    mutable std::vector<std::string_view> operators_;  // made when asked for
     CifReading cell_[6];
+    CifReading volume_;
     // The process's entry for the list as written (its operations and group).
     const SpacegroupOperators& list() const;
     // hall_setting() found in the tables.
     const gemmi::SpaceGroup* tabulated_hall_setting() const;
     mutable std::shared_ptr<const SpacegroupOperators> list_;
-    mutable std::optional<SpacegroupCache::Group> symbol_group_;
-    mutable std::string derived_symbol_;
-    mutable std::unique_ptr<Spacegroup> spacegroup_;
+    mutable const SpacegroupCache::Group* symbol_group_ = nullptr;
+    mutable std::optional<SpacegroupCache::Group> own_symbol_group_;  // when the thread keeps no more
+    mutable std::optional<Spacegroup> spacegroup_;
     mutable std::unique_ptr<Ops> ops_;
 };

@@ -36,8 +36,17 @@ CifChemicalFormula::CifChemicalFormula(const std::string& text) {
         if (element(symbol) == gemmi::El::X) return;
         double count = 1.0;
         std::size_t start = i;
-        while (i < n && (is_digit(text[i]) || text[i] == '.')) ++i;
-        if (i > start) {
+        // A count of up to 15 digits without a point is an exact integer,
+        // the double strtod would read.
+        double whole = 0.0;
+        while (i < n && is_digit(text[i]) && i - start < 15) whole = whole * 10.0 + (text[i++] - '0');
+        const bool integer = i > start && (i == n || (!is_digit(text[i]) && text[i] != '.'));
+        if (integer) {
+            count = whole;
+        } else {
+            while (i < n && (is_digit(text[i]) || text[i] == '.')) ++i;
+        }
+        if (!integer && i > start) {
             std::string digits = text.substr(start, i - start);
             char* end = nullptr;
             count = std::strtod(digits.c_str(), &end);

@@ -66,7 +66,7 @@ CifChemistryCheck::CifChemistryCheck(const CifDataBlock& block, const CifBlockSy
       formula_(std::string()),
       z_(cif_check_read(block, {"_cell_formula_units_Z", "_cell.formula_units_Z"})),
       weight_(cif_check_read(block, {"_chemical_formula_weight", "_chemical_formula.weight"})),
-      volume_(cif_check_read(block, {"_cell_volume", "_cell.volume"})) {
+      volume_(symmetry.volume()) {
     std::tie(formula_name_, formula_text_) =
         cif_check_text(block, {"_chemical_formula_sum", "_chemical_formula.sum"});
     formula_ = CifChemicalFormula(formula_text_);
@@ -76,17 +76,18 @@ void CifChemistryCheck::check_weight_and_density() {
     bool weight_disagrees = false;
     if (weight_.ok && weight_.value() > 0.0) {
         double calculated = 0.0;
-        std::string source;
         if (formula_.valid()) {
             calculated = formula_.weight();
-            source = formula_name_ + " '" + formula_text_ + "'";
         } else if (z_.ok && z_.value() > 0.0) {
             CifCellContents contents(block_, symmetry_);
-            if (contents.valid()) {
-                calculated = contents.weight() / z_.value();
-                source = "the atom sites / " + z_.name + " " + cif_check_format(z_.value(), z_.number.unit);
-            }
+            if (contents.valid()) calculated = contents.weight() / z_.value();
         }
+        // Written for a message only.
+        auto source = [this] {
+            return formula_.valid()
+                       ? formula_name_ + " '" + formula_text_ + "'"
+                       : "the atom sites / " + z_.name + " " + cif_check_format(z_.value(), z_.number.unit);
+        };
         if (calculated > 0.0) {
             double off = std::fabs(weight_.value() - calculated) / calculated;
             CifError::ErrorType level;
@@ -94,7 +95,7 @@ void CifChemistryCheck::check_weight_and_density() {
                                                               0.0, std::max(0.1, 1e-3 * calculated));
             if (cif_check_level(off, 0.01, 0.05, 0.10, level))
                 findings_.add(CifError::formula_weight_differs, level, block_, weight_.name,
-                              " (" + cif_check_written(block_, weight_) + "; " + source + " gives " +
+                              " (" + cif_check_written(block_, weight_) + "; " + source() + " gives " +
                                   cif_check_format(calculated, 0.01) + ", off by " + percent(off) +
                                   ", more than " +
                                   (level == CifError::error     ? "10 %"
@@ -135,7 +136,6 @@ void CifChemistryCheck::check_weight_and_density() {
     if (density_from.molar <= 0.0) return;
     const double molar = density_from.molar;
     const double calculated = density_from.value;
-    const std::string& basis = density_from.basis;
     CifReading density =
         cif_check_read(block_, {"_exptl_crystal_density_diffrn", "_exptl_crystal.density_diffrn"});
     if (density.ok) {
@@ -151,8 +151,8 @@ void CifChemistryCheck::check_weight_and_density() {
         } else if (cif_check_level(off, 0.01, 0.02, 0.05, level)) {
             findings_.add(CifError::density_differs, level, block_, density.name,
                           " (" + cif_check_written(block_, density) + "; " +
-                              cif_check_format(calculated, 0.001) + basis + ", off by " + percent(off) +
-                              ", more than " +
+                              cif_check_format(calculated, 0.001) + density_basis(density_from) +
+                              ", off by " + percent(off) + ", more than " +
                               (level == CifError::error     ? "5 %"
                                : level == CifError::warning ? "2 %"
                                                             : "1 %") +
@@ -169,8 +169,9 @@ void CifChemistryCheck::check_cell_contents() {
     std::map<std::string, double> expected;
     for (const auto& [element, count] : formula_.parts()) expected[element] += z_.value() * count;
     auto tolerance = [](double count) { return 0.1 + 0.03 * count; };
-    const std::string basis =
-        z_.name + " " + cif_check_format(z_.value(), z_.number.unit) + " x '" + formula_text_ + "'";
+    auto basis = [this] {
+        return z_.name + " " + cif_check_format(z_.value(), z_.number.unit) + " x '" + formula_text_ + "'";
+    };
 
     // The atom types' numbers in the cell.
     THandle<CifDataItem> types = cif_check_find(block_, "_atom_type_symbol");
@@ -198,7 +199,7 @@ void CifChemistryCheck::check_cell_contents() {
         }
         if (complete && !wrong_stated.empty())
             findings_.add(CifError::cell_contents_differ, CifError::warning, block_, numbers->name(),
-                          " (" + basis + " gives " + counts_text(wrong_expected) + " +/- 0.1 + 3 %; " +
+                          " (" + basis() + " gives " + counts_text(wrong_expected) + " +/- 0.1 + 3 %; " +
                               numbers->name() + " gives " + counts_text(wrong_stated) + ")");
     }
 
@@ -221,7 +222,7 @@ void CifChemistryCheck::check_cell_contents() {
     contents_disagree_ = !only_hydrogen_missing;
     findings_.add(CifError::cell_contents_differ,
                   only_hydrogen_missing ? CifError::remark : CifError::warning, block_, formula_name_,
-                  " (" + basis + " gives " + counts_text(wrong_expected) +
+                  " (" + basis() + " gives " + counts_text(wrong_expected) +
                       " +/- 0.1 + 3 %; the atom sites give " + counts_text(wrong_sites) +
                       (only_hydrogen_missing ? ": no hydrogen atom among the sites" : "") + ")");
 }
@@ -267,11 +268,13 @@ CifChemistryCheck::CalculatedDensity CifChemistryCheck::calculated_density() con
     density.molar = weight_.ok ? weight_.value() : (formula_.valid() ? formula_.weight() : 0.0);
     if (density.molar <= 0.0) return density;
     density.value = z_.value() * density.molar * atomic_mass_unit / volume_.value();
-    density.basis = " from " + z_.name + " " + cif_check_format(z_.value(), 1.0) + ", " +
-                    (weight_.ok ? weight_.name : formula_name_) + " " +
-                    cif_check_format(density.molar, 0.01) + " and " + volume_.name + " " +
-                    cif_check_written(block_, volume_);
     return density;
+}
+
+std::string CifChemistryCheck::density_basis(const CalculatedDensity& density) const {
+    return " from " + z_.name + " " + cif_check_format(z_.value(), 1.0) + ", " +
+           (weight_.ok ? weight_.name : formula_name_) + " " + cif_check_format(density.molar, 0.01) +
+           " and " + volume_.name + " " + cif_check_written(block_, volume_);
 }
 
 void CifChemistryCheck::check_measured_density() {
@@ -280,7 +283,6 @@ void CifChemistryCheck::check_measured_density() {
     const CalculatedDensity density_from = calculated_density();
     if (density_from.molar <= 0.0) return;
     const double calculated = density_from.value;
-    const std::string& basis = density_from.basis;
     CifReading measured =
         cif_check_read(block_, {"_exptl_crystal_density_meas", "_exptl_crystal.density_meas"});
     if (measured.ok && measured.value() > 0.0) {
@@ -289,7 +291,8 @@ void CifChemistryCheck::check_measured_density() {
         if (cif_check_level(off, 0.05, 0.10, 1e300, level))
             findings_.add(CifError::density_differs, level, block_, measured.name,
                           " (measured " + cif_check_written(block_, measured) + "; calculated " +
-                              cif_check_format(calculated, 0.001) + basis + ", off by " + percent(off) +
-                              ", more than " + (level == CifError::warning ? "10 %" : "5 %") + ")");
+                              cif_check_format(calculated, 0.001) + density_basis(density_from) +
+                              ", off by " + percent(off) + ", more than " +
+                              (level == CifError::warning ? "10 %" : "5 %") + ")");
     }
 }

@@ -32,14 +32,15 @@ public:
     void check_measured_density();
 
 private:
-    // The density Z, the weight (or the formula's) and the volume give, and
-    // how it was worked out for the messages; molar 0 when it cannot be.
+    // The density Z, the weight (or the formula's) and the volume give;
+    // molar 0 when it cannot be.
     struct CalculatedDensity {
         double molar = 0.0;
         double value = 0.0;
-        std::string basis;
     };
     CalculatedDensity calculated_density() const;
+    // How it was worked out, for the messages.
+    std::string density_basis(const CalculatedDensity& density) const;
 
     const CifDataBlock& block_;
     const CifBlockSymmetry& symmetry_;

@@ -52,7 +52,7 @@ double CifDiffractionCheck::wavelength() const {
 void CifDiffractionCheck::check_absorption() {
     if (!mu_.ok || mu_.value() <= 0.0) return;
     CifReading z = cif_check_read(block_, {"_cell_formula_units_Z", "_cell.formula_units_Z"});
-    CifReading volume = cif_check_read(block_, {"_cell_volume", "_cell.volume"});
+    const CifReading& volume = symmetry_.volume();
     if (!volume.ok || volume.value() <= 0.0) return;
     CifRadiation radiation = CifRadiation::unknown;
     const double lambda = wavelength();
@@ -146,13 +146,14 @@ void CifDiffractionCheck::check_transmission() {
 }
 
 void CifDiffractionCheck::check_reflections() {
-    // Powder patterns count reflections otherwise.
-    if (holds_powder_items(block_)) return;
     CifReading theta = cif_check_read(block_, {"_diffrn_reflns_theta_max", "_diffrn_reflns.theta_max"});
     const double lambda = wavelength();
     if (!theta.ok || lambda <= 0.0 || theta.value() <= 0.0 || theta.value() >= 90.0) return;
     const CifReading* cell = symmetry_.cell();
     if (!std::all_of(cell, cell + 6, [](const CifReading& r) { return r.ok; })) return;
+    // Powder patterns count reflections otherwise (asked last: it reads
+    // every name of the block).
+    if (holds_powder_items(block_)) return;
     double p[6];
     for (int i = 0; i < 6; ++i) p[i] = cell[i].value();
     const double volume = cif_check_cell_volume(p);

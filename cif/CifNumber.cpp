@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -18,55 +19,62 @@ struct Shape {
     std::size_t length = 0;
     int decimals = 0;  // digits after the point
     long exponent = 0;
+    // The mantissa's digits as one integer (the point and sign left out)
+    // while there are at most 19 of them.
+    std::uint64_t mantissa = 0;
+    std::size_t digits = 0;
 };
 
 Shape number_shape(std::string_view text) {
     Shape shape;
-    std::size_t i = 0;
-    const std::size_t n = text.size();
-    if (i < n && (text[i] == '+' || text[i] == '-')) ++i;
-    std::size_t digits = 0;
-    while (i < n && is_digit(text[i])) ++i, ++digits;
-    if (i < n && text[i] == '.') {
-        ++i;
-        while (i < n && is_digit(text[i])) ++i, ++digits, ++shape.decimals;
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    if (p != end && (*p == '+' || *p == '-')) ++p;
+    // Digits are told by one unsigned comparison.
+    auto digit = [](char c) { return static_cast<unsigned>(c - '0'); };
+    std::uint64_t mantissa = 0;
+    const char* const first_digit = p;
+    while (p != end && digit(*p) < 10) mantissa = mantissa * 10 + digit(*p++);
+    std::size_t digits = static_cast<std::size_t>(p - first_digit);
+    if (p != end && *p == '.') {
+        const char* const first_decimal = ++p;
+        while (p != end && digit(*p) < 10) mantissa = mantissa * 10 + digit(*p++);
+        shape.decimals = static_cast<int>(p - first_decimal);
+        digits += static_cast<std::size_t>(shape.decimals);
     }
     if (digits == 0) return Shape();
-    if (i < n && (text[i] == 'e' || text[i] == 'E')) {
-        std::size_t j = i + 1;
+    shape.mantissa = mantissa;  // wrapped around beyond 19 digits: not used then
+    shape.digits = digits;
+    if (p != end && (*p == 'e' || *p == 'E')) {
+        const char* q = p + 1;
         bool negative = false;
-        if (j < n && (text[j] == '+' || text[j] == '-')) negative = text[j++] == '-';
-        std::size_t first = j;
+        if (q != end && (*q == '+' || *q == '-')) negative = *q++ == '-';
+        const char* const first = q;
         long exponent = 0;
-        while (j < n && is_digit(text[j])) {
-            if (exponent < 100000) exponent = exponent * 10 + (text[j] - '0');
-            ++j;
-        }
-        if (j == first) return Shape();  // "1e" is not a number
+        for (; q != end && digit(*q) < 10; ++q)
+            if (exponent < 100000) exponent = exponent * 10 + digit(*q);
+        if (q == first) return Shape();  // "1e" is not a number
         shape.exponent = negative ? -exponent : exponent;
-        i = j;
+        p = q;
     }
-    shape.length = i;
+    shape.length = static_cast<std::size_t>(p - text.data());
     return shape;
 }
 
-}  // namespace
-
-CifNumber::Status CifNumber::classify(std::string_view text, bool& has_uncertainty) {
+// classify() with the shape it found.
+CifNumber::Status classify_shape(std::string_view text, bool& has_uncertainty, Shape& shape) {
     has_uncertainty = false;
-    Shape shape = number_shape(text);
-    if (shape.length == 0) return Status::not_a_number;
-    if (shape.length == text.size()) return Status::ok;
-    if (text[shape.length] != '(') return Status::not_a_number;
+    shape = number_shape(text);
+    if (shape.length == 0) return CifNumber::Status::not_a_number;
+    if (shape.length == text.size()) return CifNumber::Status::ok;
+    if (text[shape.length] != '(') return CifNumber::Status::not_a_number;
     std::size_t i = shape.length + 1;
     std::size_t first = i;
     while (i < text.size() && is_digit(text[i])) ++i;
-    if (i == first || i + 1 != text.size() || text[i] != ')') return Status::bad_uncertainty;
+    if (i == first || i + 1 != text.size() || text[i] != ')') return CifNumber::Status::bad_uncertainty;
     has_uncertainty = true;
-    return Status::ok;
+    return CifNumber::Status::ok;
 }
-
-namespace {
 
 // 10 to the power, the nearest double as a decimal literal gives it (which
 // std::pow gives as well), from a table over the usual range.
@@ -80,20 +88,40 @@ double power_of_ten(long exponent) {
     return std::pow(10.0, static_cast<double>(exponent));
 }
 
+// The value when the mantissa and the power of ten are both exact doubles:
+// one multiplication or division, rounded once, is then the nearest double
+// to the decimal, the same bits a full conversion gives. Nothing otherwise.
+bool exact_value(const Shape& shape, bool negative, double& value) {
+    constexpr std::uint64_t exact_integers = std::uint64_t(1) << 53;
+    const long exponent = shape.exponent - shape.decimals;
+    if (shape.digits > 19 || shape.mantissa > exact_integers || exponent < -22 || exponent > 22) return false;
+    const double mantissa = static_cast<double>(shape.mantissa);
+    value = exponent < 0 ? mantissa / power_of_ten(-exponent) : mantissa * power_of_ten(exponent);
+    if (negative) value = -value;
+    return true;
+}
+
 }  // namespace
+
+CifNumber::Status CifNumber::classify(std::string_view text, bool& has_uncertainty) {
+    Shape shape;
+    return classify_shape(text, has_uncertainty, shape);
+}
 
 CifNumber CifNumber::parse(std::string_view text) {
     CifNumber number;
-    number.status = classify(text, number.has_uncertainty);
+    Shape shape;
+    number.status = classify_shape(text, number.has_uncertainty, shape);
     if (!number.ok()) return number;
-    Shape shape = number_shape(text);
-    // from_chars rounds as strtod does, without a terminated copy; it takes
-    // no '+' and leaves values beyond the range of a double to strtod.
-    const char* first = text.data() + (text[0] == '+' ? 1 : 0);
-    const auto [end, error] = std::from_chars(first, text.data() + shape.length, number.value);
-    if (error != std::errc() || end != text.data() + shape.length) {
-        std::string mantissa(text.substr(0, shape.length));
-        number.value = std::strtod(mantissa.c_str(), nullptr);
+    if (!exact_value(shape, text[0] == '-', number.value)) {
+        // from_chars rounds as strtod does, without a terminated copy; it
+        // takes no '+' and leaves values beyond the range of a double to strtod.
+        const char* first = text.data() + (text[0] == '+' ? 1 : 0);
+        const auto [end, error] = std::from_chars(first, text.data() + shape.length, number.value);
+        if (error != std::errc() || end != text.data() + shape.length) {
+            std::string mantissa(text.substr(0, shape.length));
+            number.value = std::strtod(mantissa.c_str(), nullptr);
+        }
     }
     number.unit = power_of_ten(shape.exponent - shape.decimals);
     if (number.has_uncertainty) {

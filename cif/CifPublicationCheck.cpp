@@ -2,12 +2,34 @@
 // The items a journal submission needs, listed once per document when missing.
 #include "cif/CifPublicationCheck.hpp"
 
-#include <unordered_set>
-
 #include "cif/CifCheckFindings.hpp"
 #include "cif/CifCheckValues.hpp"
 #include "cif/CifDataBlock.hpp"
 #include "cif/CifNames.hpp"
+
+namespace {
+
+// Whether the name is of the category: the prefix (an underscore and the
+// category in lower case) and then nothing, '_' or '.', ASCII case ignored.
+bool of_category(const std::string& name, std::string_view prefix) {
+    if (name.size() < prefix.size()) return false;
+    for (std::size_t i = 1; i < prefix.size(); ++i)
+        if ((name[i] | 0x20) != prefix[i]) return false;
+    return name[0] == '_' &&
+           (name.size() == prefix.size() || name[prefix.size()] == '_' || name[prefix.size()] == '.');
+}
+
+// Whether the block has an item of the publ or journal category, as
+// has_item_with_category() answers for each, in one pass over its names.
+bool holds_publication_items(const CifDataBlock& block) {
+    for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
+        const std::string& name = (*item)->name();
+        if (of_category(name, "_publ") || of_category(name, "_journal")) return true;
+    }
+    return false;
+}
+
+}  // namespace
 
 void CifPublicationCheck::check() {
     const auto& blocks = cif_.blocks();
@@ -33,18 +55,22 @@ void CifPublicationCheck::check() {
                (std::string_view(name) == "_publ_contact_author_name" && given_as("_publ_contact_author"));
     };
     for (const THandle<CifDataBlock>& block : blocks.filled()) {
-        for_publication = for_publication || block->has_item_with_category("publ") ||
-                          block->has_item_with_category("journal");
+        for_publication = for_publication || holds_publication_items(*block);
         if (journal.empty())
             std::tie(journal_name, journal) = cif_check_text(*block, {"_publ_requested_journal"});
     }
     if (!for_publication) return;
-    std::unordered_set<std::string> reported;
-    for (const CifError& error : *cif_.errors())
-        if (error.id() == CifError::mandatory_item_missing) reported.insert(cif_lowercase(error.text()));
+    // Whether the mandatory items already reported the name missing (asked
+    // only of names not given, which are few).
+    auto reported = [this](const char* name) {
+        for (const CifError& error : *cif_.errors())
+            if (error.id() == CifError::mandatory_item_missing && cif_iequals(error.text(), name))
+                return true;
+        return false;
+    };
     const CifDataBlock& first = *blocks.front();
     auto require = [&](const char* name, const std::string& why) {
-        if (given(name) || reported.count(cif_lowercase(name)) != 0) return;
+        if (given(name) || reported(name)) return;
         findings_.add(CifError(CifError::publication_item_missing, CifError::remark,
                                findings_.item_line(first, std::string()), name, why));
     };

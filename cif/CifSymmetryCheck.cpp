@@ -2,6 +2,7 @@
 // Cross-checks of a block's space-group items: H-M symbol, Hall symbol, number and operators.
 #include "cif/CifSymmetryCheck.hpp"
 
+#include <cstring>
 #include <gemmi/symmetry.hpp>
 
 #include "cif/CifBlockSymmetry.hpp"
@@ -12,6 +13,15 @@ namespace {
 
 // The tabulated setting the operations form, or null.
 const gemmi::SpaceGroup* setting_of(const gemmi::GroupOps& ops) { return gemmi::find_spacegroup_by_ops(ops); }
+
+// Whether text is the setting's extended H-M symbol (SpaceGroup::xhm()),
+// compared without making it.
+bool is_xhm(const std::string& text, const gemmi::SpaceGroup& setting) {
+    const std::size_t hm = std::strlen(setting.hm);
+    if (text.compare(0, std::string::npos, setting.hm, hm) == 0) return setting.ext == 0;
+    return setting.ext != 0 && text.size() == hm + 2 && text.compare(0, hm, setting.hm, hm) == 0 &&
+           text[hm] == ':' && text[hm + 1] == setting.ext;
+}
 
 std::string name_of(const gemmi::SpaceGroup& group) {
     return group.xhm() + " (" + std::to_string(group.number) + ")";
@@ -80,32 +90,32 @@ void CifSymmetryCheck::check_hall_and_number() {
     const gemmi::GroupOps* operators = symmetry_.operations_of_operators();
     const std::string& hall_name = symmetry_.hall_name();
     if (!symmetry_.hall().empty()) {
-        const std::string quoted = "'" + symmetry_.hall() + "'";
+        auto quoted = [this] { return "'" + symmetry_.hall() + "'"; };
         // A Hall symbol as the tables write it is compared by its setting,
         // without building its group where the operators' is known.
         const gemmi::SpaceGroup* setting = symmetry_.hall_setting();
         const gemmi::GroupOps* hall = setting == nullptr ? symmetry_.operations_of_hall() : nullptr;
         if (setting == nullptr && hall == nullptr) {
             findings_.add(CifError::space_group_items_disagree, CifError::warning, block_, hall_name,
-                          " (" + quoted + " cannot be read as a Hall symbol)");
+                          " (" + quoted() + " cannot be read as a Hall symbol)");
             return;
         }
         auto hall_name_of = [&] { return setting != nullptr ? name_of(*setting) : name_of(*hall); };
         if (operators != nullptr) {
             const Spacegroup* group = symmetry_.spacegroup_of_operators_if_built();
             bool same = setting != nullptr && group != nullptr && group->symbol() != "Unknown"
-                            ? group->symbol() == setting->xhm()
+                            ? is_xhm(group->symbol(), *setting)
                             : symmetry_.operations_of_hall()->is_same_as(*operators);
             if (!same)
                 findings_.add(CifError::space_group_items_disagree, CifError::warning, block_, hall_name,
-                              " (" + quoted + " gives " + hall_name_of() + "; the operators of " +
+                              " (" + quoted() + " gives " + hall_name_of() + "; the operators of " +
                                   symmetry_.operators_name() + " form " + name_of(*operators) + ")");
         } else if (!symmetry_.symbol().empty() &&
                    !symbol_names(symmetry_.symbol(), *symmetry_.operations_of_hall())) {
             // With operators, the H-M symbol is checked against them (362).
             findings_.add(CifError::space_group_items_disagree, CifError::warning, block_, hall_name,
-                          " (" + quoted + " gives " + hall_name_of() + "; " + symmetry_.symbol_name() + " '" +
-                              symmetry_.symbol() + "' is " +
+                          " (" + quoted() + " gives " + hall_name_of() + "; " + symmetry_.symbol_name() +
+                              " '" + symmetry_.symbol() + "' is " +
                               Spacegroup::derive_orma_symbol(symmetry_.symbol()) + ")");
         }
         // Only the settings of the stated number are tried; the table is
@@ -117,7 +127,7 @@ void CifSymmetryCheck::check_hall_and_number() {
         if (number >= 1 && number <= 230 && !fits)
             findings_.add(CifError::space_group_items_disagree, CifError::warning, block_,
                           symmetry_.number_name(),
-                          " (" + std::to_string(number) + "; " + hall_name + " " + quoted + " gives " +
+                          " (" + std::to_string(number) + "; " + hall_name + " " + quoted() + " gives " +
                               hall_name_of() + ")");
         return;
     }

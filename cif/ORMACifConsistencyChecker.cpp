@@ -6,6 +6,7 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <optional>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -46,10 +47,10 @@ std::string lower(std::string text) { return cif_lowercase(text); }
 // table of open addressing instead of a node per label.
 class SiteLabels {
 public:
-    explicit SiteLabels(std::size_t count) {
+    explicit SiteLabels(std::size_t count) : slots_(kept_slots()) {
         std::size_t size = 16;
         while (size < 2 * count) size *= 2;
-        slots_.resize(size);
+        slots_.assign(size, Slot());
     }
     // The row kept for the label, the given row when it is new (then true).
     std::pair<std::size_t*, bool> insert(std::string_view label, std::size_t row) {
@@ -69,11 +70,17 @@ private:
     // The label's slot, or the free one where it would go.
     std::size_t index_of(std::string_view label) const {
         const std::size_t mask = slots_.size() - 1;
-        std::size_t at = std::hash<std::string_view>()(label) & mask;
+        // A hash that ignores case serves as well: labels equal as written hash alike.
+        std::size_t at = cif_name_hash(label) & mask;
         while (slots_[at].used && slots_[at].label != label) at = (at + 1) & mask;
         return at;
     }
-    std::vector<Slot> slots_;
+    // The thread's table, kept from block to block (one check at a time).
+    static std::vector<Slot>& kept_slots() {
+        thread_local std::vector<Slot> slots;
+        return slots;
+    }
+    std::vector<Slot>& slots_;
 };
 
 // The cell's volume with one of its parameters moved, as
@@ -145,7 +152,7 @@ void ORMACifConsistencyChecker::add(CifError::ErrorID id, const CifDataBlock& bl
 
 void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block, const CifBlockSymmetry& symmetry) {
     const Reading* cell = symmetry.cell();
-    Reading volume = read(block, {"_cell_volume", "_cell.volume"});
+    const Reading& volume = symmetry.volume();
     if (!volume.ok || !std::all_of(cell, cell + 6, [](const Reading& r) { return r.ok; })) return;
     double p[6];
     for (int i = 0; i < 6; ++i) p[i] = cell[i].value();
@@ -256,10 +263,9 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
     std::string system = lower(system_text);
     if (system.empty()) return;
 
-    Reading number =
-        read(block, {"_symmetry_Int_Tables_number", "_space_group_IT_number", "_space_group.IT_number"});
-    if (number.ok) {
-        int n = static_cast<int>(std::lround(number.value()));
+    // The space group's number as the symmetry items read it (0: none, or no
+    // number, either of which has no crystal system).
+    if (const int n = symmetry.number(); n != 0) {
         int expected = Spacegroup::crystal_system(n);
         bool trigonal_family = expected >= Spacegroup::rhombohedral && expected <= Spacegroup::trigonal;
         bool fits =
@@ -307,24 +313,29 @@ void ORMACifConsistencyChecker::check_crystal_system(const CifDataBlock& block,
 }
 
 void ORMACifConsistencyChecker::check_order(const CifDataBlock& block) {
-    // Pairs (smaller, larger) that must be in order.
-    static constexpr CifCheckName pairs[][2] = {
-        {"_diffrn_reflns_theta_min", "_diffrn_reflns_theta_max"},
-        {"_cell_measurement_theta_min", "_cell_measurement_theta_max"},
-        {"_diffrn_reflns_limit_h_min", "_diffrn_reflns_limit_h_max"},
-        {"_diffrn_reflns_limit_k_min", "_diffrn_reflns_limit_k_max"},
-        {"_diffrn_reflns_limit_l_min", "_diffrn_reflns_limit_l_max"},
-        {"_exptl_absorpt_correction_T_min", "_exptl_absorpt_correction_T_max"},
-        {"_exptl_crystal_size_min", "_exptl_crystal_size_mid"},
-        {"_exptl_crystal_size_mid", "_exptl_crystal_size_max"},
-        {"_exptl_crystal_size_min", "_exptl_crystal_size_max"},
-        {"_diffrn_reflns_theta_full", "_diffrn_reflns_theta_max"},
+    static constexpr CifCheckName names[] = {
+        "_diffrn_reflns_theta_min",    "_diffrn_reflns_theta_max",        "_cell_measurement_theta_min",
+        "_cell_measurement_theta_max", "_diffrn_reflns_limit_h_min",      "_diffrn_reflns_limit_h_max",
+        "_diffrn_reflns_limit_k_min",  "_diffrn_reflns_limit_k_max",      "_diffrn_reflns_limit_l_min",
+        "_diffrn_reflns_limit_l_max",  "_exptl_absorpt_correction_T_min", "_exptl_absorpt_correction_T_max",
+        "_exptl_crystal_size_min",     "_exptl_crystal_size_mid",         "_exptl_crystal_size_max",
+        "_diffrn_reflns_theta_full",
+    };
+    // Pairs (smaller, larger) of names that must be in order.
+    static constexpr int pairs[][2] = {{0, 1},   {2, 3},   {4, 5},   {6, 7},   {8, 9},
+                                       {10, 11}, {12, 13}, {13, 14}, {12, 14}, {15, 1}};
+    // Each name read once, when a pair first asks for it.
+    std::optional<Reading> readings[std::size(names)];
+    auto reading = [&](int n) -> const Reading& {
+        if (!readings[n]) readings[n] = read(block, {names[n]});
+        return *readings[n];
     };
     std::unordered_set<std::string> reported;
     for (const auto& pair : pairs) {
-        Reading low = read(block, {pair[0]});
-        Reading high = read(block, {pair[1]});
-        if (!low.ok || !high.ok) continue;
+        const Reading& low = reading(pair[0]);
+        if (!low.ok) continue;
+        const Reading& high = reading(pair[1]);
+        if (!high.ok) continue;
         if (low.value() <= high.value() + 3.0 * std::hypot(low.stated_sigma(), high.stated_sigma())) continue;
         if (!reported.insert(high.name).second) continue;
         add(CifError::calculated_value_differs, block, high.name,

@@ -17,13 +17,6 @@
 
 namespace {
 
-std::string trimmed(const std::string& text) {
-    std::size_t first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string::npos) return std::string();
-    std::size_t last = text.find_last_not_of(" \t\r\n");
-    return text.substr(first, last - first + 1);
-}
-
 std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<gemmi::Op>& ops) {
     if (ops.empty()) return nullptr;
     auto group = std::make_unique<gemmi::GroupOps>(gemmi::split_centering_vectors(ops));
@@ -34,7 +27,7 @@ std::unique_ptr<gemmi::GroupOps> from_triplets(const std::vector<gemmi::Op>& ops
     return group;
 }
 
-bool quoted(const std::string& text) {
+bool quoted(std::string_view text) {
     return text.size() >= 2 && (text.front() == '\'' || text.front() == '"') && text.back() == text.front();
 }
 
@@ -65,25 +58,29 @@ std::uint64_t word_at(const char* p) {
     return word;
 }
 
-// A hash of the texts in order, each by its length and, for a text of more
-// than eight bytes, its first, middle and last eight (every byte of a text
-// of up to 24, as triplets mostly are): one mixing step a text. Lists that
-// differ only inside a longer text share a hash and are told apart by
-// their texts.
+// One text as one word: its length and, for a text of more than eight
+// bytes, its first, middle and last eight (every byte of a text of up to
+// 24, as triplets mostly are), mixed.
+std::uint64_t word_of(std::string_view text) {
+    const char* p = text.data();
+    const std::size_t size = text.size();
+    std::uint64_t word = size;
+    if (size > 8) {
+        word ^= word_at(p) * 0x9E3779B97F4A7C15ull;
+        word ^= word_at(p + size / 2 - 4) * 0xC2B2AE3D27D4EB4Full;
+        word ^= word_at(p + size - 8) * 0xC4CEB9FE1A85EC53ull;
+    } else if (size > 0) {
+        word ^= short_word(p, size) * 0xC4CEB9FE1A85EC53ull;
+    }
+    return word;
+}
+
+// A hash of the texts in order, one mixing step a text. Lists that differ
+// only inside a longer text share a hash and are told apart by their texts.
 std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
     std::uint64_t hash = texts.size() * 0x9E3779B97F4A7C15ull;
     for (std::string_view text : texts) {
-        const char* p = text.data();
-        const std::size_t size = text.size();
-        std::uint64_t word = size;
-        if (size > 8) {
-            word ^= word_at(p) * 0x9E3779B97F4A7C15ull;
-            word ^= word_at(p + size / 2 - 4) * 0xC2B2AE3D27D4EB4Full;
-            word ^= word_at(p + size - 8) * 0xC4CEB9FE1A85EC53ull;
-        } else if (size > 0) {
-            word ^= short_word(p, size) * 0xC4CEB9FE1A85EC53ull;
-        }
-        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
+        hash = (hash ^ word_of(text)) * 0xFF51AFD7ED558CCDull;
         hash ^= hash >> 32;
     }
     return hash;
@@ -141,7 +138,10 @@ private:
     // Looked up by a view of the text, without a string made for it.
     struct Hash {
         using is_transparent = void;
-        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+        std::size_t operator()(std::string_view text) const {
+            const std::uint64_t hash = word_of(text) * 0xFF51AFD7ED558CCDull;
+            return hash ^ (hash >> 32);
+        }
     };
     std::mutex mutex_;
     std::unordered_map<std::string, std::optional<gemmi::Op>, Hash, std::equal_to<>> read_;
@@ -235,15 +235,15 @@ gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
     return op.wrap();
 }
 
-SpacegroupOperators::SpacegroupOperators(std::vector<std::string> texts) {
+SpacegroupOperators::SpacegroupOperators(const std::vector<std::string_view>& texts) {
     std::size_t size = 0;
-    for (const std::string& text : texts) size += sizeof(std::uint32_t) + text.size();
+    for (std::string_view text : texts) size += sizeof(std::uint32_t) + text.size();
     texts_.reserve(size);
-    for (const std::string& text : texts) {
+    for (std::string_view text : texts) {
         const auto length = static_cast<std::uint32_t>(text.size());
         texts_.append(reinterpret_cast<const char*>(&length), sizeof length);
         texts_ += text;
-        quoted_ = quoted_ || quoted(trimmed(text));
+        quoted_ = quoted_ || quoted(trimmed_view(text));
     }
 }
 
@@ -289,8 +289,7 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
     ++all.misses;
     // The cache starts afresh when it has grown large; entries in use live on.
     if (all.entries.size() >= 4096) all.entries.clear();
-    auto entry =
-        std::make_shared<const SpacegroupOperators>(std::vector<std::string>(texts.begin(), texts.end()));
+    auto entry = std::make_shared<const SpacegroupOperators>(texts);
     all.entries.emplace(hash, entry);
     return entry;
 }

@@ -51,7 +51,7 @@ public:
     static std::size_t lookups();
     static std::size_t misses();
 
-    explicit SpacegroupOperators(std::vector<std::string> texts);
+    explicit SpacegroupOperators(const std::vector<std::string_view>& texts);
     ~SpacegroupOperators();
 
 private:

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cif/CifBlockNameFilter.hpp"
 #include "cif/CifCheckValues.hpp"
@@ -57,6 +58,31 @@ TEST(CifBlockNameFilter, FindsEveryItemTheBlockHoldsInAnyCaseAndNoOther) {
         const CifDataBlock& absent = *others->blocks().front();
         for (auto item = absent.begin_write_order(); item != absent.end_write_order(); ++item)
             EXPECT_EQ(names.find(CifCheckName((*item)->name())), nullptr) << (*item)->name();
+    }
+}
+
+TEST(CifBlockNameFilter, ATableServingBlockAfterBlockFindsOnlyTheCurrentBlocksNames) {
+    // Larger blocks first, so that each later filter takes the table the one
+    // before it left; the previous block's names must be gone from it.
+    const int blocks[][2] = {{1000, 0}, {30, 2000}, {1, 3000}, {30, 0}, {500, 4000}, {30, 4100}};
+    std::vector<THandle<Cif>> read;
+    for (const auto& [count, first] : blocks) read.push_back(cif_test::read(block_of(count, first)));
+    for (std::size_t n = 0; n < read.size(); ++n) {
+        SCOPED_TRACE(n);
+        const CifDataBlock& block = *read[n]->blocks().front();
+        const CifBlockNameFilter names(block);
+        for (auto item = block.begin_write_order(); item != block.end_write_order(); ++item) {
+            const THandle<CifDataItem>* found = names.find(CifCheckName((*item)->name()));
+            ASSERT_NE(found, nullptr) << (*item)->name();
+            EXPECT_EQ(found->get(), item->get());
+        }
+        if (n == 0) continue;
+        const CifDataBlock& before = *read[n - 1]->blocks().front();
+        for (auto item = before.begin_write_order(); item != before.end_write_order(); ++item) {
+            // Found only as the current block's item of the same name.
+            const THandle<CifDataItem>* found = names.find(CifCheckName((*item)->name()));
+            EXPECT_TRUE(found == nullptr || found->get() != item->get()) << (*item)->name();
+        }
     }
 }
 

@@ -463,6 +463,39 @@ TEST(CifNumber, ValuesAreTheNearestDoubleAsTheCLibraryReadsThem) {
     }
 }
 
+TEST(CifNumber, ShortMantissasAndPowersAreTheCLibrarysBitsToo) {
+    // Around where a mantissa or a power of ten stops being an exact double:
+    // 2^53 and the integers next to it, 19 and 20 digits, exponents to 10^±23,
+    // with the point anywhere and either sign.
+    const std::string mantissas[] = {"9007199254740991",
+                                     "9007199254740992",
+                                     "9007199254740993",
+                                     "1234567890123456789",
+                                     "12345678901234567890",
+                                     "7",
+                                     "0",
+                                     "3333333333333333",
+                                     "18446744073709551617"};
+    for (const std::string& digits : mantissas) {
+        for (std::size_t point = 0; point <= digits.size(); point += 3) {
+            for (int exponent = -24; exponent <= 24; ++exponent) {
+                for (const char* sign : {"", "-", "+"}) {
+                    std::string text(sign);
+                    text.append(digits, 0, point);
+                    text += '.';
+                    text.append(digits, point);
+                    if (exponent != 0) text.append(1, 'e').append(std::to_string(exponent));
+                    const CifNumber number = CifNumber::parse(text);
+                    ASSERT_TRUE(number.ok()) << text;
+                    const double expected = std::strtod(text.c_str(), nullptr);
+                    EXPECT_EQ(std::memcmp(&number.value, &expected, sizeof expected), 0)
+                        << text << " " << number.value;
+                }
+            }
+        }
+    }
+}
+
 }  // namespace
 
 namespace {
