@@ -3,11 +3,14 @@
 #include "cif/Spacegroup.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <functional>
 #include <gemmi/symmetry.hpp>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <string_view>
 #include <unordered_map>
 
 #include "cif/SpacegroupCache.hpp"
@@ -131,12 +134,24 @@ std::string packed(const std::vector<gemmi::Op>& ops) {
     return text;
 }
 
-// A tabulated setting's operations, counted and sorted as a comparison of
-// groups needs them, made once per process (thread-safe; never dropped).
+// A tabulated setting's operations, counted, and sorted and packed as a
+// comparison of groups needs them, made once per process (thread-safe;
+// never dropped). Only a fingerprint of the packed text is kept (a few
+// hundred settings' texts would add half a megabyte to a run's peak): a
+// setting whose fingerprint matches has its text made again to be sure.
 struct SettingOps {
     std::size_t sym = 0, cen = 0;
-    std::string sorted;  // packed()
+    std::uint64_t fingerprint = 0;  // of packed()
 };
+
+std::uint64_t fingerprint_of(std::string_view text) { return std::hash<std::string_view>()(text); }
+
+// Whether the setting's operations, sorted and packed, are the text.
+bool setting_is(const gemmi::SpaceGroup& setting, const SettingOps& tabulated, std::size_t sym,
+                std::size_t cen, const std::string& sorted, std::uint64_t fingerprint) {
+    return tabulated.sym == sym && tabulated.cen == cen && tabulated.fingerprint == fingerprint &&
+           packed(setting.operations().all_ops_sorted()) == sorted;
+}
 
 const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
     static std::mutex mutex;
@@ -146,7 +161,7 @@ const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
     if (!slot) {
         const gemmi::GroupOps ops = setting.operations();
         slot = std::make_unique<SettingOps>(
-            SettingOps{ops.sym_ops.size(), ops.cen_ops.size(), packed(ops.all_ops_sorted())});
+            SettingOps{ops.sym_ops.size(), ops.cen_ops.size(), fingerprint_of(packed(ops.all_ops_sorted()))});
     }
     return *slot;
 }
@@ -210,15 +225,15 @@ SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, i
         const gemmi::SpaceGroup* found = nullptr;
         char centring = group_ops.find_centering();
         const std::string sorted = packed(group_ops.all_ops_sorted());
+        const std::uint64_t fingerprint = fingerprint_of(sorted);
+        const std::size_t sym = group_ops.sym_ops.size(), cen = group_ops.cen_ops.size();
         const int order = static_cast<int>(group_ops.sym_ops.size());
         for (const gemmi::SpaceGroup& setting : gemmi::spacegroup_tables::main) {
             if (number < 1 || number > 230) break;
             if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]) ||
                 point_group_order(setting.number) != order)
                 continue;
-            const SettingOps& tabulated = setting_ops(setting);
-            if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
-                tabulated.sorted == sorted) {
+            if (setting_is(setting, setting_ops(setting), sym, cen, sorted, fingerprint)) {
                 found = &setting;
                 break;
             }
@@ -231,10 +246,7 @@ SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, i
             if ((centring != setting.hall[0] && centring != setting.hall[1]) ||
                 point_group_order(setting.number) != order)
                 continue;
-            const SettingOps& tabulated = setting_ops(setting);
-            if (tabulated.sym == group_ops.sym_ops.size() && tabulated.cen == group_ops.cen_ops.size() &&
-                tabulated.sorted == sorted)
-                found = &setting;
+            if (setting_is(setting, setting_ops(setting), sym, cen, sorted, fingerprint)) found = &setting;
         }
         if (found != nullptr) {
             result.symbol = found->xhm();

@@ -104,52 +104,20 @@ Lists& lists() {
     return instance;
 }
 
-// Each triplet text read once per process: lists written otherwise (another
-// order, another centring, other blanks between the triplets) share most
-// of their triplets, and reading one costs far more than finding it.
-class ReadTriplets {
-public:
-    // The operations of the texts (blanks around each trimmed), or nothing
-    // when one cannot be read.
-    std::optional<std::vector<gemmi::Op>> read(const std::vector<std::string_view>& texts) {
-        std::vector<gemmi::Op> ops;
-        ops.reserve(texts.size());
-        std::lock_guard<std::mutex> lock(mutex_);
-        for (std::string_view text : texts) {
-            auto found = read_.find(text);
-            if (found == read_.end()) {
-                if (read_.size() >= 4096) read_.clear();
-                found = read_.emplace(std::string(text), read_one(std::string(text))).first;
-            }
-            if (!found->second) return std::nullopt;
-            ops.push_back(*found->second);
-        }
-        return ops;
+// The operations of the texts (blanks around each trimmed), or nothing
+// when one cannot be read. Nothing is kept: a list reads its triplets when
+// its operations and its group are first asked for, and a store of every
+// triplet the process read would raise a run's peak memory by a third.
+std::optional<std::vector<gemmi::Op>> read_all(const std::vector<std::string_view>& texts) {
+    std::vector<gemmi::Op> ops;
+    ops.reserve(texts.size());
+    try {
+        for (std::string_view text : texts)
+            ops.push_back(SpacegroupOperators::read_triplet(std::string(text)));
+    } catch (const std::exception&) {
+        return std::nullopt;
     }
-
-private:
-    static std::optional<gemmi::Op> read_one(const std::string& triplet) {
-        try {
-            return SpacegroupOperators::read_triplet(triplet);
-        } catch (const std::exception&) {
-            return std::nullopt;
-        }
-    }
-    // Looked up by a view of the text, without a string made for it.
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const {
-            const std::uint64_t hash = word_of(text) * 0xFF51AFD7ED558CCDull;
-            return hash ^ (hash >> 32);
-        }
-    };
-    std::mutex mutex_;
-    std::unordered_map<std::string, std::optional<gemmi::Op>, Hash, std::equal_to<>> read_;
-};
-
-ReadTriplets& read_triplets() {
-    static ReadTriplets instance;
-    return instance;
+    return ops;
 }
 
 std::string_view trimmed_view(std::string_view text) {
@@ -294,24 +262,21 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperators::of(
     return entry;
 }
 
-const std::vector<gemmi::Op>* SpacegroupOperators::triplets() const {
-    std::call_once(triplets_once_, [this] {
-        std::vector<std::string_view> texts;
-        for (std::size_t at = 0; at < texts_.size();) {
-            std::uint32_t length = 0;
-            std::memcpy(&length, texts_.data() + at, sizeof length);
-            at += sizeof length;
-            texts.push_back(trimmed_view(std::string_view(texts_).substr(at, length)));
-            at += length;
-        }
-        triplets_ = read_triplets().read(texts);
-    });
-    return triplets_ ? &*triplets_ : nullptr;
+std::optional<std::vector<gemmi::Op>> SpacegroupOperators::triplets() const {
+    std::vector<std::string_view> texts;
+    for (std::size_t at = 0; at < texts_.size();) {
+        std::uint32_t length = 0;
+        std::memcpy(&length, texts_.data() + at, sizeof length);
+        at += sizeof length;
+        texts.push_back(trimmed_view(std::string_view(texts_).substr(at, length)));
+        at += length;
+    }
+    return read_all(texts);
 }
 
 const gemmi::GroupOps* SpacegroupOperators::operations() const {
     std::call_once(operations_once_, [this] {
-        if (const std::vector<gemmi::Op>* ops = triplets()) operations_ = from_triplets(*ops);
+        if (const std::optional<std::vector<gemmi::Op>> ops = triplets()) operations_ = from_triplets(*ops);
     });
     return operations_.get();
 }
@@ -321,7 +286,7 @@ const SpacegroupCache::Group& SpacegroupOperators::group(int number) const {
         // Without quotes both readings read the same triplets.
         if (quoted_) {
             group_ = Spacegroup::from_operators(texts(), number);
-        } else if (const std::vector<gemmi::Op>* ops = triplets()) {
+        } else if (const std::optional<std::vector<gemmi::Op>> ops = triplets()) {
             group_ = Spacegroup::from_operations(*ops, number);
         } else {
             group_ = Spacegroup::unreadable();

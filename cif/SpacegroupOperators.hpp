@@ -59,16 +59,15 @@ private:
     bool holds(const std::vector<std::string_view>& texts) const;
     std::vector<std::string> texts() const;
 
-    // Each text trimmed and read once for both readings; null when one
-    // cannot be read.
-    const std::vector<gemmi::Op>* triplets() const;
+    // The texts trimmed and read, not kept (an entry stays for the process);
+    // nothing when one cannot be read.
+    std::optional<std::vector<gemmi::Op>> triplets() const;
 
     // The texts one after another, each after its length (four bytes):
     // entries stay for the process.
     std::string texts_;
     bool quoted_ = false;  // a text in quotes, which only the group's reading removes
-    mutable std::once_flag triplets_once_, operations_once_, group_once_;
-    mutable std::optional<std::vector<gemmi::Op>> triplets_;
+    mutable std::once_flag operations_once_, group_once_;
     mutable std::unique_ptr<gemmi::GroupOps> operations_;
     mutable SpacegroupCache::Group group_;
 };
