@@ -54,9 +54,10 @@ public:
     explicit SpacegroupOperators(const std::vector<std::string_view>& texts);
     ~SpacegroupOperators();
 
-private:
-    // Whether the entry is of these texts.
+    // Whether the entry is of these texts (byte for byte).
     bool holds(const std::vector<std::string_view>& texts) const;
+
+private:
     std::vector<std::string> texts() const;
 
     // The texts trimmed and read, not kept (an entry stays for the process);

@@ -17,21 +17,23 @@ std::uint64_t word_at(const char* p) {
     return word;
 }
 
-// A hash of the span by its size, the number of values and its first,
-// middle and last eight bytes (spans of operators are longer than eight).
-std::uint64_t hash_of(std::string_view span, std::size_t count) {
-    std::uint64_t hash = (span.size() * 0x9E3779B97F4A7C15ull) ^ count;
-    if (span.size() >= 8) {
-        const char* p = span.data();
-        hash ^= word_at(p) * 0xC2B2AE3D27D4EB4Full;
-        hash = (hash ^ (hash >> 29)) * 0xFF51AFD7ED558CCDull;
-        hash ^= word_at(p + span.size() / 2 - 4) * 0xC4CEB9FE1A85EC53ull;
-        hash ^= word_at(p + span.size() - 8);
-    } else {
-        for (char c : span) hash = hash * 131 + static_cast<unsigned char>(c);
-    }
-    hash = (hash ^ (hash >> 32)) * 0xFF51AFD7ED558CCDull;
-    return hash ^ (hash >> 29);
+// A key of the span, every byte of it, and of the values' places in it
+// (offsets from its start, with lengths and flags).
+std::uint64_t key_of(std::string_view span, const std::vector<CifValueRef>& places) {
+    std::uint64_t hash = (span.size() * 0x9E3779B97F4A7C15ull) ^ places.size();
+    auto mix = [&hash](std::uint64_t word) {
+        hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
+        hash ^= hash >> 32;
+    };
+    const char* p = span.data();
+    std::size_t left = span.size();
+    for (; left >= 8; p += 8, left -= 8) mix(word_at(p));
+    std::uint64_t tail = 0;
+    std::memcpy(&tail, p, left);
+    mix(tail);
+    for (const CifValueRef& place : places) mix((std::uint64_t(place.offset) << 32) | place.bits);
+    hash = (hash ^ (hash >> 29)) * 0xC4CEB9FE1A85EC53ull;
+    return hash ^ (hash >> 32);
 }
 
 }  // namespace
@@ -64,20 +66,30 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperatorsRecent::entry(cons
     if (count == 0 || added != 0 || end - begin > longest_span) return by_texts(store, 0);
     const std::string_view span(store.text().data() + begin, end - begin);
     for (CifValueRef& place : places_) place.offset -= begin;
-    List* set = &lists_[(hash_of(span, count) % sets) * ways];
+    const std::uint64_t key = key_of(span, places_);
+    if (lists_.empty()) lists_.resize(sets * ways);
+    List* set = &lists_[(key % sets) * ways];
     List* oldest = set;
     ++clock_;
     for (List* list = set; list != set + ways; ++list) {
-        if (list->places.size() == count && list->span == span &&
-            std::memcmp(list->places.data(), places_.data(), count * sizeof(CifValueRef)) == 0) {
-            list->used = clock_;
-            return list->entry;
+        if (list->entry != nullptr && list->key == key && list->count == count) {
+            // The key told it; the texts prove it.
+            texts_.resize(count);
+            for (std::size_t n = 0; n < count; ++n) {
+                CifValueRef place = places_[n];
+                place.offset += begin;
+                texts_[n] = store.view(place);
+            }
+            if (list->entry->holds(texts_)) {
+                list->used = clock_;
+                return list->entry;
+            }
         }
         if (list->used < oldest->used) oldest = list;
     }
     oldest->entry = by_texts(store, begin);
-    oldest->places.assign(places_.begin(), places_.end());
-    oldest->span.assign(span);
+    oldest->key = key;
+    oldest->count = count;
     oldest->used = clock_;
     return oldest->entry;
 }

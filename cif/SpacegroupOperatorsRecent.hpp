@@ -16,11 +16,13 @@ class CifTextStore;
 class SpacegroupOperators;
 
 // Files checked one after another mostly repeat the operator lists of the
-// files before them byte for byte. A list seen lately is known again from
-// the span of text its values lie in and where each value lies in it: two
-// byte comparisons, where SpacegroupOperators::of() reads, hashes and
-// compares every value. Same span and same places mean the same texts, so
-// the entry found is the one of() would give; anything else goes to of().
+// files before them byte for byte. A list seen lately is known again by a
+// key made of the span of text its values lie in and where each value lies
+// in it, and then compared with the entry's own texts: where
+// SpacegroupOperators::of() also hashes every value and searches the
+// process's lists. The entry found is the one of() would give; anything
+// else goes to of(). Only the keys are kept, not the texts (a copy of every
+// list's text raised a run's peak memory).
 class SpacegroupOperatorsRecent {
 public:
     // The process's entry of the item's values (as SpacegroupOperators::of()).
@@ -38,15 +40,15 @@ public:
 
 private:
     struct List {
-        std::vector<CifValueRef> places;  // offsets from the span's start, with the flags
-        std::string span;
+        std::uint64_t key = 0;  // of the span and the places in it
+        std::size_t count = 0;  // values
         std::shared_ptr<const SpacegroupOperators> entry;
         std::uint64_t used = 0;  // when last found or kept
     };
     // The entry by the texts of places_ (offsets less base).
     std::shared_ptr<const SpacegroupOperators> by_texts(const CifTextStore& store, std::uint32_t base);
 
-    std::vector<List> lists_ = std::vector<List>(sets * ways);
+    std::vector<List> lists_;  // sets * ways, made on first use
     std::uint64_t clock_ = 0;
     std::vector<CifValueRef> places_;  // the item's, reused between calls
     std::vector<std::string_view> texts_;
