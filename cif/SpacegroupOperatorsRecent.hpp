@@ -33,7 +33,7 @@ public:
 
     // Lists are kept in sets of ways slots, the set chosen by a hash of the
     // span; a new list takes the place of the one of its set used longest ago.
-    static constexpr std::size_t sets = 256;
+    static constexpr std::size_t sets = 64;
     static constexpr std::size_t ways = 4;
     // Spans longer than this are not kept (values copied from far apart).
     static constexpr std::size_t longest_span = 1 << 16;
