@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "cif/CifNames.hpp"
+#include "cif/CifTextScan.hpp"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -24,35 +25,15 @@ bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
 // The first byte from p on that is not a space (values stand in columns).
 const char* skip_spaces(const char* p, const char* end) {
-#if defined(__SSE2__)
-    const __m128i space = _mm_set1_epi8(' ');
-    for (; end - p >= 16; p += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const auto same = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, space)));
-        if (same != 0xFFFF) return p + std::countr_one(same);
-    }
-#else
-    (void)end;
-#endif
+    p = cif_skip_spaces(p, end);
     while (*p == ' ') ++p;
     return p;
 }
 
-// The first white space from p on (the text ends in a line end).
+// The first white space from p on (the text ends in a line end and holds no
+// NUL: both checked before).
 const char* word_end(const char* p, const char* end) {
-#if defined(__SSE2__)
-    const __m128i space = _mm_set1_epi8(' '), tab = _mm_set1_epi8('\t'), newline = _mm_set1_epi8('\n');
-    for (; end - p >= 16; p += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const __m128i stops =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, space), _mm_cmpeq_epi8(bytes, tab)),
-                         _mm_cmpeq_epi8(bytes, newline));
-        const auto found = static_cast<unsigned>(_mm_movemask_epi8(stops));
-        if (found != 0) return p + std::countr_zero(found);
-    }
-#else
-    (void)end;
-#endif
+    p = cif_to_word_stop(p, end);
     while (!is_space(*p)) ++p;
     return p;
 }

@@ -8,73 +8,11 @@
 #include <cstring>
 
 #include "cif/CifNames.hpp"
+#include "cif/CifTextScan.hpp"
 #include "cif/CifTextWindow.hpp"
 #include "cif/CifValueRef.hpp"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace {
-
-// The first byte from p on that is not a space, sixteen bytes at a time
-// while sixteen remain before end (names and values aligned in columns
-// leave long runs of spaces); where fewer remain, p itself.
-const char* skip_spaces(const char* p, const char* end) {
-#if defined(__SSE2__)
-    const __m128i space = _mm_set1_epi8(' ');
-    while (end - p >= 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const auto same = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, space)));
-        if (same != 0xFFFF) return p + std::countr_one(same);
-        p += 16;
-    }
-#else
-    (void)end;
-#endif
-    return p;
-}
-
-// The first byte from p on that is the quote or a line end, sixteen bytes
-// at a time while sixteen remain before end; where fewer remain, p itself.
-const char* to_quote_or_line_end(const char* p, const char* end, char quote) {
-#if defined(__SSE2__)
-    const __m128i quotes = _mm_set1_epi8(quote), newline = _mm_set1_epi8('\n');
-    while (end - p >= 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const auto found = static_cast<unsigned>(
-            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, quotes), _mm_cmpeq_epi8(bytes, newline))));
-        if (found != 0) return p + std::countr_zero(found);
-        p += 16;
-    }
-#else
-    (void)end;
-    (void)quote;
-#endif
-    return p;
-}
-
-// The first byte from p on that may end a CIF 1.1 word (white space or a
-// NUL), sixteen bytes at a time while sixteen remain before end; where
-// fewer remain, p itself.
-const char* to_word_stop(const char* p, const char* end) {
-#if defined(__SSE2__)
-    const __m128i space = _mm_set1_epi8(' '), tab = _mm_set1_epi8('\t'), newline = _mm_set1_epi8('\n');
-    const __m128i nul = _mm_setzero_si128();
-    while (end - p >= 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const __m128i stops =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, space), _mm_cmpeq_epi8(bytes, tab)),
-                         _mm_or_si128(_mm_cmpeq_epi8(bytes, newline), _mm_cmpeq_epi8(bytes, nul)));
-        const auto found = static_cast<unsigned>(_mm_movemask_epi8(stops));
-        if (found != 0) return p + std::countr_zero(found);
-        p += 16;
-    }
-#else
-    (void)end;
-#endif
-    return p;
-}
 
 // Bytes that end an unquoted word: white space and the NUL that follows the
 // text (a NUL inside the text is checked against the end). CIF 2.0 adds the
@@ -130,7 +68,7 @@ void CifLexer::skip_blank_and_comments(bool keep_comments) {
     while (p_ < end_) {
         char c = *p_;
         if (c == ' ' || c == '\t') {
-            p_ = skip_spaces(p_ + 1, end_);
+            p_ = cif_skip_spaces(p_ + 1, end_);
         } else if (c == '\n') {
             ++line_;
             ++p_;
@@ -161,7 +99,7 @@ CifToken CifLexer::next() {
         char c = *p_;
         if (c == '_') {
             const char* start = p_;
-            p_ = to_word_stop(p_, end_);
+            p_ = cif_to_word_stop(p_, end_);
             while (!word_ends.cif1[static_cast<unsigned char>(*p_)] || (*p_ == '\0' && p_ < end_)) ++p_;
             token.kind = CifToken::name;
             token.begin = start;
@@ -336,7 +274,7 @@ std::size_t CifLexer::read_plain_values(CifValueColumn* const* columns, std::siz
 void CifLexer::scan_unquoted(CifToken& token, bool in_compound) {
     const char* start = p_;
     const bool* ends = version_ >= 2 ? word_ends.cif2 : word_ends.cif1;
-    if (version_ < 2) p_ = to_word_stop(p_, end_);
+    if (version_ < 2) p_ = cif_to_word_stop(p_, end_);
     while (!ends[static_cast<unsigned char>(*p_)] || (*p_ == '\0' && p_ < end_)) ++p_;
     if (p_ == start) ++p_;  // never stand still
     token.kind = CifToken::value;
@@ -378,7 +316,7 @@ void CifLexer::scan_quoted(CifToken& token, bool in_compound) {
     const char* start = p_ + 1;
     const char* s = start;
     bool closed = false;
-    s = to_quote_or_line_end(s, end_, quote);
+    s = cif_to_quote_or_line_end(s, end_, quote);
     if (version_ >= 2) {
         while (s < end_ && *s != quote && *s != '\n') ++s;
         closed = s < end_ && *s == quote;
