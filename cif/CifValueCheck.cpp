@@ -114,9 +114,19 @@ Result check_enumeration(const CifItemDefinition& definition, std::string_view v
 }
 
 Result check_number(const CifItemDefinition& definition, std::string_view value) {
-    bool has_uncertainty = false;
-    CifNumber::Status status = CifNumber::classify(value, has_uncertainty);
-    if (status == CifNumber::Status::not_a_number) {
+    // Most ranges only bar negative numbers ("0.0:"): a number without a
+    // minus sign meets them without its value being read. Otherwise the one
+    // reading tells the form and the value together.
+    const bool may_fall_short =
+        definition.has_minimum && (definition.minimum > 0.0 || (!value.empty() && value.front() == '-'));
+    const bool read_value = definition.has_range && (may_fall_short || definition.has_maximum);
+    CifNumber number;
+    if (read_value) {
+        number = CifNumber::parse(value);
+    } else {
+        number.status = CifNumber::classify(value, number.has_uncertainty);
+    }
+    if (number.status == CifNumber::Status::not_a_number) {
         // A value that starts like a number is a malformed one; anything
         // else is text where a number belongs.
         std::size_t i = !value.empty() && (value[0] == '+' || value[0] == '-') ? 1 : 0;
@@ -125,16 +135,10 @@ Result check_number(const CifItemDefinition& definition, std::string_view value)
         return numeric_start ? problem(CifError::number_unreadable)
                              : problem(CifError::wrong_value_type, definition.type_text);
     }
-    if (status == CifNumber::Status::bad_uncertainty) return problem(CifError::uncertainty_unreadable);
-    if (has_uncertainty && definition.uncertainty == CifItemDefinition::Uncertainty::none)
+    if (number.status == CifNumber::Status::bad_uncertainty) return problem(CifError::uncertainty_unreadable);
+    if (number.has_uncertainty && definition.uncertainty == CifItemDefinition::Uncertainty::none)
         return problem(CifError::uncertainty_not_allowed);
-    if (!definition.has_range) return Result();
-    // Most ranges only bar negative numbers ("0.0:"): a number without a
-    // minus sign meets them without being read.
-    const bool may_fall_short =
-        definition.has_minimum && (definition.minimum > 0.0 || value.front() == '-');
-    if (!may_fall_short && !definition.has_maximum) return Result();
-    CifNumber number = CifNumber::parse(value);
+    if (!read_value) return Result();
     double slack = 3.0 * number.uncertainty;
     if ((definition.has_minimum && number.value + slack < definition.minimum) ||
         (definition.has_maximum && number.value - slack > definition.maximum))
