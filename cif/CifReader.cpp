@@ -465,7 +465,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
     std::string loop_comments = before_loop.comments();
     forget_last_item();
 
-    CifDataBlock::ItemList columns;
+    CifDataBlock::ItemList& columns = loop_columns_;
+    columns.clear();
     CifToken t = next();
     while (t.kind == CifToken::name) {
         const std::string_view name(t.begin, t.length);
@@ -482,8 +483,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
     }
 
     // The values, row by row: the hot path of large files.
-    std::vector<CifValueColumn*> targets;
-    targets.reserve(columns.size());
+    std::vector<CifValueColumn*>& targets = loop_targets_;
+    targets.clear();
     for (const THandle<CifDataItem>& item : columns) targets.push_back(&item->values());
     const std::size_t width = targets.size();
     std::size_t column = 0;
@@ -527,7 +528,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
         for (; column < width; ++column) targets[column]->push_back(unknown_value());
     }
 
-    CifDataBlock::ItemList kept;
+    CifDataBlock::ItemList& kept = loop_kept_;
+    kept.clear();
     std::vector<std::string> dropped;
     for (const THandle<CifDataItem>& item : columns) {
         // Found without making the block's records into items.
