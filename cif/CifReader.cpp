@@ -282,7 +282,16 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
                 lone = text;
                 continue;
             }
-            if (joined.empty()) joined.append(lone);
+            if (joined.empty()) {
+                // Lines one after the other (a file's header) are one span
+                // of the text as they stand: nothing to join.
+                const char* end = lone.data() + lone.size();
+                if (end + 1 == text.data() && *end == '\n') {
+                    lone = std::string_view(lone.data(), lone.size() + 1 + text.size());
+                    continue;
+                }
+                joined.append(lone);
+            }
             joined.append(1, '\n').append(text);
         }
     }
