@@ -14,6 +14,7 @@
 #include <unordered_map>
 
 #include "cif/Spacegroup.hpp"
+#include "cif/SpacegroupTriplet.hpp"
 
 namespace {
 
@@ -112,8 +113,7 @@ std::optional<std::vector<gemmi::Op>> read_all(const std::vector<std::string_vie
     std::vector<gemmi::Op> ops;
     ops.reserve(texts.size());
     try {
-        for (std::string_view text : texts)
-            ops.push_back(SpacegroupOperators::read_triplet(std::string(text)));
+        for (std::string_view text : texts) ops.push_back(SpacegroupOperators::read_triplet(text));
     } catch (const std::exception&) {
         return std::nullopt;
     }
@@ -176,7 +176,10 @@ gemmi::GroupOps SpacegroupOperators::read_hall(const std::string& hall) {
     return gemmi::symops_from_hall(hall.c_str());
 }
 
-gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
+gemmi::Op SpacegroupOperators::read_triplet(std::string_view text) {
+    gemmi::Op op;
+    if (spacegroup_read_common_triplet(text, op)) return op;
+    const std::string triplet(text);
     // Every number of the text times the denominator of the operations, all
     // added up, must stay an int: the reading adds them in ints.
     constexpr long long most = std::numeric_limits<int>::max() / 2;
@@ -192,7 +195,7 @@ gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
         sum = std::min(sum + value * gemmi::Op::DEN, most);
     }
     if (sum >= most) throw std::runtime_error("numbers out of range");
-    gemmi::Op op = gemmi::parse_triplet(triplet);
+    op = gemmi::parse_triplet(triplet);
     // A determinant of entries up to 700 stays within an int.
     for (const auto& row : op.rot) {
         for (int entry : row) {

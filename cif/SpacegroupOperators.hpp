@@ -28,7 +28,7 @@ public:
     // cell; throws when it cannot be read or is singular. Numbers too large
     // for the reading's integers, and factors of x, y or z whose
     // determinant would overflow, make it unreadable rather than wrong.
-    static gemmi::Op read_triplet(const std::string& triplet);
+    static gemmi::Op read_triplet(std::string_view triplet);
 
     // The operations a Hall symbol generates; throws when it cannot be read.
     // A screw subscript on a rotation without a principal axis (an axis
