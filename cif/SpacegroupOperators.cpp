@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <unordered_map>
 
+#include "cif/CifTextStore.hpp"
 #include "cif/Spacegroup.hpp"
 #include "cif/SpacegroupTriplet.hpp"
 
@@ -232,6 +233,24 @@ bool SpacegroupOperators::holds(const std::vector<std::string_view>& texts) cons
         at += length;
     }
     return at == kept.size();
+}
+
+bool SpacegroupOperators::holds(const CifTextStore& store, const CifValueRef* values,
+                                std::size_t count) const {
+    const char* kept = texts_.data();
+    const char* const kept_end = kept + texts_.size();
+    for (std::size_t n = 0; n < count; ++n) {
+        const std::string_view text = store.view(values[n]);
+        std::uint32_t length = 0;
+        if (static_cast<std::size_t>(kept_end - kept) < sizeof length) return false;
+        std::memcpy(&length, kept, sizeof length);
+        kept += sizeof length;
+        if (length != text.size() || static_cast<std::size_t>(kept_end - kept) < length ||
+            !same_bytes(kept, text.data(), length))
+            return false;
+        kept += length;
+    }
+    return kept == kept_end;
 }
 
 std::vector<std::string> SpacegroupOperators::texts() const {

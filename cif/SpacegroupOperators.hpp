@@ -13,6 +13,9 @@
 
 #include "cif/SpacegroupCache.hpp"
 
+class CifTextStore;
+struct CifValueRef;
+
 namespace gemmi {
 struct GroupOps;
 }  // namespace gemmi
@@ -56,6 +59,8 @@ public:
 
     // Whether the entry is of these texts (byte for byte).
     bool holds(const std::vector<std::string_view>& texts) const;
+    // The same of the texts of count values of the store.
+    bool holds(const CifTextStore& store, const CifValueRef* values, std::size_t count) const;
 
 private:
     std::vector<std::string> texts() const;
