@@ -96,6 +96,14 @@ bool same_bytes(const char* a, const char* b, std::size_t size) {
             if (word_at(a + at) != word_at(b + at)) return false;
         return word_at(a + size - 8) == word_at(b + size - 8);
     }
+    if (size >= 4) {  // two halves, overlapping
+        std::uint32_t a_first, b_first, a_last, b_last;
+        std::memcpy(&a_first, a, 4);
+        std::memcpy(&b_first, b, 4);
+        std::memcpy(&a_last, a + size - 4, 4);
+        std::memcpy(&b_last, b + size - 4, 4);
+        return a_first == b_first && a_last == b_last;
+    }
     for (std::size_t at = 0; at < size; ++at)
         if (a[at] != b[at]) return false;
     return true;
@@ -305,12 +313,15 @@ const gemmi::GroupOps* SpacegroupOperators::operations() const {
 
 const SpacegroupCache::Group& SpacegroupOperators::group(int number) const {
     std::call_once(group_once_, [this, number] {
-        // Without quotes both readings read the same triplets.
+        // Without quotes both readings read the same triplets: read once
+        // for both when the operations are not made yet.
         if (quoted_) {
             group_ = Spacegroup::from_operators(texts(), number);
         } else if (const std::optional<std::vector<gemmi::Op>> ops = triplets()) {
+            std::call_once(operations_once_, [this, &ops] { operations_ = from_triplets(*ops); });
             group_ = Spacegroup::from_operations(*ops, number);
         } else {
+            std::call_once(operations_once_, [] {});  // none: one cannot be read
             group_ = Spacegroup::unreadable();
         }
     });
