@@ -130,9 +130,11 @@ std::optional<std::vector<gemmi::Op>> read_all(const std::vector<std::string_vie
 }
 
 std::string_view trimmed_view(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos) return std::string_view();
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+    auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    std::size_t first = 0, last = text.size();
+    while (first < last && blank(text[first])) ++first;
+    while (last > first && blank(text[last - 1])) --last;
+    return text.substr(first, last - first);
 }
 
 }  // namespace
