@@ -92,6 +92,8 @@ std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
 // texts are short, too short for a call of memcmp to pay.
 bool same_bytes(const char* a, const char* b, std::size_t size) {
     if (size >= 8) {
+        if (size <= 16)  // most triplets: two words, overlapping
+            return ((word_at(a) ^ word_at(b)) | (word_at(a + size - 8) ^ word_at(b + size - 8))) == 0;
         for (std::size_t at = 0; at + 8 < size; at += 8)
             if (word_at(a + at) != word_at(b + at)) return false;
         return word_at(a + size - 8) == word_at(b + size - 8);
@@ -221,6 +223,7 @@ SpacegroupOperators::SpacegroupOperators(const std::vector<std::string_view>& te
     std::size_t size = 0;
     for (std::string_view text : texts) size += sizeof(std::uint32_t) + text.size();
     texts_.reserve(size);
+    count_ = texts.size();
     for (std::string_view text : texts) {
         const auto length = static_cast<std::uint32_t>(text.size());
         texts_.append(reinterpret_cast<const char*>(&length), sizeof length);
@@ -247,20 +250,27 @@ bool SpacegroupOperators::holds(const std::vector<std::string_view>& texts) cons
 
 bool SpacegroupOperators::holds(const CifTextStore& store, const CifValueRef* values,
                                 std::size_t count) const {
+    // As many values as texts kept: each length read below lies within them.
+    if (count != count_) return false;
     const char* kept = texts_.data();
-    const char* const kept_end = kept + texts_.size();
+    const char* const text = store.text().data();
     for (std::size_t n = 0; n < count; ++n) {
-        const std::string_view text = store.view(values[n]);
-        std::uint32_t length = 0;
-        if (static_cast<std::size_t>(kept_end - kept) < sizeof length) return false;
+        const CifValueRef value = values[n];
+        std::uint32_t length;
         std::memcpy(&length, kept, sizeof length);
         kept += sizeof length;
-        if (length != text.size() || static_cast<std::size_t>(kept_end - kept) < length ||
-            !same_bytes(kept, text.data(), length))
+        const char* bytes = text + value.offset;
+        if (value.added()) {
+            const std::string_view added = store.view(value);
+            if (added.size() != length) return false;
+            bytes = added.data();
+        } else if (value.length() != length) {
             return false;
+        }
+        if (!same_bytes(kept, bytes, length)) return false;
         kept += length;
     }
-    return kept == kept_end;
+    return true;
 }
 
 std::vector<std::string> SpacegroupOperators::texts() const {

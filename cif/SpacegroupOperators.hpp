@@ -72,7 +72,8 @@ private:
     // The texts one after another, each after its length (four bytes):
     // entries stay for the process.
     std::string texts_;
-    bool quoted_ = false;  // a text in quotes, which only the group's reading removes
+    std::size_t count_ = 0;  // texts
+    bool quoted_ = false;    // a text in quotes, which only the group's reading removes
     mutable std::once_flag operations_once_, group_once_;
     mutable std::unique_ptr<gemmi::GroupOps> operations_;
     mutable SpacegroupCache::Group group_;
