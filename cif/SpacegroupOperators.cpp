@@ -259,13 +259,14 @@ bool SpacegroupOperators::holds(const CifTextStore& store, const CifValueRef* va
         std::uint32_t length;
         std::memcpy(&length, kept, sizeof length);
         kept += sizeof length;
-        const char* bytes = text + value.offset;
+        const char* bytes;
         if (value.added()) {
             const std::string_view added = store.view(value);
             if (added.size() != length) return false;
             bytes = added.data();
-        } else if (value.length() != length) {
-            return false;
+        } else {
+            if (value.length() != length) return false;
+            bytes = text + value.offset;
         }
         if (!same_bytes(kept, bytes, length)) return false;
         kept += length;
