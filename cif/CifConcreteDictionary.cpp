@@ -3,6 +3,8 @@
 #include "cif/CifConcreteDictionary.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -215,7 +217,21 @@ const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string&
 
 std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,
                                                                              int max_edits) const {
-    std::string key = std::to_string(max_edits) + ' ' + cif_lowercase(data_name);
+    // The bound, a space and the lower-case name, made in one piece.
+    char bound[16];
+    const std::size_t bound_size =
+        static_cast<std::size_t>(std::to_chars(bound, bound + 16, max_edits).ptr - bound);
+    std::string key(bound_size + 1 + data_name.size(), ' ');
+    std::memcpy(key.data(), bound, bound_size);
+    char* const lower = key.data() + bound_size + 1;
+    std::size_t i = 0;
+    for (; i + 8 <= data_name.size(); i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, data_name.data() + i, 8);
+        word = cif_lower_word(word);
+        std::memcpy(lower + i, &word, 8);
+    }
+    for (; i < data_name.size(); ++i) lower[i] = cif_lower(data_name[i]);
     {
         std::lock_guard<std::mutex> lock(similar_memo_->mutex);
         auto found = similar_memo_->answers.find(key);
