@@ -52,6 +52,10 @@ CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, boo
 void CifBlockValidator::validate(const CifDataBlock& block) {
     linked_.clear();
     block_ = &block;
+    // Most blocks give a few messages (names the dictionary replaces or
+    // lacks): room for them at once rather than moving them as they come.
+    std::vector<CifError>& messages = sink_.errors();
+    if (messages.capacity() - messages.size() < 8) messages.reserve(messages.size() + 16);
     for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it) {
         if (!(*it)->is_looped()) validate_single(**it);
     }

@@ -113,6 +113,26 @@ void CifConcreteDictionary::index_members() {
     }
 }
 
+namespace {
+
+// Whether two texts of the same size hold the same bytes: eight at a time,
+// the last eight overlapping those before when the size is not a multiple.
+bool same_bytes(std::string_view a, std::string_view b) {
+    const std::size_t size = a.size();
+    if (size < 8) return a == b;
+    std::uint64_t x, y;
+    for (std::size_t at = 0; at + 8 < size; at += 8) {
+        std::memcpy(&x, a.data() + at, 8);
+        std::memcpy(&y, b.data() + at, 8);
+        if (x != y) return false;
+    }
+    std::memcpy(&x, a.data() + size - 8, 8);
+    std::memcpy(&y, b.data() + size - 8, 8);
+    return x == y;
+}
+
+}  // namespace
+
 bool CifConcreteDictionary::is_defined(const std::string& data_name) const {
     return definition(data_name) != nullptr;
 }
@@ -146,13 +166,18 @@ const CifItemDefinition* CifConcreteDictionary::definition(const std::string& da
 const CifItemDefinition* CifConcreteDictionary::definition_hashed(const std::string& data_name,
                                                                   std::uint64_t hash) const {
     if (!lookup_.empty()) {
+        const Slot* const slots = lookup_.data();
         const std::size_t mask = lookup_.size() - 1;
         const auto high = static_cast<std::uint32_t>(hash >> 32);
-        const std::string_view packed = store_->packed();
-        for (std::size_t at = hash & mask; lookup_[at].index != Slot::free; at = (at + 1) & mask) {
-            const Slot& slot = lookup_[at];
-            if (slot.high == high && cif_iequals(packed.substr(slot.at, slot.size), data_name))
-                return &(*store_)[slot.index];
+        const char* const packed = store_->packed().data();
+        const std::size_t size = data_name.size();
+        for (std::size_t at = hash & mask; slots[at].index != Slot::free; at = (at + 1) & mask) {
+            const Slot& slot = slots[at];
+            if (slot.high != high || slot.size != size) continue;
+            // Files mostly spell a name as the dictionary does: the same bytes
+            // are told first, other cases only then.
+            const std::string_view name(packed + slot.at, size);
+            if (same_bytes(name, data_name) || cif_iequals(name, data_name)) return &(*store_)[slot.index];
         }
         return nullptr;
     }
