@@ -8,9 +8,11 @@
 #include <fstream>
 #include <sstream>
 
+#include "tests/cif/DictionaryTestSupport.hpp"
 #include "tools/CheckOptions.hpp"
 #include "tools/CheckReport.hpp"
 #include "tools/DictionaryFiles.hpp"
+#include "tools/SharedDictionary.hpp"
 
 namespace {
 
@@ -191,6 +193,38 @@ TEST(CheckReport, TextLinesAreTheMessagesWithTheirTextAndDetailEscaped) {
         "many.cif:9: error [312]: Duplicate data name _cell_length_a, first at line: 4\n"
         "many.cif: 2 errors, 0 warnings, 1 remark\n";
     EXPECT_EQ(again.str(), one + one);
+}
+
+// A view of a pool of one dictionary answers from that dictionary straight;
+// its answers are the pool's, as are those of a view of a pool of two.
+TEST(SharedDictionary, AViewAnswersAsWhatItViews) {
+    THandle<CifConcreteDictionary> first = cif_test::test_dictionary();
+    THandle<CifDictionaryPool> one(new CifDictionaryPool()), two(new CifDictionaryPool());
+    one->insert(first);
+    two->insert(first);
+    two->insert(cif_test::test_dictionary());
+    const std::vector<const CifDictionary*> targets{one.get(), two.get(), first.get()};
+    for (const CifDictionary* target : targets) {
+        const SharedDictionary view(*target);
+        for (const std::string name :
+             {"_cell_length_a", "_CELL_Length_A", "_atom_site_label", "_cell_length_q", "_atom_site_lable",
+              "_cell_[]", "_nothing_like_it", "", "_"}) {
+            EXPECT_EQ(view.definition(name), target->definition(name)) << name;
+            EXPECT_EQ(view.definition_hashed(name, cif_name_hash(name)), target->definition(name)) << name;
+            EXPECT_EQ(view.is_defined(name), target->is_defined(name)) << name;
+            for (const int edits : {1, 2}) {
+                std::vector<CifDictionary::SimilarName> seen = view.similar_names(name, edits),
+                                                        wanted = target->similar_names(name, edits);
+                ASSERT_EQ(seen.size(), wanted.size()) << name;
+                for (std::size_t i = 0; i < seen.size(); ++i) {
+                    EXPECT_EQ(seen[i].name, wanted[i].name) << name;
+                    EXPECT_EQ(seen[i].edits, wanted[i].edits) << name;
+                }
+            }
+        }
+    }
+    EXPECT_NE(SharedDictionary(*one).definition("_CELL_Length_A"), nullptr);
+    EXPECT_FALSE(SharedDictionary(*one).similar_names("_cell_length_q", 1).empty());
 }
 
 TEST(DictionaryFiles, TheEnvironmentNamesDirectoriesAndFilesBeforeTheCommandLine) {
