@@ -147,9 +147,12 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
 
 void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
     // Most definitions replace nothing: told before anything is made.
-    if (std::none_of(definition.related.begin(), definition.related.end(),
-                     [](const CifItemDefinition::Related& related) { return is_replacement(related); }))
-        return;
+    if (std::any_of(definition.related.begin(), definition.related.end(),
+                    [](const CifItemDefinition::Related& related) { return is_replacement(related); }))
+        report_replaced(item, definition);
+}
+
+void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
     // Both lists are put together as they are found, without a list of names.
     std::string replacements, present;
     bool replaced = false;
