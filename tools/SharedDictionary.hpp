@@ -31,25 +31,30 @@ public:
         return only_ != nullptr ? only_->CifConcreteDictionary::definition_hashed(name, hash)
                                 : target_.definition_hashed(name, hash);
     }
-    bool has_definitions() const override { return target_.has_definitions(); }
+    bool has_definitions() const override {
+        return only_ != nullptr ? only_->CifConcreteDictionary::has_definitions() : target_.has_definitions();
+    }
     int check_value(const std::string& name, const std::string& value, bool looped) const override {
         return target_.check_value(name, value, looped);
     }
     std::string name() const override { return target_.name(); }
     std::vector<std::string> categories() const override { return target_.categories(); }
     std::vector<std::string> category_items(const std::string& category) const override {
-        return target_.category_items(category);
+        return only_ != nullptr ? only_->CifConcreteDictionary::category_items(category)
+                                : target_.category_items(category);
     }
     std::vector<std::string> data_names() const override { return target_.data_names(); }
     std::vector<std::string> mandatory_items(const std::string& category) const override {
-        return target_.mandatory_items(category);
+        return only_ != nullptr ? only_->CifConcreteDictionary::mandatory_items(category)
+                                : target_.mandatory_items(category);
     }
     std::vector<SimilarName> similar_names(std::string_view name, int max_edits) const override {
         return only_ != nullptr ? only_->CifConcreteDictionary::similar_names(name, max_edits)
                                 : target_.similar_names(name, max_edits);
     }
     const CifCategoryFacts* category_facts(const std::string& category) const override {
-        return target_.category_facts(category);
+        return only_ != nullptr ? only_->CifConcreteDictionary::category_facts(category)
+                                : target_.category_facts(category);
     }
 
     // The one concrete dictionary the target is or holds alone, or null.

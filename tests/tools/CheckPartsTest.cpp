@@ -223,6 +223,16 @@ TEST(SharedDictionary, AViewAnswersAsWhatItViews) {
             }
         }
     }
+    for (const CifDictionary* target : targets) {
+        const SharedDictionary view(*target);
+        EXPECT_EQ(view.has_definitions(), target->has_definitions());
+        for (const std::string category : {"cell", "_atom_site_[]", "ATOM_SITE", "_nothing_[]"}) {
+            EXPECT_EQ(view.category_items(category), target->category_items(category)) << category;
+            EXPECT_EQ(view.mandatory_items(category), target->mandatory_items(category)) << category;
+            EXPECT_EQ(view.category_facts(category), target->category_facts(category)) << category;
+        }
+    }
+    EXPECT_FALSE(SharedDictionary(*one).category_items("atom_site").empty());
     EXPECT_NE(SharedDictionary(*one).definition("_CELL_Length_A"), nullptr);
     EXPECT_FALSE(SharedDictionary(*one).similar_names("_cell_length_q", 1).empty());
 }
