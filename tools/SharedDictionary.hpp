@@ -19,6 +19,9 @@ class SharedDictionary : public CifDictionary {
 public:
     explicit SharedDictionary(const CifDictionary& target)
         : target_(target), only_(sole_dictionary(target)) {}
+    // The same with sole_dictionary(target) worked out beforehand.
+    SharedDictionary(const CifDictionary& target, const CifConcreteDictionary* only)
+        : target_(target), only_(only) {}
 
     bool is_defined(const std::string& name) const override {
         return only_ != nullptr ? only_->CifConcreteDictionary::definition(name) != nullptr
