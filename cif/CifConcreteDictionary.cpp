@@ -236,7 +236,12 @@ const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string&
     static const CifCategoryFacts none;  // a category without members
     if (found == facts_.end()) return &none;
     LazyFacts& entry = found->second;
-    std::call_once(entry.worked_out, [&] { entry.facts = CifCategoryFacts::of(*this, found->first); });
+    if (!entry.ready.load(std::memory_order_acquire)) {
+        std::call_once(entry.worked_out, [&] {
+            entry.facts = CifCategoryFacts::of(*this, found->first);
+            entry.ready.store(true, std::memory_order_release);
+        });
+    }
     return &entry.facts;
 }
 

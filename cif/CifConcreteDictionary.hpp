@@ -2,6 +2,7 @@
 // One dictionary file (DDL1, DDLm or DDL2) read into memory: its descriptor and definitions.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <istream>
 #include <memory>
@@ -159,6 +160,9 @@ private:
     // members: a check asks for those of a few categories.
     struct LazyFacts {
         std::once_flag worked_out;
+        // Set once the facts are there: asked before call_once, which has no
+        // quick way of its own for the done case.
+        std::atomic<bool> ready{false};
         CifCategoryFacts facts;
     };
     mutable std::unordered_map<std::string, LazyFacts, CifNameHash, CifNameEqual> facts_;
