@@ -66,6 +66,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     members_.clear();
     by_length_.clear();
     facts_.clear();
+    facts_lookup_.clear();
     similar_memo_ = std::make_unique<SimilarMemo>();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     language_ = language_of(text);
@@ -225,24 +226,51 @@ void CifConcreteDictionary::index_by_length() const {
 
 void CifConcreteDictionary::gather_facts() {
     for (const auto& [category, members] : members_) facts_.try_emplace(category);
+    std::size_t size = 16;
+    while (size < 2 * facts_.size()) size *= 2;
+    facts_lookup_.assign(size, FactsSlot());
+    for (auto& [category, entry] : facts_) {
+        const std::uint64_t hash = cif_name_hash(category);
+        std::size_t at = hash & (size - 1);
+        while (facts_lookup_[at].facts != nullptr) at = (at + 1) & (size - 1);
+        facts_lookup_[at] = FactsSlot{hash, &category, &entry};
+    }
 }
 
 const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string& category) const {
     // A definition's own category is usually a plain name already, found
-    // without a lower-case copy (the table's comparison ignores case).
+    // without a lower-case copy (the tables' comparisons ignore case).
     const bool plain =
         !category.empty() && category.front() != '_' && category.find('[') == std::string::npos;
-    auto found = plain ? facts_.find(category) : facts_.find(plain_category_name(category));
+    std::string plain_name;
+    if (!plain) plain_name = plain_category_name(category);
+    const std::string& name = plain ? category : plain_name;
+    const std::string* key = nullptr;
+    LazyFacts* entry = nullptr;
+    if (!facts_lookup_.empty()) {
+        const std::uint64_t hash = cif_name_hash(name);
+        const std::size_t mask = facts_lookup_.size() - 1;
+        for (std::size_t at = hash & mask; facts_lookup_[at].facts != nullptr; at = (at + 1) & mask) {
+            const FactsSlot& slot = facts_lookup_[at];
+            if (slot.hash == hash && cif_iequals(*slot.name, name)) {
+                key = slot.name;
+                entry = slot.facts;
+                break;
+            }
+        }
+    } else if (auto found = facts_.find(name); found != facts_.end()) {
+        key = &found->first;
+        entry = &found->second;
+    }
     static const CifCategoryFacts none;  // a category without members
-    if (found == facts_.end()) return &none;
-    LazyFacts& entry = found->second;
-    if (!entry.ready.load(std::memory_order_acquire)) {
-        std::call_once(entry.worked_out, [&] {
-            entry.facts = CifCategoryFacts::of(*this, found->first);
-            entry.ready.store(true, std::memory_order_release);
+    if (entry == nullptr) return &none;
+    if (!entry->ready.load(std::memory_order_acquire)) {
+        std::call_once(entry->worked_out, [&] {
+            entry->facts = CifCategoryFacts::of(*this, *key);
+            entry->ready.store(true, std::memory_order_release);
         });
     }
-    return &entry.facts;
+    return &entry->facts;
 }
 
 std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,

@@ -166,6 +166,15 @@ private:
         CifCategoryFacts facts;
     };
     mutable std::unordered_map<std::string, LazyFacts, CifNameHash, CifNameEqual> facts_;
+    // The same as one flat table (open addressing, twice as many slots as
+    // categories) once gather_facts() has filled facts_, whose entries stay
+    // where they are: a check asks for a category's facts for every loop.
+    struct FactsSlot {
+        std::uint64_t hash = 0;
+        const std::string* name = nullptr;
+        LazyFacts* facts = nullptr;
+    };
+    std::vector<FactsSlot> facts_lookup_;
 };
 
 // The library's name for a handle of a concrete dictionary.
