@@ -24,10 +24,15 @@ char* put(char* at, std::string_view text) {
     return at + text.size();
 }
 
-// The number in decimal (at most 20 characters); the usual small ones
+// The number in decimal. The numbers printed are ints (at most 11
+// characters, as the room made allows); the usual small ones are written
 // without a general conversion.
 char* put_number(char* at, long number) {
-    if (number < 0 || number >= 100000) return std::to_chars(at, at + 24, number).ptr;
+    if (number < 0 || number >= 100000) {
+        char digits[24];
+        const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        return put(at, std::string_view(digits, static_cast<std::size_t>(end - digits)));
+    }
     const int count = number < 10 ? 1 : number < 100 ? 2 : number < 1000 ? 3 : number < 10000 ? 4 : 5;
     char* const end = at + count;
     char* digit = end;
