@@ -16,9 +16,11 @@ std::uint64_t word_at(const char* p) {
     return word;
 }
 
-// A key of the values' places (each from the first value's, with its length
-// and flags) and of up to eight bytes at each end of the first and the last
-// value: lists laid out alike mostly differ there, and the texts tell the rest.
+// A key of the places of the first, the middle and the last value (each
+// from the first, with its length and flags) and of up to eight bytes at
+// each end of each: lists laid out alike mostly differ there, and the texts
+// tell the rest. (A key of every place cost a pass over the list of its
+// own; the values are compared with the entry's texts in any case.)
 std::uint64_t key_of(const CifTextStore& store, const std::vector<CifValueRef>& places) {
     std::uint64_t hash = places.size() * 0x9E3779B97F4A7C15ull;
     auto mix = [&hash](std::uint64_t word) {
@@ -26,8 +28,8 @@ std::uint64_t key_of(const CifTextStore& store, const std::vector<CifValueRef>& 
         hash ^= hash >> 32;
     };
     const std::uint32_t base = places.front().offset;
-    for (const CifValueRef& place : places) mix((std::uint64_t(place.offset - base) << 32) | place.bits);
-    for (const CifValueRef& place : {places.front(), places.back()}) {
+    for (const CifValueRef& place : {places.front(), places[places.size() / 2], places.back()}) {
+        mix((std::uint64_t(place.offset - base) << 32) | place.bits);
         const std::string_view text = store.view(place);
         if (text.size() >= 8) {
             mix(word_at(text.data()));

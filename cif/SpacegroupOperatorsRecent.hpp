@@ -17,8 +17,8 @@ class SpacegroupOperators;
 
 // Files checked one after another mostly repeat the operator lists of the
 // files before them byte for byte. A list seen lately is known again by a
-// key made of where its values lie (each from the first, with its length and
-// flags) and the bytes at the two ends of their span, and then compared
+// key made of where its first, middle and last values lie (each from the
+// first, with its length and flags) and the bytes at their ends, and then compared
 // with the entry's own texts, value by value, straight from the text: where
 // SpacegroupOperators::of() also hashes every value and searches the
 // process's lists. The key only chooses what to compare: the entry found is
@@ -35,7 +35,7 @@ public:
 
     // Lists are kept in sets of ways slots, the set chosen by a hash of the
     // span; a new list takes the place of the one of its set used longest ago.
-    static constexpr std::size_t sets = 64;
+    static constexpr std::size_t sets = 128;
     static constexpr std::size_t ways = 4;
 
 private:
