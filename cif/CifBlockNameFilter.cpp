@@ -43,7 +43,8 @@ CifBlockNameFilter::CifBlockNameFilter(const CifDataBlock& block) : block_(&bloc
     }
     mask_ = size - 1;
     for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
-        const std::uint64_t key = cif_check_name_key((*item)->name());
+        // The hash the item keeps with its name is the name's key.
+        const std::uint64_t key = (*item)->name_hash();
         std::size_t at = key & mask_;
         while (slots_[at].generation == generation_) at = (at + 1) & mask_;
         slots_[at] = Slot{key, &*item, generation_};

@@ -7,10 +7,11 @@
 #include <string_view>
 #include <type_traits>
 
-// The key of a name as CifBlockNameFilter files it: the length, the first
-// eight bytes after the leading underscore and the last eight, each byte
-// with its 0x20 bit set (a letter and its capital alike), mixed. Names that
-// are equal but for ASCII case have equal keys.
+// The key of a name as CifBlockNameFilter files it: cif_name_hash(), which
+// every item keeps with its name (eight bytes at a time, each byte with its
+// 0x20 bit set: a letter and its capital alike), worked out here so that the
+// compiler can compute it. Names that are equal but for ASCII case have
+// equal keys.
 constexpr std::uint64_t cif_check_name_key(std::string_view name) {
     constexpr std::uint64_t case_bits = 0x2020202020202020ull;
     auto bytes = [&name](std::size_t at, std::size_t count) {
@@ -24,11 +25,16 @@ constexpr std::uint64_t cif_check_name_key(std::string_view name) {
         return word;
     };
     const std::size_t size = name.size();
-    const std::uint64_t head = size >= 9 ? bytes(1, 8) : bytes(0, size);
-    const std::uint64_t tail = size >= 9 ? bytes(size - 8, 8) : 0;
-    std::uint64_t key = (head | case_bits) * 0x9E3779B97F4A7C15ull;
-    key ^= ((tail | case_bits) + size) * 0xC2B2AE3D27D4EB4Full;
-    return key ^ (key >> 29);
+    std::uint64_t hash = size * 0x9E3779B97F4A7C15ull;
+    std::size_t at = 0;
+    for (; size - at >= 8; at += 8) {
+        hash = (hash ^ (bytes(at, 8) | case_bits)) * 0xFF51AFD7ED558CCDull;
+        hash ^= hash >> 32;
+    }
+    if (at < size) hash = (hash ^ (bytes(at, size - at) | case_bits)) * 0xFF51AFD7ED558CCDull;
+    hash ^= hash >> 29;
+    hash *= 0xC4CEB9FE1A85EC53ull;
+    return hash ^ (hash >> 32);
 }
 
 // A name and its key. Written as a literal, the key is computed by the

@@ -8,6 +8,7 @@
 
 #include "cif/CifBlockNameFilter.hpp"
 #include "cif/CifCheckValues.hpp"
+#include "cif/CifNames.hpp"
 #include "tests/cif/CifTestSupport.hpp"
 
 namespace {
@@ -141,6 +142,33 @@ TEST(CifBlockNameFilter, ChecksFindWhatTheBlockHoldsWithOrWithoutTheFilter) {
         EXPECT_EQ(volume.name, "_Cell_Volume");
     }
     EXPECT_EQ(CifBlockNameFilter::of(block), nullptr);  // the scope is over
+}
+
+TEST(CifBlockNameFilter, KeysWorkedOutByTheCompilerAreTheHashesItemsKeep) {
+    // The filter files items under the hash they keep and is asked with keys
+    // the compiler made: they must agree at every length around a word.
+    static constexpr CifCheckName names[] = {
+        "_",
+        "_a",
+        "_abcdefg",
+        "_abcdefgh",
+        "_abcdefghi",
+        "_cell_length_a",
+        "_CELL_Length_A",
+        "_atom_site_label_",
+        "_atom_site_aniso.label",
+        "_space_group_symop_operation_xyz",
+    };
+    for (const CifCheckName& name : names) {
+        EXPECT_EQ(name.key(), cif_name_hash(name.text())) << name.text();
+        EXPECT_EQ(CifCheckName(std::string(name.text())).key(), name.key()) << name.text();
+    }
+    // And an item found by a literal in either case.
+    THandle<Cif> cif = cif_test::read("data_a\n_Cell_Length_A 1\n_atom_site_aniso.LABEL x\n");
+    const CifBlockNameFilter filter(*cif->blocks().front());
+    EXPECT_NE(filter.find("_cell_length_a"), nullptr);
+    EXPECT_NE(filter.find("_atom_site_aniso.label"), nullptr);
+    EXPECT_EQ(filter.find("_cell_length_b"), nullptr);
 }
 
 }  // namespace
