@@ -24,42 +24,64 @@ bool of_category(const std::string& name, std::string_view prefix) {
 bool holds_publication_items(const CifDataBlock& block) {
     for (auto item = block.begin_write_order(), end = block.end_write_order(); item != end; ++item) {
         const std::string& name = (*item)->name();
-        if (of_category(name, "_publ") || of_category(name, "_journal")) return true;
+        // The second byte tells which of the two a name may be of.
+        if (name.size() < 5) continue;
+        const char second = static_cast<char>(name[1] | 0x20);
+        if (second == 'p' ? of_category(name, "_publ") : second == 'j' && of_category(name, "_journal"))
+            return true;
     }
     return false;
 }
 
 }  // namespace
 
+namespace {
+
+// The names the check asks every block for, a bit each in given_.
+constexpr CifCheckName asked[] = {
+    "_publ_section_title",    "_publ_author_name",          "_publ_contact_author_name",
+    "_publ_contact_author",   "_publ_contact_author_email", "_publ_requested_category",
+    "_journal_coeditor_code",
+};
+
+unsigned bit_of(std::string_view name) {
+    for (std::size_t n = 0; n < std::size(asked); ++n)
+        if (asked[n].text() == name) return 1u << n;
+    return 0;
+}
+
+}  // namespace
+
 void CifPublicationCheck::check() {
-    const auto& blocks = cif_.blocks();
-    if (blocks.empty()) return;
-    bool for_publication = false;
-    std::string journal, journal_name;
+    for (const THandle<CifDataBlock>& block : cif_.blocks().filled()) note(*block);
+    report();
+}
+
+void CifPublicationCheck::note(const CifDataBlock& block) {
+    for_publication_ = for_publication_ || holds_publication_items(block);
+    if (journal_.empty())
+        std::tie(journal_name_, journal_) = cif_check_text(block, {"_publ_requested_journal"});
     // A value that is only ? or ., in a text field too, is not given.
-    auto given_as = [&](const char* name) {
-        for (const THandle<CifDataBlock>& block : blocks.filled()) {
-            THandle<CifDataItem> item = block->find(name);
-            if (item.is_null() || !item->has_value()) continue;
-            std::string_view value = item->value_view(0);
-            std::size_t first = value.find_first_not_of(" \t\r\n");
-            std::size_t last = value.find_last_not_of(" \t\r\n");
-            if (first != std::string_view::npos && !cif_check_unknown(value.substr(first, last - first + 1)))
-                return true;
-        }
-        return false;
-    };
-    // The contact author's name may come with the address in the older _publ_contact_author.
-    auto given = [&](const char* name) {
-        return given_as(name) ||
-               (std::string_view(name) == "_publ_contact_author_name" && given_as("_publ_contact_author"));
-    };
-    for (const THandle<CifDataBlock>& block : blocks.filled()) {
-        for_publication = for_publication || holds_publication_items(*block);
-        if (journal.empty())
-            std::tie(journal_name, journal) = cif_check_text(*block, {"_publ_requested_journal"});
+    for (std::size_t n = 0; n < std::size(asked); ++n) {
+        if ((given_ & (1u << n)) != 0) continue;
+        const CifDataItem* item = cif_check_item(block, asked[n]);
+        if (item == nullptr || !item->has_value()) continue;
+        std::string_view value = item->value_view(0);
+        std::size_t first = value.find_first_not_of(" \t\r\n");
+        std::size_t last = value.find_last_not_of(" \t\r\n");
+        if (first != std::string_view::npos && !cif_check_unknown(value.substr(first, last - first + 1)))
+            given_ |= 1u << n;
     }
-    if (!for_publication) return;
+}
+
+void CifPublicationCheck::report() {
+    const auto& blocks = cif_.blocks();
+    if (blocks.empty() || !for_publication_) return;
+    // The contact author's name may come with the address in the older _publ_contact_author.
+    auto given = [this](const char* name) {
+        return (given_ & bit_of(name)) != 0 || (std::string_view(name) == "_publ_contact_author_name" &&
+                                                (given_ & bit_of("_publ_contact_author")) != 0);
+    };
     // Whether the mandatory items already reported the name missing (asked
     // only of names not given, which are few).
     auto reported = [this](const char* name) {
@@ -76,13 +98,13 @@ void CifPublicationCheck::check() {
     };
     require("_publ_section_title", " (the paper's title)");
     require("_publ_author_name", " (the authors)");
-    if (journal.empty()) return;
-    const std::string requested = " (" + journal_name + " '" + journal + "' requests a journal)";
+    if (journal_.empty()) return;
+    const std::string requested = " (" + journal_name_ + " '" + journal_ + "' requests a journal)";
     for (const char* name :
          {"_publ_contact_author_name", "_publ_contact_author_email", "_publ_requested_category"})
         require(name, requested);
     // Co-editor codes are those of the IUCr's journals.
-    const std::string lowered = cif_lowercase(journal);
+    const std::string lowered = cif_lowercase(journal_);
     bool iucr = false;
     for (const char* name : {"acta cryst", "iucr", "appl. cryst", "applied cryst", "synchrotron rad"})
         iucr = iucr || lowered.find(name) != std::string::npos;

@@ -2,6 +2,8 @@
 // The items a journal submission needs, listed once per document when missing.
 #pragma once
 
+#include <string>
+
 #include "cif/Cif.hpp"
 
 class CifCheckFindings;
@@ -17,10 +19,19 @@ class CifCheckFindings;
 class CifPublicationCheck {
 public:
     CifPublicationCheck(const Cif& cif, CifCheckFindings& findings) : cif_(cif), findings_(findings) {}
-
+    // note() for every filled block, then report().
     void check();
+    // Notes what one block gives: called for the filled blocks in order
+    // (those without items may be left out), each while its name filter
+    // answers, if any (CifBlockNameFilter).
+    void note(const CifDataBlock& block);
+    // Adds the findings of the blocks noted.
+    void report();
 
 private:
     const Cif& cif_;
     CifCheckFindings& findings_;
+    bool for_publication_ = false;
+    unsigned given_ = 0;  // a bit for each name asked, set by the first block that gives it
+    std::string journal_, journal_name_;
 };

@@ -10,6 +10,7 @@
 
 class CifBlockSymmetry;
 class CifCheckFindings;
+class CifPublicationCheck;
 class CifDataBlock;
 
 // Cross-checks of the values of a document, block by block, each tolerant
@@ -58,5 +59,6 @@ private:
              const std::string& detail);
 
     THandle<Cif> cif_;
-    CifCheckFindings* findings_ = nullptr;  // of the run of check_cif()
+    CifCheckFindings* findings_ = nullptr;        // of the run of check_cif()
+    CifPublicationCheck* publication_ = nullptr;  // the same; notes each block
 };
