@@ -16,6 +16,14 @@
 
 namespace {
 
+// The sum formula's text, its name put into name (read once: the formula is
+// made of it only once).
+std::string formula_text_of(const CifDataBlock& block, CifReadingName& name) {
+    auto [found, text] = cif_check_text(block, {"_chemical_formula_sum", "_chemical_formula.sum"});
+    name = found;
+    return std::move(text);
+}
+
 constexpr double atomic_mass_unit = 1.66053907;  // g per mol per 1e-24 cm3
 
 // Element symbol -> the real and imaginary parts of the anomalous
@@ -63,14 +71,11 @@ CifChemistryCheck::CifChemistryCheck(const CifDataBlock& block, const CifBlockSy
     : block_(block),
       symmetry_(symmetry),
       findings_(findings),
-      formula_(std::string()),
+      formula_text_(formula_text_of(block, formula_name_)),
+      formula_(formula_text_),
       z_(cif_check_read(block, {"_cell_formula_units_Z", "_cell.formula_units_Z"})),
       weight_(cif_check_read(block, {"_chemical_formula_weight", "_chemical_formula.weight"})),
-      volume_(symmetry.volume()) {
-    std::tie(formula_name_, formula_text_) =
-        cif_check_text(block, {"_chemical_formula_sum", "_chemical_formula.sum"});
-    formula_ = CifChemicalFormula(formula_text_);
-}
+      volume_(symmetry.volume()) {}
 
 void CifChemistryCheck::check_weight_and_density() {
     bool weight_disagrees = false;

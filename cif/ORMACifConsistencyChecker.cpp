@@ -187,9 +187,13 @@ void ORMACifConsistencyChecker::check_cell(const CifDataBlock& block, const CifB
         auto derivative = [&](double step) {
             return (volumes.with(i, p[i] + step) - volumes.with(i, p[i] - step)) / (2.0 * step);
         };
-        variance += std::pow(derivative(std::max(cell[i].sigma(), 1e-9)) * cell[i].sigma(), 2);
+        const double step = std::max(cell[i].sigma(), 1e-9);
+        const double slope = derivative(step);
+        variance += std::pow(slope * cell[i].sigma(), 2);
         if (stated_sigma[i] > 0.0) {
-            double part = std::fabs(derivative(stated_sigma[i]) * stated_sigma[i]);
+            // A value given with its uncertainty moves by the same step twice.
+            double part =
+                std::fabs((stated_sigma[i] == step ? slope : derivative(stated_sigma[i])) * stated_sigma[i]);
             stated_variance += part * part;
             stated_linear += part;
         }
