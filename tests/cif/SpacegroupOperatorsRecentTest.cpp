@@ -49,6 +49,9 @@ TEST(SpacegroupOperatorsRecent, AListLaidOutAlikeIsFoundAgainAndAnyOtherGetsItsO
     const Case cases[] = {
         {"the same text", "x,y,z -x,-y,z", "x,y,z -x,-y,z", false, true},
         {"another value of the same length", "x,y,z -x,-y,z x,-y,-z", "x,y,z -x,y,-z x,-y,-z", false, false},
+        // The key looks at the first, middle and last values only.
+        {"another value between those the key looks at", "x,y,z -x,-y,z x,-y,-z -x,y,-z x,y,-z",
+         "x,y,z -x,y,-z x,-y,-z -x,y,-z x,y,-z", false, false},
         {"other blanks between", "x,y,z -x,-y,z", "x,y,z\n-x,-y,z", false, true},
         {"quoted", "'x,y,z' '-x,-y,z'", "x,y,z -x,-y,z", false, true},
         {"quoted with blanks", "'x, y, z' '-x, -y, z'", "'x, y, z' '-x,-y, z'", false, false},

@@ -336,6 +336,15 @@ TEST(StructureChecks, PublicationItemsAreListedOncePerDocumentAndNotBesideTheMan
     THandle<Cif> placeholder = checked(elsewhere);
     EXPECT_EQ(findings_of(*placeholder), (Findings{{384, 1, 0}}));
     EXPECT_EQ(placeholder->errors()->begin()->text(), "_publ_section_title");
+    // Items given in any block count for the document, an empty block between
+    // them too; the journal of a later block asks for its items.
+    THandle<Cif> spread = checked(
+        "data_a\n_publ_author_name 'A'\n_publ_contact_author_email a@b.de\ndata_e\n"
+        "data_b\n_publ_requested_journal 'Acta Cryst. E'\n_publ_section_title T\n_publ_contact_author A\n");
+    std::vector<std::string> missing;
+    for (const CifError& error : *spread->errors())
+        if (error.id() == CifError::publication_item_missing) missing.push_back(error.text());
+    EXPECT_EQ(missing, (std::vector<std::string>{"_publ_requested_category", "_journal_coeditor_code"}));
     // A document that is not meant for publication is left alone.
     EXPECT_TRUE(checked("data_a\n_cell_length_a 5\n")->errors()->empty());
 }
