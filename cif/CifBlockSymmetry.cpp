@@ -52,9 +52,10 @@ struct CifBlockSymmetry::Ops {
 CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
     // The first of the names the block gives a value, as cif_check_text()
     // and cif_check_read() take it, its name kept by the item itself.
-    auto given = [&block](std::initializer_list<CifCheckName> names) -> const CifDataItem* {
+    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
+    auto given = [&block, filter](std::initializer_list<CifCheckName> names) -> const CifDataItem* {
         for (const CifCheckName& name : names) {
-            const CifDataItem* item = cif_check_item(block, name);
+            const CifDataItem* item = cif_check_item(block, filter, name);
             if (item != nullptr && item->has_value()) return item;
         }
         return nullptr;
@@ -81,7 +82,7 @@ CifBlockSymmetry::CifBlockSymmetry(const CifDataBlock& block) {
     for (const CifCheckName& name :
          {CifCheckName("_symmetry_equiv_pos_as_xyz"), CifCheckName("_space_group_symop_operation_xyz"),
           CifCheckName("_space_group_symop.operation_xyz")}) {
-        const CifDataItem* item = cif_check_item(block, name);
+        const CifDataItem* item = cif_check_item(block, filter, name);
         if (item == nullptr) continue;
         operators_name_ = &item->name();
         operators_item_ = item;

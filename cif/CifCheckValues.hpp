@@ -30,11 +30,16 @@ struct CifReading {
 // name index answers instead of the block.
 THandle<CifDataItem> cif_check_find(const CifDataBlock& block, const CifCheckName& name);
 // The same without a handle of its own (the block keeps the item).
-inline const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name) {
-    const CifBlockNameFilter* names = CifBlockNameFilter::of(block);
+// The same with the block's filter (CifBlockNameFilter::of()) found already:
+// a check asking for several names asks for it once.
+inline const CifDataItem* cif_check_item(const CifDataBlock& block, const CifBlockNameFilter* names,
+                                         const CifCheckName& name) {
     if (names == nullptr || names->asks_block()) return block.find(name.text()).get();
     const THandle<CifDataItem>* item = names->find(name);
     return item == nullptr ? nullptr : item->get();
+}
+inline const CifDataItem* cif_check_item(const CifDataBlock& block, const CifCheckName& name) {
+    return cif_check_item(block, CifBlockNameFilter::of(block), name);
 }
 
 // ?, . and nothing.
@@ -46,8 +51,9 @@ CifReading cif_check_reading(const CifDataItem& item);
 // The first of the names the block holds; not ok when it is unknown or no
 // number. (Inline: most names asked are missing, and then nothing is read.)
 inline CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
+    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
     for (const CifCheckName& name : names) {
-        const CifDataItem* item = cif_check_item(block, name);
+        const CifDataItem* item = cif_check_item(block, filter, name);
         if (item != nullptr && item->has_value()) return cif_check_reading(*item);
     }
     return CifReading();
@@ -60,8 +66,9 @@ std::pair<CifReadingName, std::string> cif_check_text_of(const CifDataItem& item
 // The same of the first of the names the block holds.
 inline std::pair<CifReadingName, std::string> cif_check_text(const CifDataBlock& block,
                                                              std::initializer_list<CifCheckName> names) {
+    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
     for (const CifCheckName& name : names) {
-        const CifDataItem* item = cif_check_item(block, name);
+        const CifDataItem* item = cif_check_item(block, filter, name);
         if (item != nullptr && item->has_value()) return cif_check_text_of(*item);
     }
     return {};

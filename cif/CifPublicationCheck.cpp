@@ -62,9 +62,10 @@ void CifPublicationCheck::note(const CifDataBlock& block) {
     if (journal_.empty())
         std::tie(journal_name_, journal_) = cif_check_text(block, {"_publ_requested_journal"});
     // A value that is only ? or ., in a text field too, is not given.
+    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
     for (std::size_t n = 0; n < std::size(asked); ++n) {
         if ((given_ & (1u << n)) != 0) continue;
-        const CifDataItem* item = cif_check_item(block, asked[n]);
+        const CifDataItem* item = cif_check_item(block, filter, asked[n]);
         if (item == nullptr || !item->has_value()) continue;
         std::string_view value = item->value_view(0);
         std::size_t first = value.find_first_not_of(" \t\r\n");

@@ -422,8 +422,9 @@ void ORMACifConsistencyChecker::check_labels(const CifDataBlock& block) {
     };
     // A site's rows damaged by a syntax problem may hold any label.
     if (sound_sites < sites->size()) return;
+    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
     for (const CifCheckName& child : children) {
-        const CifDataItem* item = cif_check_item(block, child);
+        const CifDataItem* item = cif_check_item(block, filter, child);
         if (item == nullptr || linked(std::string(child.text()))) continue;
         std::unordered_set<std::string_view> reported;
         const std::size_t sound = findings_->sound_rows(block, *item);
