@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <numbers>
 #include <optional>
@@ -47,40 +48,56 @@ std::string lower(std::string text) { return cif_lowercase(text); }
 // table of open addressing instead of a node per label.
 class SiteLabels {
 public:
-    explicit SiteLabels(std::size_t count) : slots_(kept_slots()) {
+    explicit SiteLabels(std::size_t count) : table_(kept_table()) {
         std::size_t size = 16;
         while (size < 2 * count) size *= 2;
-        slots_.assign(size, Slot());
+        // The thread's table serves again when large enough: its slots of
+        // earlier blocks are of an older generation, free without clearing.
+        if (table_.slots.size() < size || ++table_.generation == 0) {
+            table_.slots.assign(std::max(size, table_.slots.size()), Slot());
+            table_.generation = 1;
+        }
+        generation_ = table_.generation;
+        mask_ = size - 1;
     }
     // The row kept for the label, the given row when it is new (then true).
     std::pair<std::size_t*, bool> insert(std::string_view label, std::size_t row) {
-        Slot& slot = slots_[index_of(label)];
-        if (slot.used) return {&slot.row, false};
-        slot = {label, row, true};
+        Slot& slot = table_.slots[index_of(label)];
+        if (slot.generation == generation_) return {&slot.row, false};
+        slot = {label, row, generation_};
         return {&slot.row, true};
     }
-    bool contains(std::string_view label) const { return slots_[index_of(label)].used; }
+    bool contains(std::string_view label) const {
+        return table_.slots[index_of(label)].generation == generation_;
+    }
 
 private:
     struct Slot {
         std::string_view label;
         std::size_t row = 0;
-        bool used = false;
+        std::uint32_t generation = 0;  // in use for the block of this generation
     };
-    // The label's slot, or the free one where it would go.
+    struct Table {
+        std::vector<Slot> slots;
+        std::uint32_t generation = 0;
+    };
+    // The label's slot, or the free one where it would go (the first
+    // mask_ + 1 slots serve the block).
     std::size_t index_of(std::string_view label) const {
-        const std::size_t mask = slots_.size() - 1;
         // A hash that ignores case serves as well: labels equal as written hash alike.
-        std::size_t at = cif_name_hash(label) & mask;
-        while (slots_[at].used && slots_[at].label != label) at = (at + 1) & mask;
+        std::size_t at = cif_name_hash(label) & mask_;
+        while (table_.slots[at].generation == generation_ && table_.slots[at].label != label)
+            at = (at + 1) & mask_;
         return at;
     }
     // The thread's table, kept from block to block (one check at a time).
-    static std::vector<Slot>& kept_slots() {
-        thread_local std::vector<Slot> slots;
-        return slots;
+    static Table& kept_table() {
+        thread_local Table table;
+        return table;
     }
-    std::vector<Slot>& slots_;
+    Table& table_;
+    std::uint32_t generation_ = 0;
+    std::size_t mask_ = 0;
 };
 
 // The cell's volume with one of its parameters moved, as
