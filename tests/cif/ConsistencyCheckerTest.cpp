@@ -236,6 +236,25 @@ TEST(ConsistencyChecker, AtomLabelsAreUniqueAndEveryReferenceToOneExists) {
     EXPECT_EQ((*cif->errors())[1].type(), CifError::warning);
 }
 
+TEST(ConsistencyChecker, LabelsOfOneBlockNeverAnswerForTheNext) {
+    // One table of labels serves block after block: a block with many labels
+    // first, then smaller ones that refer to its labels and repeat them.
+    std::string text = "data_big\nloop_\n_atom_site_label\n";
+    for (int n = 1; n <= 40; ++n) text += "C" + std::to_string(n) + "\n";
+    text +=
+        "data_small\nloop_\n_atom_site_label\nC1\nN1\nloop_\n_geom_bond_atom_site_label_1\n"
+        "_geom_bond_atom_site_label_2\nC1 C2\nN1 C1\n";
+    text +=
+        "data_again\nloop_\n_atom_site_label\nC2\nC3\nC2\nloop_\n_geom_bond_atom_site_label_1\n"
+        "_geom_bond_atom_site_label_2\nC3 C1\n";
+    THandle<Cif> cif = checked(text);
+    const std::size_t again = text.find("data_again");
+    EXPECT_EQ(cif_test::messages(*cif),
+              (Messages{{360, line_of(text, "C1 C2")},
+                        {359, line_of(text.substr(again), "C2\nloop_") + line_of(text, "data_again") - 1},
+                        {360, line_of(text, "C3 C1")}}));
+}
+
 TEST(ConsistencyChecker, LabelsTheDictionaryLinksAreLeftToTheReader) {
     std::string text = with("C1 0.02", "X9 0.02");
     THandle<Cif> plain = checked(text);
