@@ -50,13 +50,17 @@ CifReading cif_check_reading(const CifDataItem& item);
 
 // The first of the names the block holds; not ok when it is unknown or no
 // number. (Inline: most names asked are missing, and then nothing is read.)
-inline CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
-    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
+inline CifReading cif_check_read(const CifDataBlock& block, const CifBlockNameFilter* filter,
+                                 std::initializer_list<CifCheckName> names) {
     for (const CifCheckName& name : names) {
         const CifDataItem* item = cif_check_item(block, filter, name);
         if (item != nullptr && item->has_value()) return cif_check_reading(*item);
     }
     return CifReading();
+}
+// The same with the block's filter found already (CifBlockNameFilter::of()).
+inline CifReading cif_check_read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
+    return cif_check_read(block, CifBlockNameFilter::of(block), names);
 }
 
 // The name and text of an item's first value; the text is empty for an

@@ -29,10 +29,6 @@ namespace {
 
 using Reading = CifReading;
 
-Reading read(const CifDataBlock& block, std::initializer_list<CifCheckName> names) {
-    return cif_check_read(block, names);
-}
-
 bool is_unknown(std::string_view value) { return cif_check_unknown(value); }
 
 bool agree(double a, double sigma_a, double b, double sigma_b, double slack = 0.0) {
@@ -352,8 +348,9 @@ void ORMACifConsistencyChecker::check_order(const CifDataBlock& block) {
                                        {10, 11}, {12, 13}, {13, 14}, {12, 14}, {15, 1}};
     // Each name read once, when a pair first asks for it.
     std::optional<Reading> readings[std::size(names)];
+    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
     auto reading = [&](int n) -> const Reading& {
-        if (!readings[n]) readings[n] = read(block, {names[n]});
+        if (!readings[n]) readings[n] = cif_check_read(block, filter, {names[n]});
         return *readings[n];
     };
     std::unordered_set<std::string> reported;
@@ -375,9 +372,10 @@ void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
         {"_reflns_number_total", "_diffrn_reflns_number"},
         {"_refine_ls_number_restraints", "_refine_ls_number_reflns"},
     };
+    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
     for (const auto& pair : pairs) {
-        Reading low = read(block, {pair[0]});
-        Reading high = read(block, {pair[1]});
+        Reading low = cif_check_read(block, filter, {pair[0]});
+        Reading high = cif_check_read(block, filter, {pair[1]});
         if (low.ok && high.ok && low.value() > high.value())
             add(CifError::count_mismatch, block, low.name,
                 " (larger than " + high.name + " " + format(high) + ")");
@@ -389,8 +387,8 @@ void ORMACifConsistencyChecker::check_counts(const CifDataBlock& block) {
         {"_cell_measurement_reflns_used", "_cell_measurement_refln_index_h"},
     };
     for (const auto& pair : counted) {
-        Reading count = read(block, {pair[0]});
-        const CifDataItem* rows = cif_check_item(block, pair[1]);
+        Reading count = cif_check_read(block, filter, {pair[0]});
+        const CifDataItem* rows = cif_check_item(block, filter, pair[1]);
         if (!count.ok || rows == nullptr || !rows->is_looped()) continue;
         if (std::fabs(count.value() - static_cast<double>(rows->size())) > 0.5)
             add(CifError::count_mismatch, block, count.name,
