@@ -69,13 +69,18 @@ std::pair<CifReadingName, std::string> cif_check_text_of(const CifDataItem& item
 
 // The same of the first of the names the block holds.
 inline std::pair<CifReadingName, std::string> cif_check_text(const CifDataBlock& block,
+                                                             const CifBlockNameFilter* filter,
                                                              std::initializer_list<CifCheckName> names) {
-    const CifBlockNameFilter* filter = CifBlockNameFilter::of(block);
     for (const CifCheckName& name : names) {
         const CifDataItem* item = cif_check_item(block, filter, name);
         if (item != nullptr && item->has_value()) return cif_check_text_of(*item);
     }
     return {};
+}
+// The same with the block's filter found already (CifBlockNameFilter::of()).
+inline std::pair<CifReadingName, std::string> cif_check_text(const CifDataBlock& block,
+                                                             std::initializer_list<CifCheckName> names) {
+    return cif_check_text(block, CifBlockNameFilter::of(block), names);
 }
 
 // The six cell parameters a, b, c, alpha, beta, gamma under either spelling.

@@ -39,19 +39,21 @@ bool holds_powder_items(const CifDataBlock& block) {
 CifDiffractionCheck::CifDiffractionCheck(const CifDataBlock& block, const CifBlockSymmetry& symmetry,
                                          CifCheckFindings& findings)
     : block_(block),
+      names_(CifBlockNameFilter::of(block)),
       symmetry_(symmetry),
       findings_(findings),
-      mu_(cif_check_read(block, {"_exptl_absorpt_coefficient_mu", "_exptl_absorpt.coefficient_mu"})) {}
+      mu_(cif_check_read(block, names_, {"_exptl_absorpt_coefficient_mu", "_exptl_absorpt.coefficient_mu"})) {
+}
 
 double CifDiffractionCheck::wavelength() const {
-    CifReading wavelength =
-        cif_check_read(block_, {"_diffrn_radiation_wavelength", "_diffrn_radiation_wavelength.wavelength"});
+    CifReading wavelength = cif_check_read(
+        block_, names_, {"_diffrn_radiation_wavelength", "_diffrn_radiation_wavelength.wavelength"});
     return wavelength.ok ? wavelength.value() : 0.0;
 }
 
 void CifDiffractionCheck::check_absorption() {
     if (!mu_.ok || mu_.value() <= 0.0) return;
-    CifReading z = cif_check_read(block_, {"_cell_formula_units_Z", "_cell.formula_units_Z"});
+    CifReading z = cif_check_read(block_, names_, {"_cell_formula_units_Z", "_cell.formula_units_Z"});
     const CifReading& volume = symmetry_.volume();
     if (!volume.ok || volume.value() <= 0.0) return;
     CifRadiation radiation = CifRadiation::unknown;
@@ -59,7 +61,8 @@ void CifDiffractionCheck::check_absorption() {
     if (lambda > 0.0) {
         radiation = cif_radiation_of_wavelength(lambda);
     } else {
-        auto [type_name, type] = cif_check_text(block_, {"_diffrn_radiation_type", "_diffrn_radiation.type"});
+        auto [type_name, type] =
+            cif_check_text(block_, names_, {"_diffrn_radiation_type", "_diffrn_radiation.type"});
         radiation = cif_radiation_of_type(type);
     }
     if (radiation == CifRadiation::unknown) return;
@@ -68,7 +71,7 @@ void CifDiffractionCheck::check_absorption() {
     std::map<std::string, double> contents;
     std::string source;
     auto [formula_name, formula_text] =
-        cif_check_text(block_, {"_chemical_formula_sum", "_chemical_formula.sum"});
+        cif_check_text(block_, names_, {"_chemical_formula_sum", "_chemical_formula.sum"});
     CifChemicalFormula formula(formula_text);
     if (formula.valid() && z.ok && z.value() > 0.0) {
         for (const auto& [element, count] : formula.parts()) contents[element] += z.value() * count;
@@ -104,13 +107,13 @@ void CifDiffractionCheck::check_absorption() {
 
 void CifDiffractionCheck::check_transmission() {
     auto [type_name, type] =
-        cif_check_text(block_, {"_exptl_absorpt_correction_type", "_exptl_absorpt.correction_type"});
+        cif_check_text(block_, names_, {"_exptl_absorpt_correction_type", "_exptl_absorpt.correction_type"});
     std::string correction = cif_lowercase(type);
     if (correction.empty() || correction == "none") return;
-    CifReading t_min =
-        cif_check_read(block_, {"_exptl_absorpt_correction_T_min", "_exptl_absorpt.correction_T_min"});
-    CifReading t_max =
-        cif_check_read(block_, {"_exptl_absorpt_correction_T_max", "_exptl_absorpt.correction_T_max"});
+    CifReading t_min = cif_check_read(block_, names_,
+                                      {"_exptl_absorpt_correction_T_min", "_exptl_absorpt.correction_T_min"});
+    CifReading t_max = cif_check_read(block_, names_,
+                                      {"_exptl_absorpt_correction_T_max", "_exptl_absorpt.correction_T_max"});
     if (!t_min.ok || !t_max.ok) {
         std::string missing = !t_min.ok && !t_max.ok ? "_exptl_absorpt_correction_T_min and _T_max"
                               : !t_min.ok            ? "_exptl_absorpt_correction_T_min"
@@ -120,9 +123,12 @@ void CifDiffractionCheck::check_transmission() {
         return;
     }
     if (!mu_.ok) return;
-    CifReading size_min = cif_check_read(block_, {"_exptl_crystal_size_min", "_exptl_crystal.size_min"});
-    CifReading size_mid = cif_check_read(block_, {"_exptl_crystal_size_mid", "_exptl_crystal.size_mid"});
-    CifReading size_max = cif_check_read(block_, {"_exptl_crystal_size_max", "_exptl_crystal.size_max"});
+    CifReading size_min =
+        cif_check_read(block_, names_, {"_exptl_crystal_size_min", "_exptl_crystal.size_min"});
+    CifReading size_mid =
+        cif_check_read(block_, names_, {"_exptl_crystal_size_mid", "_exptl_crystal.size_mid"});
+    CifReading size_max =
+        cif_check_read(block_, names_, {"_exptl_crystal_size_max", "_exptl_crystal.size_max"});
     if (correction == "multi-scan" && size_mid.ok && mu_.value() * size_mid.value() > 3.0) {
         findings_.add(CifError::transmission_inconsistent, CifError::error, block_, mu_.name,
                       " (" + cif_check_written(block_, mu_) + " per mm times " + size_mid.name + " " +
@@ -146,7 +152,8 @@ void CifDiffractionCheck::check_transmission() {
 }
 
 void CifDiffractionCheck::check_reflections() {
-    CifReading theta = cif_check_read(block_, {"_diffrn_reflns_theta_max", "_diffrn_reflns.theta_max"});
+    CifReading theta =
+        cif_check_read(block_, names_, {"_diffrn_reflns_theta_max", "_diffrn_reflns.theta_max"});
     const double lambda = wavelength();
     if (!theta.ok || lambda <= 0.0 || theta.value() <= 0.0 || theta.value() >= 90.0) return;
     const CifReading* cell = symmetry_.cell();
@@ -167,8 +174,8 @@ void CifDiffractionCheck::check_reflections() {
         {"_diffrn_reflns_limit_k_min", "_diffrn_reflns_limit_k_max"},
         {"_diffrn_reflns_limit_l_min", "_diffrn_reflns_limit_l_max"}};
     for (int axis = 0; axis < 3; ++axis) {
-        CifReading low = cif_check_read(block_, {limits[axis][0]});
-        CifReading high = cif_check_read(block_, {limits[axis][1]});
+        CifReading low = cif_check_read(block_, names_, {limits[axis][0]});
+        CifReading high = cif_check_read(block_, names_, {limits[axis][1]});
         if (!low.ok || !high.ok) continue;
         const CifReading& reach = std::fabs(low.value()) > std::fabs(high.value()) ? low : high;
         const double allowed = s * p[axis];
@@ -193,7 +200,7 @@ void CifDiffractionCheck::check_reflections() {
     if (expected < 50.0) return;  // too few for the estimate
     for (const CifCheckName& name :
          {CifCheckName("_reflns_number_total"), CifCheckName("_diffrn_reflns_number")}) {
-        CifReading count = cif_check_read(block_, {name});
+        CifReading count = cif_check_read(block_, names_, {name});
         if (!count.ok) continue;
         const double completeness = count.value() / expected;
         if (completeness < 0.85)

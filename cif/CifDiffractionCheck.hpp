@@ -6,6 +6,7 @@
 
 class CifBlockSymmetry;
 class CifCheckFindings;
+class CifBlockNameFilter;
 class CifDataBlock;
 
 // The experiment of one block against its crystal:
@@ -28,6 +29,7 @@ private:
     double wavelength() const;
 
     const CifDataBlock& block_;
+    const CifBlockNameFilter* names_;  // the block's, found once (CifBlockNameFilter::of())
     const CifBlockSymmetry& symmetry_;
     CifCheckFindings& findings_;
     CifReading mu_;

@@ -22,12 +22,13 @@ const char* threshold(CifError::ErrorType level, const char* remark, const char*
 
 CifRefinementCheck::CifRefinementCheck(const CifDataBlock& block, const CifBlockSymmetry& symmetry,
                                        CifCheckFindings& findings)
-    : block_(block), symmetry_(symmetry), findings_(findings) {}
+    : block_(block), names_(CifBlockNameFilter::of(block)), symmetry_(symmetry), findings_(findings) {}
 
 void CifRefinementCheck::check_data_per_parameter() {
-    CifReading reflections = cif_check_read(block_, {"_refine_ls_number_reflns", "_refine.ls_number_reflns"});
+    CifReading reflections =
+        cif_check_read(block_, names_, {"_refine_ls_number_reflns", "_refine.ls_number_reflns"});
     CifReading parameters =
-        cif_check_read(block_, {"_refine_ls_number_parameters", "_refine.ls_number_parameters"});
+        cif_check_read(block_, names_, {"_refine_ls_number_parameters", "_refine.ls_number_parameters"});
     if (!reflections.ok || !parameters.ok || parameters.value() <= 0.0) return;
     const bool centric = symmetry_.centrosymmetric();
     const double least = centric ? 10.0 : 8.0;
@@ -42,7 +43,8 @@ void CifRefinementCheck::check_data_per_parameter() {
 
 void CifRefinementCheck::check_shift() {
     CifReading shift = cif_check_read(
-        block_, {"_refine_ls_shift/su_max", "_refine_ls_shift/esd_max", "_refine.ls_shift_over_su_max"});
+        block_, names_,
+        {"_refine_ls_shift/su_max", "_refine_ls_shift/esd_max", "_refine.ls_shift_over_su_max"});
     CifError::ErrorType level;
     if (shift.ok && cif_check_level(std::fabs(shift.value()), 0.05, 0.10, 0.20, level))
         findings_.add(CifError::shift_too_large, level, block_, shift.name,
@@ -51,7 +53,7 @@ void CifRefinementCheck::check_shift() {
 }
 
 void CifRefinementCheck::check_r_factors() {
-    CifReading wr2 = cif_check_read(block_, {"_refine_ls_wR_factor_ref", "_refine.ls_wR_factor_ref"});
+    CifReading wr2 = cif_check_read(block_, names_, {"_refine_ls_wR_factor_ref", "_refine.ls_wR_factor_ref"});
     if (!wr2.ok) return;
     CifError::ErrorType level;
     if (cif_check_level(wr2.value(), 0.25, 0.35, 0.45, level)) {
@@ -61,11 +63,12 @@ void CifRefinementCheck::check_r_factors() {
         return;
     }
     // On F squared wR2 is larger than R1 on F.
-    auto [coefficient_name, coefficient] =
-        cif_check_text(block_, {"_refine_ls_structure_factor_coef", "_refine.ls_structure_factor_coef"});
+    auto [coefficient_name, coefficient] = cif_check_text(
+        block_, names_, {"_refine_ls_structure_factor_coef", "_refine.ls_structure_factor_coef"});
     if (cif_lowercase(coefficient) != "fsqd") return;
-    CifReading r1 = cif_check_read(block_, {"_refine_ls_R_factor_gt", "_refine_ls_R_factor_all",
-                                            "_refine.ls_R_factor_gt", "_refine.ls_R_factor_all"});
+    CifReading r1 = cif_check_read(block_, names_,
+                                   {"_refine_ls_R_factor_gt", "_refine_ls_R_factor_all",
+                                    "_refine.ls_R_factor_gt", "_refine.ls_R_factor_all"});
     if (r1.ok && r1.value() > wr2.value())
         findings_.add(CifError::r_factor_high, CifError::remark, block_, wr2.name,
                       " (" + cif_check_written(block_, wr2) + " below " + r1.name + " " +
@@ -74,8 +77,10 @@ void CifRefinementCheck::check_r_factors() {
 }
 
 void CifRefinementCheck::check_residual_density() {
-    CifReading highest = cif_check_read(block_, {"_refine_diff_density_max", "_refine.diff_density_max"});
-    CifReading lowest = cif_check_read(block_, {"_refine_diff_density_min", "_refine.diff_density_min"});
+    CifReading highest =
+        cif_check_read(block_, names_, {"_refine_diff_density_max", "_refine.diff_density_max"});
+    CifReading lowest =
+        cif_check_read(block_, names_, {"_refine_diff_density_min", "_refine.diff_density_min"});
     if (lowest.ok && lowest.value() > 0.0)
         findings_.add(CifError::residual_density_implausible, CifError::error, block_, lowest.name,
                       " (" + cif_check_written(block_, lowest) + ": the deepest hole cannot be positive)");
@@ -94,7 +99,7 @@ void CifRefinementCheck::check_residual_density() {
         }
     };
     auto [formula_name, formula_text] =
-        cif_check_text(block_, {"_chemical_formula_sum", "_chemical_formula.sum"});
+        cif_check_text(block_, names_, {"_chemical_formula_sum", "_chemical_formula.sum"});
     CifChemicalFormula formula(formula_text);
     if (formula.valid()) {
         for (const auto& [element, count] : formula.parts()) consider(element);
@@ -114,10 +119,10 @@ void CifRefinementCheck::check_residual_density() {
 
 void CifRefinementCheck::check_absolute_structure() {
     CifReading flack =
-        cif_check_read(block_, {"_refine_ls_abs_structure_Flack", "_refine.ls_abs_structure_Flack"});
+        cif_check_read(block_, names_, {"_refine_ls_abs_structure_Flack", "_refine.ls_abs_structure_Flack"});
     if (!flack.ok) return;
-    auto [details_name, details] =
-        cif_check_text(block_, {"_refine_ls_abs_structure_details", "_refine.ls_abs_structure_details"});
+    auto [details_name, details] = cif_check_text(
+        block_, names_, {"_refine_ls_abs_structure_details", "_refine.ls_abs_structure_details"});
     if (details.empty())
         findings_.add(CifError::absolute_structure_unsettled, CifError::warning, block_, flack.name,
                       " (" + cif_check_written(block_, flack) +

@@ -4,6 +4,7 @@
 
 class CifBlockSymmetry;
 class CifCheckFindings;
+class CifBlockNameFilter;
 class CifDataBlock;
 
 // The refinement of one block: reflections per parameter (378), the
@@ -22,6 +23,7 @@ public:
 
 private:
     const CifDataBlock& block_;
+    const CifBlockNameFilter* names_;  // the block's, found once (CifBlockNameFilter::of())
     const CifBlockSymmetry& symmetry_;
     CifCheckFindings& findings_;
 };
