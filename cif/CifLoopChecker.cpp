@@ -20,7 +20,7 @@ void CifLoopChecker::add(const CifDataItem& item, const CifItemDefinition* defin
 }
 
 void CifLoopChecker::check_rows(std::size_t first, std::size_t last) {
-    for (CifKeyOrder& order : orders_) order.add_rows(first, last, text_);
+    for (CifKeyOrder& order : orders_) order.add_rows(first, last, text_, text_ + text_size_);
     if (stopped_ || columns_.empty()) return;
     // Column by column over rows the reader has just read (still in the
     // cache), so that each column's quick look runs as one tight loop.
@@ -29,7 +29,7 @@ void CifLoopChecker::check_rows(std::size_t first, std::size_t last) {
     while (first < last) {
         const std::size_t stop = std::min(last, first + batch);
         for (const Column& column : columns_) {
-            column.item->values().copy_refs(first, stop - first, refs.data());
+            column.item->values().copy_refs(first, stop - first, refs.data(), text_ + text_size_);
             std::size_t i = 0;
             const std::size_t end = stop - first;
             while (i < end) {

@@ -310,7 +310,7 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
         }))
         return;
     CifKeyOrder order(columns);
-    order.add_rows(0, rows, text);
+    order.add_rows(0, rows, text, text + loop.front()->store()->text().size());
     if (order.proven_unique()) return;
 
     // Small integers over a small range (reflection indices in any order):
