@@ -21,13 +21,20 @@ void CifKeyOrder::add_rows(std::size_t first, std::size_t last, const char* text
     // their first row.
     constexpr std::size_t batch = 1024;
     const std::size_t stride = std::min(last - first, batch);
-    std::vector<CifValueRef> refs(width * stride);
+    // On the stack, left unset, where they fit (most keys are short).
+    constexpr std::size_t small_size = 256;
+    union Small {
+        Small() {}
+        CifValueRef refs[small_size];
+    } small;
+    std::vector<CifValueRef> large(width * stride > small_size ? width * stride : 0);
+    CifValueRef* const refs = large.empty() ? small.refs : large.data();
     std::size_t size = 8;
     while (first < last && exact_) {
         const std::size_t stop = std::min(last, first + size);
         size = std::min(2 * size, batch);
         for (std::size_t c = 0; c < width; ++c)
-            columns_[c]->values().copy_refs(first, stop - first, refs.data() + c * stride, text_end);
+            columns_[c]->values().copy_refs(first, stop - first, refs + c * stride, text_end);
         for (std::size_t row = first; row < stop; ++row) {
             std::uint64_t packed[2] = {0, 0};
             for (std::size_t c = 0; c < width; ++c) {
