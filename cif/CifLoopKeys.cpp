@@ -157,9 +157,11 @@ const CifCategoryFacts& CifLoopKeys::facts(const std::string& category) {
 std::vector<std::size_t> CifLoopKeys::named_key(const CifDataBlock::ItemList& loop,
                                                 const std::vector<const CifItemDefinition*>& definitions,
                                                 const std::string& category) const {
+    // The category's last member in the loop names the key (from the back:
+    // a loop's columns are mostly of one category).
     const CifItemDefinition* member = nullptr;
-    for (const CifItemDefinition* definition : definitions) {
-        if (definition != nullptr && definition->category == category) member = definition;
+    for (auto at = definitions.rbegin(); at != definitions.rend() && member == nullptr; ++at) {
+        if (*at != nullptr && (*at)->category == category) member = *at;
     }
     Key key;
     if (member == nullptr) return key;
