@@ -3,6 +3,7 @@
 #include "cif/CifLoopChecker.hpp"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 CifLoopChecker::CifLoopChecker(CifValueReporter& reporter, const char* text, std::size_t text_size)
@@ -16,7 +17,7 @@ void CifLoopChecker::add(const CifDataItem& item, const CifItemDefinition* defin
         return;
     }
     CifColumnCheck quick(*definition);
-    if (!quick.accepts_everything()) columns_.push_back({&item, definition, quick});
+    if (!quick.accepts_everything()) columns_.push_back({&item, definition, std::move(quick)});
 }
 
 void CifLoopChecker::check_rows(std::size_t first, std::size_t last) {

@@ -328,6 +328,7 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
                                                         const std::vector<THandle<CifDataItem>>& columns) {
     if (!checks_values()) return nullptr;
     auto checker = std::make_unique<CifLoopChecker>(reporter(), store_->text().data(), store_->text().size());
+    checker->reserve(columns.size());
     std::vector<const CifItemDefinition*> definitions;
     definitions.reserve(columns.size());
     // Columns whose name the block or an earlier column has (their hashes
