@@ -222,6 +222,13 @@ void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef
         return;
     }
     const Store& store = *store_;
+    if (text_end == nullptr && text_ != nullptr && count > 0) {
+        // Without the text's end, where the column's last value ends bounds
+        // what may be read at once: the text holds that byte (a word's stop,
+        // a closing quote or the text's final NUL).
+        const CifValueRef final_value = store.at(size_ - 1, text_);
+        if (!final_value.added()) text_end = text_ + final_value.offset + final_value.length();
+    }
     const std::size_t last = first + count;
     for (std::size_t n = first; n < last;) {
         const Group& group = store.groups[n >> group_bits];

@@ -62,8 +62,9 @@ public:
         return size_ <= 1 ? single_ : small()[n];
     }
     // Copies the references of the values first to first + count - 1 to out.
-    // Given the end of the column's text, the ends of the words kept in two
-    // bytes are found sixteen bytes at a time (else a byte at a time).
+    // The ends of the words kept in two bytes are found sixteen bytes at a
+    // time up to the end of the column's text, when given, or else up to the
+    // end of its last value (beyond that a byte at a time).
     void copy_refs(std::size_t first, std::size_t count, CifValueRef* out,
                    const char* text_end = nullptr) const;
 
