@@ -279,7 +279,9 @@ int CifBlockSymmetry::multiplicity(const double xyz[3], const double cell_length
     int fixed = 0;
     for (const std::array<double, 12>& m : affine) {
         double distance2 = 0.0;
-        for (int i = 0; i < 3; ++i) {
+        // The sum only grows: an image already too far along one axis is
+        // another position (most are, at the first).
+        for (int i = 0; i < 3 && distance2 < tolerance * tolerance; ++i) {
             double delta =
                 m[4 * i] * xyz[0] + m[4 * i + 1] * xyz[1] + m[4 * i + 2] * xyz[2] + m[4 * i + 3] - xyz[i];
             delta -= std::floor(delta + 0.5);

@@ -28,6 +28,10 @@ const std::string& loop_category(const CifItemDefinition& definition) {
     return definition.loop_category.empty() ? definition.category : definition.loop_category;
 }
 
+bool is_replacement(const CifItemDefinition::Related& related) {
+    return cif_iequals(related.function, "replace");
+}
+
 std::string joined(const std::vector<std::string>& names) {
     std::string result;
     for (const std::string& name : names) result += (result.empty() ? "" : ", ") + name;
@@ -52,6 +56,10 @@ CifBlockValidator::CifBlockValidator(CifValueReporter& reporter, bool names, boo
 void CifBlockValidator::validate(const CifDataBlock& block) {
     linked_.clear();
     block_ = &block;
+    // Most blocks give a few messages (names the dictionary replaces or
+    // lacks): room for them at once rather than moving them as they come.
+    std::vector<CifError>& messages = sink_.errors();
+    if (messages.capacity() - messages.size() < 8) messages.reserve(messages.size() + 16);
     for (auto it = block.begin_write_order(); it != block.end_write_order(); ++it) {
         if (!(*it)->is_looped()) validate_single(**it);
     }
@@ -127,8 +135,10 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
     } else {
         if (names_) check_replaced(item, *definition);
         if (values_) {
-            if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
-                reporter_.report(result, item.line(), item.name());
+            // Only an item that must be looped breaks the loop rule here.
+            if (definition->list == CifItemDefinition::List::yes)
+                if (CifValueCheck::Result result = CifValueCheck::check_list(*definition, false))
+                    reporter_.report(result, item.line(), item.name());
             if (!definition->list_link_parent.empty()) linked_.push_back({&item, definition, item.size()});
         }
     }
@@ -136,6 +146,13 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
 }
 
 void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
+    // Most definitions replace nothing: told before anything is made.
+    if (std::any_of(definition.related.begin(), definition.related.end(),
+                    [](const CifItemDefinition::Related& related) { return is_replacement(related); }))
+        report_replaced(item, definition);
+}
+
+void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
     // Both lists are put together as they are found, without a list of names.
     std::string replacements, present;
     bool replaced = false;
@@ -144,7 +161,7 @@ void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDef
         list += name;
     };
     for (const CifItemDefinition::Related& related : definition.related) {
-        if (!cif_iequals(related.function, "replace")) continue;
+        if (!is_replacement(related)) continue;
         replaced = true;
         append(replacements, related.name);
         // The replacement may stand in the block under another of its names.
@@ -191,8 +208,10 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
     const std::size_t sound = notes == nullptr ? rows : std::min(rows, notes->first_damaged_row);
     for (std::size_t i = 0; i < loop.size(); ++i) {
         if (definitions[i] == nullptr) continue;
-        if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
-            reporter_.report(result, loop[i]->line(), loop[i]->name());
+        // Only an item that must not be looped breaks the loop rule here.
+        if (definitions[i]->list == CifItemDefinition::List::no)
+            if (CifValueCheck::Result result = CifValueCheck::check_list(*definitions[i], true))
+                reporter_.report(result, loop[i]->line(), loop[i]->name());
         if (!definitions[i]->list_link_parent.empty())
             linked_.push_back({loop[i].get(), definitions[i], std::min(sound, loop[i]->size())});
     }

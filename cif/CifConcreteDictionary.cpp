@@ -3,6 +3,8 @@
 #include "cif/CifConcreteDictionary.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -64,6 +66,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     members_.clear();
     by_length_.clear();
     facts_.clear();
+    facts_lookup_.clear();
     similar_memo_ = std::make_unique<SimilarMemo>();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     language_ = language_of(text);
@@ -111,6 +114,26 @@ void CifConcreteDictionary::index_members() {
     }
 }
 
+namespace {
+
+// Whether two texts of the same size hold the same bytes: eight at a time,
+// the last eight overlapping those before when the size is not a multiple.
+bool same_bytes(std::string_view a, std::string_view b) {
+    const std::size_t size = a.size();
+    if (size < 8) return a == b;
+    std::uint64_t x, y;
+    for (std::size_t at = 0; at + 8 < size; at += 8) {
+        std::memcpy(&x, a.data() + at, 8);
+        std::memcpy(&y, b.data() + at, 8);
+        if (x != y) return false;
+    }
+    std::memcpy(&x, a.data() + size - 8, 8);
+    std::memcpy(&y, b.data() + size - 8, 8);
+    return x == y;
+}
+
+}  // namespace
+
 bool CifConcreteDictionary::is_defined(const std::string& data_name) const {
     return definition(data_name) != nullptr;
 }
@@ -144,13 +167,18 @@ const CifItemDefinition* CifConcreteDictionary::definition(const std::string& da
 const CifItemDefinition* CifConcreteDictionary::definition_hashed(const std::string& data_name,
                                                                   std::uint64_t hash) const {
     if (!lookup_.empty()) {
+        const Slot* const slots = lookup_.data();
         const std::size_t mask = lookup_.size() - 1;
         const auto high = static_cast<std::uint32_t>(hash >> 32);
-        const std::string_view packed = store_->packed();
-        for (std::size_t at = hash & mask; lookup_[at].index != Slot::free; at = (at + 1) & mask) {
-            const Slot& slot = lookup_[at];
-            if (slot.high == high && cif_iequals(packed.substr(slot.at, slot.size), data_name))
-                return &(*store_)[slot.index];
+        const char* const packed = store_->packed().data();
+        const std::size_t size = data_name.size();
+        for (std::size_t at = hash & mask; slots[at].index != Slot::free; at = (at + 1) & mask) {
+            const Slot& slot = slots[at];
+            if (slot.high != high || slot.size != size) continue;
+            // Files mostly spell a name as the dictionary does: the same bytes
+            // are told first, other cases only then.
+            const std::string_view name(packed + slot.at, size);
+            if (same_bytes(name, data_name) || cif_iequals(name, data_name)) return &(*store_)[slot.index];
         }
         return nullptr;
     }
@@ -198,24 +226,70 @@ void CifConcreteDictionary::index_by_length() const {
 
 void CifConcreteDictionary::gather_facts() {
     for (const auto& [category, members] : members_) facts_.try_emplace(category);
+    std::size_t size = 16;
+    while (size < 2 * facts_.size()) size *= 2;
+    facts_lookup_.assign(size, FactsSlot());
+    for (auto& [category, entry] : facts_) {
+        const std::uint64_t hash = cif_name_hash(category);
+        std::size_t at = hash & (size - 1);
+        while (facts_lookup_[at].facts != nullptr) at = (at + 1) & (size - 1);
+        facts_lookup_[at] = FactsSlot{hash, &category, &entry};
+    }
 }
 
 const CifCategoryFacts* CifConcreteDictionary::category_facts(const std::string& category) const {
     // A definition's own category is usually a plain name already, found
-    // without a lower-case copy (the table's comparison ignores case).
+    // without a lower-case copy (the tables' comparisons ignore case).
     const bool plain =
         !category.empty() && category.front() != '_' && category.find('[') == std::string::npos;
-    auto found = plain ? facts_.find(category) : facts_.find(plain_category_name(category));
+    std::string plain_name;
+    if (!plain) plain_name = plain_category_name(category);
+    const std::string& name = plain ? category : plain_name;
+    const std::string* key = nullptr;
+    LazyFacts* entry = nullptr;
+    if (!facts_lookup_.empty()) {
+        const std::uint64_t hash = cif_name_hash(name);
+        const std::size_t mask = facts_lookup_.size() - 1;
+        for (std::size_t at = hash & mask; facts_lookup_[at].facts != nullptr; at = (at + 1) & mask) {
+            const FactsSlot& slot = facts_lookup_[at];
+            if (slot.hash == hash && cif_iequals(*slot.name, name)) {
+                key = slot.name;
+                entry = slot.facts;
+                break;
+            }
+        }
+    } else if (auto found = facts_.find(name); found != facts_.end()) {
+        key = &found->first;
+        entry = &found->second;
+    }
     static const CifCategoryFacts none;  // a category without members
-    if (found == facts_.end()) return &none;
-    LazyFacts& entry = found->second;
-    std::call_once(entry.worked_out, [&] { entry.facts = CifCategoryFacts::of(*this, found->first); });
-    return &entry.facts;
+    if (entry == nullptr) return &none;
+    if (!entry->ready.load(std::memory_order_acquire)) {
+        std::call_once(entry->worked_out, [&] {
+            entry->facts = CifCategoryFacts::of(*this, *key);
+            entry->ready.store(true, std::memory_order_release);
+        });
+    }
+    return &entry->facts;
 }
 
 std::vector<CifDictionary::SimilarName> CifConcreteDictionary::similar_names(std::string_view data_name,
                                                                              int max_edits) const {
-    std::string key = std::to_string(max_edits) + ' ' + cif_lowercase(data_name);
+    // The bound, a space and the lower-case name, made in one piece.
+    char bound[16];
+    const std::size_t bound_size =
+        static_cast<std::size_t>(std::to_chars(bound, bound + 16, max_edits).ptr - bound);
+    std::string key(bound_size + 1 + data_name.size(), ' ');
+    std::memcpy(key.data(), bound, bound_size);
+    char* const lower = key.data() + bound_size + 1;
+    std::size_t i = 0;
+    for (; i + 8 <= data_name.size(); i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, data_name.data() + i, 8);
+        word = cif_lower_word(word);
+        std::memcpy(lower + i, &word, 8);
+    }
+    for (; i < data_name.size(); ++i) lower[i] = cif_lower(data_name[i]);
     {
         std::lock_guard<std::mutex> lock(similar_memo_->mutex);
         auto found = similar_memo_->answers.find(key);

@@ -2,6 +2,7 @@
 // One dictionary file (DDL1, DDLm or DDL2) read into memory: its descriptor and definitions.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <istream>
 #include <memory>
@@ -159,9 +160,21 @@ private:
     // members: a check asks for those of a few categories.
     struct LazyFacts {
         std::once_flag worked_out;
+        // Set once the facts are there: asked before call_once, which has no
+        // quick way of its own for the done case.
+        std::atomic<bool> ready{false};
         CifCategoryFacts facts;
     };
     mutable std::unordered_map<std::string, LazyFacts, CifNameHash, CifNameEqual> facts_;
+    // The same as one flat table (open addressing, twice as many slots as
+    // categories) once gather_facts() has filled facts_, whose entries stay
+    // where they are: a check asks for a category's facts for every loop.
+    struct FactsSlot {
+        std::uint64_t hash = 0;
+        const std::string* name = nullptr;
+        LazyFacts* facts = nullptr;
+    };
+    std::vector<FactsSlot> facts_lookup_;
 };
 
 // The library's name for a handle of a concrete dictionary.

@@ -626,13 +626,15 @@ bool CifDataBlock::add_loop(const ItemList& columns) {
         return added == columns.size();
     }
     ItemList added;
+    added.reserve(columns.size());
     for (const THandle<CifDataItem>& item : columns) {
         if (!add_item(item)) continue;
         item->set_looped(true);
         added.push_back(item);
     }
-    if (!added.empty()) contents().loops.push_back(added);
-    return added.size() == columns.size();
+    const bool all = added.size() == columns.size();
+    if (!added.empty()) contents().loops.push_back(std::move(added));
+    return all;
 }
 
 void CifDataBlock::print(std::ostream& stream, const CifWriteSettings& settings) const {

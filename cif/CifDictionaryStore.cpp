@@ -142,8 +142,7 @@ CifDictionaryStore::~CifDictionaryStore() {
     for (std::size_t i = 0; i < size(); ++i) delete objects_[i].load(std::memory_order_relaxed);
 }
 
-const CifItemDefinition& CifDictionaryStore::operator[](std::size_t index) const {
-    if (const CifItemDefinition* made = objects_[index].load(std::memory_order_acquire)) return *made;
+const CifItemDefinition& CifDictionaryStore::make(std::size_t index) const {
     std::lock_guard<std::mutex> lock(mutex_);
     if (const CifItemDefinition* made = objects_[index].load(std::memory_order_relaxed)) return *made;
     const CifItemDefinition* made = new CifItemDefinition(unpack(index));

@@ -27,8 +27,12 @@ public:
     CifDictionaryStore& operator=(const CifDictionaryStore&) = delete;
 
     std::size_t size() const { return starts_.size(); }
-    // The definition at index, made when first asked for.
-    const CifItemDefinition& operator[](std::size_t index) const;
+    // The definition at index, made when first asked for (inline: every
+    // lookup of a data name ends here, and all but the first find it made).
+    const CifItemDefinition& operator[](std::size_t index) const {
+        if (const CifItemDefinition* made = objects_[index].load(std::memory_order_acquire)) return *made;
+        return make(index);
+    }
     // Its data name and its aliases (views of the store), without making it.
     std::string_view name(std::size_t index) const;
     std::vector<std::string_view> names(std::size_t index) const;
@@ -40,6 +44,8 @@ public:
 
 private:
     CifItemDefinition unpack(std::size_t index) const;
+    // Makes the definition at index unless another thread just did.
+    const CifItemDefinition& make(std::size_t index) const;
 
     std::string packed_;
     std::vector<std::uint32_t> starts_;  // where each definition begins in packed_

@@ -2,6 +2,8 @@
 // The error catalogue's table: every code with its kind, message and explanation.
 #include "cif/CifErrorCatalogue.hpp"
 
+#include <array>
+#include <iterator>
 #include <string>
 
 namespace {
@@ -294,12 +296,64 @@ constexpr CifErrorCatalogueEntry table[] = {
      "(347)."},
 };
 
+// A message split where %1 and %2 stand.
+constexpr CifErrorMessageRuns split(const char* message) {
+    CifErrorMessageRuns split{};
+    const char* run = message;
+    int gap = 0;
+    const char* p = message;
+    for (; *p != '\0'; ++p) {
+        if (p[0] == '%' && (p[1] == '1' || p[1] == '2')) {
+            split.runs[gap] = std::string_view(run, static_cast<std::size_t>(p - run));
+            split.fills[gap] = p[1] - '0';
+            ++gap;
+            ++p;
+            run = p + 1;
+        }
+    }
+    split.runs[gap] = std::string_view(run, static_cast<std::size_t>(p - run));
+    split.size = split.runs[0].size() + split.runs[1].size() + split.runs[2].size();
+    return split;
+}
+
+constexpr bool printable(const char* text) {
+    for (; *text != '\0'; ++text)
+        if (*text < 0x20 || *text > 0x7E) return false;
+    return true;
+}
+
+constexpr int gaps(const char* text) {
+    int count = 0;
+    for (; *text != '\0'; ++text)
+        if (text[0] == '%' && (text[1] == '1' || text[1] == '2')) ++count;
+    return count;
+}
+
+constexpr bool fits() {
+    for (const CifErrorCatalogueEntry& entry : table)
+        if (!printable(entry.message) || gaps(entry.message) > 2) return false;
+    return true;
+}
+// The printer leaves messages unescaped unless their text or detail needs it.
+static_assert(fits(), "catalogue messages are printable ASCII with at most two placeholders");
+
+constexpr std::array<CifErrorMessageRuns, std::size(table)> split_table = [] {
+    std::array<CifErrorMessageRuns, std::size(table)> result{};
+    for (std::size_t i = 0; i < std::size(table); ++i) result[i] = split(table[i].message);
+    return result;
+}();
+
 }  // namespace
 
 const CifErrorCatalogueEntry* CifErrorCatalogue::find(int code) {
     if (code < first_code || code > last_code) return nullptr;
     const CifErrorCatalogueEntry& entry = table[code - first_code];
     return entry.code == code ? &entry : nullptr;
+}
+
+const CifErrorMessageRuns* CifErrorCatalogue::runs(int code) {
+    const CifErrorCatalogueEntry* entry = find(code);
+    return entry == nullptr ? nullptr : &split_table[static_cast<std::size_t>(entry - table)];
 }
 
 std::span<const CifErrorCatalogueEntry> CifErrorCatalogue::entries() { return table; }
@@ -312,20 +366,14 @@ std::string CifErrorCatalogue::format(int code, const std::string& text, const s
 
 void CifErrorCatalogue::append_format(std::string& out, int code, const std::string& text,
                                       const std::string& detail) {
-    const CifErrorCatalogueEntry* entry = find(code);
-    if (entry == nullptr) {
+    const CifErrorMessageRuns* split = runs(code);
+    if (split == nullptr) {
         out += "Message " + std::to_string(code) + ": " + text;
         return;
     }
-    // The message's text between its placeholders is appended a run at a time.
-    const char* run = entry->message;
-    for (const char* p = run; *p != '\0'; ++p) {
-        if (p[0] == '%' && (p[1] == '1' || p[1] == '2')) {
-            out.append(run, static_cast<std::size_t>(p - run));
-            out += p[1] == '1' ? text : detail;
-            ++p;
-            run = p + 1;
-        }
+    out += split->runs[0];
+    for (int gap = 0; gap < 2 && split->fills[gap] != 0; ++gap) {
+        out += split->fills[gap] == 1 ? text : detail;
+        out += split->runs[gap + 1];
     }
-    out += run;
 }

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace {
@@ -60,8 +61,32 @@ CifFileRead cif_read_file(const std::string& path, std::string& text, std::size_
     if (!S_ISREG(status.st_mode)) return read_stream(file.fd, text, cap);
     // One byte more than the size, so that the first read usually meets the end.
     const auto size = static_cast<std::size_t>(status.st_size);
-    text.resize(size + 1);
     std::size_t filled = 0;
+    long first = 0;
+#ifdef __cpp_lib_string_resize_and_overwrite
+    // Read straight into the string, not over zeros laid down first.
+    text.resize_and_overwrite(size + 1, [&](char* data, std::size_t count) {
+        first = read_some(file.fd, data, count);
+        return first > 0 ? static_cast<std::size_t>(first) : 0;
+    });
+#else
+    text.resize(size + 1);
+    first = read_some(file.fd, text.data(), text.size());
+    if (first > 0) text.resize(static_cast<std::size_t>(first));
+#endif
+    if (first < 0) {
+        text.clear();
+        return CifFileRead::read_error;
+    }
+    filled = static_cast<std::size_t>(first);
+    // Short of what was asked at the size the file had: its end, with no
+    // read more to see it (the usual case, one read a file).
+    if (first == 0 || filled == size) {
+        text.resize(filled);
+        return CifFileRead::read;
+    }
+    // A short read part way, or a file grown since: read on to its end.
+    text.resize(std::max(filled, size + 1));
     for (;;) {
         if (filled == text.size()) text.resize(text.size() * 2);
         const std::size_t wanted = text.size() - filled;

@@ -282,7 +282,16 @@ void CifReader::take_comments(CifCommentable* target, CifCommentable::CommentTyp
                 lone = text;
                 continue;
             }
-            if (joined.empty()) joined.append(lone);
+            if (joined.empty()) {
+                // Lines one after the other (a file's header) are one span
+                // of the text as they stand: nothing to join.
+                const char* end = lone.data() + lone.size();
+                if (end + 1 == text.data() && *end == '\n') {
+                    lone = std::string_view(lone.data(), lone.size() + 1 + text.size());
+                    continue;
+                }
+                joined.append(lone);
+            }
             joined.append(1, '\n').append(text);
         }
     }
@@ -470,7 +479,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
     std::string loop_comments = before_loop.comments();
     forget_last_item();
 
-    CifDataBlock::ItemList columns;
+    CifDataBlock::ItemList& columns = loop_columns_;
+    columns.clear();
     CifToken t = next();
     while (t.kind == CifToken::name) {
         const std::string_view name(t.begin, t.length);
@@ -487,8 +497,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
     }
 
     // The values, row by row: the hot path of large files.
-    std::vector<CifValueColumn*> targets;
-    targets.reserve(columns.size());
+    std::vector<CifValueColumn*>& targets = loop_targets_;
+    targets.clear();
     for (const THandle<CifDataItem>& item : columns) targets.push_back(&item->values());
     const std::size_t width = targets.size();
     std::size_t column = 0;
@@ -532,7 +542,8 @@ CifToken CifReader::on_loop(const CifToken& token) {
         for (; column < width; ++column) targets[column]->push_back(unknown_value());
     }
 
-    CifDataBlock::ItemList kept;
+    CifDataBlock::ItemList& kept = loop_kept_;
+    kept.clear();
     std::vector<std::string> dropped;
     for (const THandle<CifDataItem>& item : columns) {
         // Found without making the block's records into items.

@@ -124,4 +124,9 @@ private:
     // First columns of loops -> what reading learnt about them.
     std::unordered_map<const CifDataItem*, CifBlockValidator::LoopNotes> loop_notes_;
     std::unique_ptr<CifLoopKeys> loop_keys_;  // the keys of loops, from the dictionary
+    // A loop's columns, their value columns and those kept: emptied for each
+    // loop, their room kept for the next.
+    CifDataBlock::ItemList loop_columns_;
+    std::vector<CifValueColumn*> loop_targets_;
+    CifDataBlock::ItemList loop_kept_;
 };

@@ -113,7 +113,10 @@ Result check_enumeration(const CifItemDefinition& definition, std::string_view v
     return problem(CifError::value_not_enumerated, " (" + permitted + ")");
 }
 
-Result check_number(const CifItemDefinition& definition, std::string_view value) {
+// What reading a numeric value found, before any message is made of it.
+enum class NumberVerdict { fits, not_a_number, bad_uncertainty, uncertainty_not_allowed, out_of_range };
+
+NumberVerdict number_verdict(const CifItemDefinition& definition, std::string_view value) {
     // Most ranges only bar negative numbers ("0.0:"): a number without a
     // minus sign meets them without its value being read. Otherwise the one
     // reading tells the form and the value together.
@@ -126,24 +129,39 @@ Result check_number(const CifItemDefinition& definition, std::string_view value)
     } else {
         number.status = CifNumber::classify(value, number.has_uncertainty);
     }
-    if (number.status == CifNumber::Status::not_a_number) {
-        // A value that starts like a number is a malformed one; anything
-        // else is text where a number belongs.
-        std::size_t i = !value.empty() && (value[0] == '+' || value[0] == '-') ? 1 : 0;
-        if (i < value.size() && value[i] == '.') ++i;
-        bool numeric_start = i < value.size() && value[i] >= '0' && value[i] <= '9';
-        return numeric_start ? problem(CifError::number_unreadable)
-                             : problem(CifError::wrong_value_type, definition.type_text);
-    }
-    if (number.status == CifNumber::Status::bad_uncertainty) return problem(CifError::uncertainty_unreadable);
+    if (number.status == CifNumber::Status::not_a_number) return NumberVerdict::not_a_number;
+    if (number.status == CifNumber::Status::bad_uncertainty) return NumberVerdict::bad_uncertainty;
     if (number.has_uncertainty && definition.uncertainty == CifItemDefinition::Uncertainty::none)
-        return problem(CifError::uncertainty_not_allowed);
-    if (!read_value) return Result();
+        return NumberVerdict::uncertainty_not_allowed;
+    if (!read_value) return NumberVerdict::fits;
     double slack = 3.0 * number.uncertainty;
     if ((definition.has_minimum && number.value + slack < definition.minimum) ||
         (definition.has_maximum && number.value - slack > definition.maximum))
-        return problem(CifError::value_out_of_range, definition.range_text);
-    return Result();
+        return NumberVerdict::out_of_range;
+    return NumberVerdict::fits;
+}
+
+Result check_number(const CifItemDefinition& definition, std::string_view value) {
+    switch (number_verdict(definition, value)) {
+        case NumberVerdict::fits:
+            return Result();
+        case NumberVerdict::not_a_number: {
+            // A value that starts like a number is a malformed one; anything
+            // else is text where a number belongs.
+            std::size_t i = !value.empty() && (value[0] == '+' || value[0] == '-') ? 1 : 0;
+            if (i < value.size() && value[i] == '.') ++i;
+            bool numeric_start = i < value.size() && value[i] >= '0' && value[i] <= '9';
+            return numeric_start ? problem(CifError::number_unreadable)
+                                 : problem(CifError::wrong_value_type, definition.type_text);
+        }
+        case NumberVerdict::bad_uncertainty:
+            return problem(CifError::uncertainty_unreadable);
+        case NumberVerdict::uncertainty_not_allowed:
+            return problem(CifError::uncertainty_not_allowed);
+        case NumberVerdict::out_of_range:
+            break;
+    }
+    return problem(CifError::value_out_of_range, definition.range_text);
 }
 
 Result check_form(const CifItemDefinition& definition, std::string_view value) {
@@ -248,6 +266,29 @@ CifValueCheck::Result CifValueCheck::check(const CifItemDefinition& definition, 
     }
     if (!definition.enumerations.empty()) return check_enumeration(definition, value);
     return Result();
+}
+
+bool CifValueCheck::passes(const CifItemDefinition& definition, std::string_view value, bool quoted) {
+    if (is_null_value(value, quoted)) return true;
+    // Forms beyond a number's (a date, a word) are for check(); real adds nothing to a number's.
+    if (definition.container != Container::single ||
+        (definition.contents != Contents::any && definition.contents != Contents::real))
+        return false;
+    switch (definition.type) {
+        case CifItemDefinition::Type::numb:
+            if (number_verdict(definition, value) != NumberVerdict::fits) return false;
+            break;
+        case CifItemDefinition::Type::char_text:
+            if (definition.has_range) return false;
+            break;
+        case CifItemDefinition::Type::null:
+            break;
+    }
+    if (definition.enumerations.empty()) return true;
+    // A permitted value given exactly; the rest (a case that differs, a run
+    // of codes) is for check().
+    return std::any_of(definition.enumerations.begin(), definition.enumerations.end(),
+                       [&](const CifEnumeration& entry) { return entry.value == value; });
 }
 
 CifValueCheck::Result CifValueCheck::check_list(const CifItemDefinition& definition, bool looped) {

@@ -26,9 +26,24 @@ public:
 
     // The value's problem, or a result with code 0.
     static Result check(const CifItemDefinition& definition, std::string_view value, bool quoted = false);
+    // Whether check() finds no problem with the value, told without making
+    // a result for the common cases (a number that fits, a permitted value
+    // as written); false leaves the answer to check().
+    static bool passes(const CifItemDefinition& definition, std::string_view value, bool quoted = false);
     // The loop rule of the definition: 328 for an item that must not be
     // looped and is, 327 for one that must be looped and is not.
     static Result check_list(const CifItemDefinition& definition, bool looped);
+
+    // Whether check() passes every value the definition may be given,
+    // compound ones too: text of any form, without a range or permitted
+    // values, so that its values need not be looked at.
+    static bool accepts_every_value(const CifItemDefinition& definition) {
+        return definition.container == CifItemDefinition::Container::single &&
+               definition.type != CifItemDefinition::Type::numb &&
+               definition.contents == CifItemDefinition::Contents::any &&
+               !(definition.type == CifItemDefinition::Type::char_text && definition.has_range) &&
+               definition.enumerations.empty();
+    }
 
     // Whether the value stands for unknown (?) or inapplicable (.).
     static bool is_null_value(std::string_view value, bool quoted) {

@@ -29,7 +29,13 @@ bool CifValueReporter::check(const CifDataItem& item, const CifItemDefinition* d
 }
 
 void CifValueReporter::check_all(const CifDataItem& item, const CifItemDefinition* definition) {
+    if (definition != nullptr && CifValueCheck::accepts_every_value(*definition)) return;
     for (std::size_t n = 0; n < item.size(); ++n) {
+        if (definition != nullptr) {
+            const CifValueRef ref = item.values()[n];
+            if (!ref.compound() && CifValueCheck::passes(*definition, item.value_view(n), ref.quoted()))
+                continue;
+        }
         if (!check(item, definition, n)) return;
     }
 }

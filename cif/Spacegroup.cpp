@@ -146,24 +146,30 @@ struct SettingOps {
 
 std::uint64_t fingerprint_of(std::string_view text) { return std::hash<std::string_view>()(text); }
 
-// Whether the setting's operations, sorted and packed, are the text.
-bool setting_is(const gemmi::SpaceGroup& setting, const SettingOps& tabulated, std::size_t sym,
-                std::size_t cen, const std::string& sorted, std::uint64_t fingerprint) {
-    return tabulated.sym == sym && tabulated.cen == cen && tabulated.fingerprint == fingerprint &&
-           packed(setting.operations().all_ops_sorted()) == sorted;
-}
-
-const SettingOps& setting_ops(const gemmi::SpaceGroup& setting) {
+// A setting's counts and fingerprint; made (once per process) when fresh is
+// given, which then holds the packed operations made for them.
+const SettingOps& setting_ops(const gemmi::SpaceGroup& setting, std::string* fresh) {
     static std::mutex mutex;
     static std::unordered_map<const gemmi::SpaceGroup*, std::unique_ptr<SettingOps>> kept;
     std::lock_guard<std::mutex> lock(mutex);
     std::unique_ptr<SettingOps>& slot = kept[&setting];
     if (!slot) {
         const gemmi::GroupOps ops = setting.operations();
+        *fresh = packed(ops.all_ops_sorted());
         slot = std::make_unique<SettingOps>(
-            SettingOps{ops.sym_ops.size(), ops.cen_ops.size(), fingerprint_of(packed(ops.all_ops_sorted()))});
+            SettingOps{ops.sym_ops.size(), ops.cen_ops.size(), fingerprint_of(*fresh)});
     }
     return *slot;
+}
+
+// Whether the setting's operations, sorted and packed, are the text. The
+// text of a setting met for the first time is compared as just made.
+bool setting_is(const gemmi::SpaceGroup& setting, std::size_t sym, std::size_t cen, const std::string& sorted,
+                std::uint64_t fingerprint) {
+    std::string fresh;
+    const SettingOps& tabulated = setting_ops(setting, &fresh);
+    if (tabulated.sym != sym || tabulated.cen != cen || tabulated.fingerprint != fingerprint) return false;
+    return (fresh.empty() ? packed(setting.operations().all_ops_sorted()) : fresh) == sorted;
 }
 
 }  // namespace
@@ -233,7 +239,7 @@ SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, i
             if (setting.number != number || (centring != setting.hall[0] && centring != setting.hall[1]) ||
                 point_group_order(setting.number) != order)
                 continue;
-            if (setting_is(setting, setting_ops(setting), sym, cen, sorted, fingerprint)) {
+            if (setting_is(setting, sym, cen, sorted, fingerprint)) {
                 found = &setting;
                 break;
             }
@@ -246,7 +252,7 @@ SpacegroupCache::Group Spacegroup::from_operations(std::vector<gemmi::Op> ops, i
             if ((centring != setting.hall[0] && centring != setting.hall[1]) ||
                 point_group_order(setting.number) != order)
                 continue;
-            if (setting_is(setting, setting_ops(setting), sym, cen, sorted, fingerprint)) found = &setting;
+            if (setting_is(setting, sym, cen, sorted, fingerprint)) found = &setting;
         }
         if (found != nullptr) {
             result.symbol = found->xhm();

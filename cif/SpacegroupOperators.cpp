@@ -13,7 +13,9 @@
 #include <stdexcept>
 #include <unordered_map>
 
+#include "cif/CifTextStore.hpp"
 #include "cif/Spacegroup.hpp"
+#include "cif/SpacegroupTriplet.hpp"
 
 namespace {
 
@@ -90,9 +92,19 @@ std::uint64_t hash_of(const std::vector<std::string_view>& texts) {
 // texts are short, too short for a call of memcmp to pay.
 bool same_bytes(const char* a, const char* b, std::size_t size) {
     if (size >= 8) {
+        if (size <= 16)  // most triplets: two words, overlapping
+            return ((word_at(a) ^ word_at(b)) | (word_at(a + size - 8) ^ word_at(b + size - 8))) == 0;
         for (std::size_t at = 0; at + 8 < size; at += 8)
             if (word_at(a + at) != word_at(b + at)) return false;
         return word_at(a + size - 8) == word_at(b + size - 8);
+    }
+    if (size >= 4) {  // two halves, overlapping
+        std::uint32_t a_first, b_first, a_last, b_last;
+        std::memcpy(&a_first, a, 4);
+        std::memcpy(&b_first, b, 4);
+        std::memcpy(&a_last, a + size - 4, 4);
+        std::memcpy(&b_last, b + size - 4, 4);
+        return a_first == b_first && a_last == b_last;
     }
     for (std::size_t at = 0; at < size; ++at)
         if (a[at] != b[at]) return false;
@@ -112,8 +124,7 @@ std::optional<std::vector<gemmi::Op>> read_all(const std::vector<std::string_vie
     std::vector<gemmi::Op> ops;
     ops.reserve(texts.size());
     try {
-        for (std::string_view text : texts)
-            ops.push_back(SpacegroupOperators::read_triplet(std::string(text)));
+        for (std::string_view text : texts) ops.push_back(SpacegroupOperators::read_triplet(text));
     } catch (const std::exception&) {
         return std::nullopt;
     }
@@ -121,9 +132,11 @@ std::optional<std::vector<gemmi::Op>> read_all(const std::vector<std::string_vie
 }
 
 std::string_view trimmed_view(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos) return std::string_view();
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+    auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    std::size_t first = 0, last = text.size();
+    while (first < last && blank(text[first])) ++first;
+    while (last > first && blank(text[last - 1])) --last;
+    return text.substr(first, last - first);
 }
 
 }  // namespace
@@ -176,7 +189,10 @@ gemmi::GroupOps SpacegroupOperators::read_hall(const std::string& hall) {
     return gemmi::symops_from_hall(hall.c_str());
 }
 
-gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
+gemmi::Op SpacegroupOperators::read_triplet(std::string_view text) {
+    gemmi::Op op;
+    if (spacegroup_read_common_triplet(text, op)) return op;
+    const std::string triplet(text);
     // Every number of the text times the denominator of the operations, all
     // added up, must stay an int: the reading adds them in ints.
     constexpr long long most = std::numeric_limits<int>::max() / 2;
@@ -192,7 +208,7 @@ gemmi::Op SpacegroupOperators::read_triplet(const std::string& triplet) {
         sum = std::min(sum + value * gemmi::Op::DEN, most);
     }
     if (sum >= most) throw std::runtime_error("numbers out of range");
-    gemmi::Op op = gemmi::parse_triplet(triplet);
+    op = gemmi::parse_triplet(triplet);
     // A determinant of entries up to 700 stays within an int.
     for (const auto& row : op.rot) {
         for (int entry : row) {
@@ -207,6 +223,7 @@ SpacegroupOperators::SpacegroupOperators(const std::vector<std::string_view>& te
     std::size_t size = 0;
     for (std::string_view text : texts) size += sizeof(std::uint32_t) + text.size();
     texts_.reserve(size);
+    count_ = texts.size();
     for (std::string_view text : texts) {
         const auto length = static_cast<std::uint32_t>(text.size());
         texts_.append(reinterpret_cast<const char*>(&length), sizeof length);
@@ -229,6 +246,32 @@ bool SpacegroupOperators::holds(const std::vector<std::string_view>& texts) cons
         at += length;
     }
     return at == kept.size();
+}
+
+bool SpacegroupOperators::holds(const CifTextStore& store, const CifValueRef* values,
+                                std::size_t count) const {
+    // As many values as texts kept: each length read below lies within them.
+    if (count != count_) return false;
+    const char* kept = texts_.data();
+    const char* const text = store.text().data();
+    for (std::size_t n = 0; n < count; ++n) {
+        const CifValueRef value = values[n];
+        std::uint32_t length;
+        std::memcpy(&length, kept, sizeof length);
+        kept += sizeof length;
+        const char* bytes;
+        if (value.added()) {
+            const std::string_view added = store.view(value);
+            if (added.size() != length) return false;
+            bytes = added.data();
+        } else {
+            if (value.length() != length) return false;
+            bytes = text + value.offset;
+        }
+        if (!same_bytes(kept, bytes, length)) return false;
+        kept += length;
+    }
+    return true;
 }
 
 std::vector<std::string> SpacegroupOperators::texts() const {
@@ -283,12 +326,15 @@ const gemmi::GroupOps* SpacegroupOperators::operations() const {
 
 const SpacegroupCache::Group& SpacegroupOperators::group(int number) const {
     std::call_once(group_once_, [this, number] {
-        // Without quotes both readings read the same triplets.
+        // Without quotes both readings read the same triplets: read once
+        // for both when the operations are not made yet.
         if (quoted_) {
             group_ = Spacegroup::from_operators(texts(), number);
         } else if (const std::optional<std::vector<gemmi::Op>> ops = triplets()) {
+            std::call_once(operations_once_, [this, &ops] { operations_ = from_triplets(*ops); });
             group_ = Spacegroup::from_operations(*ops, number);
         } else {
+            std::call_once(operations_once_, [] {});  // none: one cannot be read
             group_ = Spacegroup::unreadable();
         }
     });

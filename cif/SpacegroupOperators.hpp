@@ -13,6 +13,9 @@
 
 #include "cif/SpacegroupCache.hpp"
 
+class CifTextStore;
+struct CifValueRef;
+
 namespace gemmi {
 struct GroupOps;
 }  // namespace gemmi
@@ -28,7 +31,7 @@ public:
     // cell; throws when it cannot be read or is singular. Numbers too large
     // for the reading's integers, and factors of x, y or z whose
     // determinant would overflow, make it unreadable rather than wrong.
-    static gemmi::Op read_triplet(const std::string& triplet);
+    static gemmi::Op read_triplet(std::string_view triplet);
 
     // The operations a Hall symbol generates; throws when it cannot be read.
     // A screw subscript on a rotation without a principal axis (an axis
@@ -56,6 +59,8 @@ public:
 
     // Whether the entry is of these texts (byte for byte).
     bool holds(const std::vector<std::string_view>& texts) const;
+    // The same of the texts of count values of the store.
+    bool holds(const CifTextStore& store, const CifValueRef* values, std::size_t count) const;
 
 private:
     std::vector<std::string> texts() const;
@@ -67,7 +72,8 @@ private:
     // The texts one after another, each after its length (four bytes):
     // entries stay for the process.
     std::string texts_;
-    bool quoted_ = false;  // a text in quotes, which only the group's reading removes
+    std::size_t count_ = 0;  // texts
+    bool quoted_ = false;    // a text in quotes, which only the group's reading removes
     mutable std::once_flag operations_once_, group_once_;
     mutable std::unique_ptr<gemmi::GroupOps> operations_;
     mutable SpacegroupCache::Group group_;

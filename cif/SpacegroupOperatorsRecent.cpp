@@ -2,11 +2,10 @@
 // The operator lists a thread met last, found again by where their values lie in the text.
 #include "cif/SpacegroupOperatorsRecent.hpp"
 
-#include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "cif/CifDataItem.hpp"
+#include "cif/CifTextStore.hpp"
 #include "cif/SpacegroupOperators.hpp"
 
 namespace {
@@ -17,35 +16,37 @@ std::uint64_t word_at(const char* p) {
     return word;
 }
 
-// A key of the span, every byte of it, and of the values' places in it
-// (offsets from its start, with lengths and flags).
-std::uint64_t key_of(std::string_view span, const std::vector<CifValueRef>& places) {
-    std::uint64_t hash = (span.size() * 0x9E3779B97F4A7C15ull) ^ places.size();
+// A key of the values' places (each from the first value's, with its length
+// and flags) and of up to eight bytes at each end of the first and the last
+// value: lists laid out alike mostly differ there, and the texts tell the rest.
+std::uint64_t key_of(const CifTextStore& store, const std::vector<CifValueRef>& places) {
+    std::uint64_t hash = places.size() * 0x9E3779B97F4A7C15ull;
     auto mix = [&hash](std::uint64_t word) {
         hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
         hash ^= hash >> 32;
     };
-    const char* p = span.data();
-    std::size_t left = span.size();
-    for (; left >= 8; p += 8, left -= 8) mix(word_at(p));
-    std::uint64_t tail = 0;
-    std::memcpy(&tail, p, left);
-    mix(tail);
-    for (const CifValueRef& place : places) mix((std::uint64_t(place.offset) << 32) | place.bits);
+    const std::uint32_t base = places.front().offset;
+    for (const CifValueRef& place : places) mix((std::uint64_t(place.offset - base) << 32) | place.bits);
+    for (const CifValueRef& place : {places.front(), places.back()}) {
+        const std::string_view text = store.view(place);
+        if (text.size() >= 8) {
+            mix(word_at(text.data()));
+            mix(word_at(text.data() + text.size() - 8));
+        } else {
+            std::uint64_t word = 0;
+            std::memcpy(&word, text.data(), text.size());
+            mix(word);
+        }
+    }
     hash = (hash ^ (hash >> 29)) * 0xC4CEB9FE1A85EC53ull;
     return hash ^ (hash >> 32);
 }
 
 }  // namespace
 
-std::shared_ptr<const SpacegroupOperators> SpacegroupOperatorsRecent::by_texts(const CifTextStore& store,
-                                                                               std::uint32_t base) {
+std::shared_ptr<const SpacegroupOperators> SpacegroupOperatorsRecent::by_texts(const CifTextStore& store) {
     texts_.resize(places_.size());
-    for (std::size_t n = 0; n < places_.size(); ++n) {
-        CifValueRef place = places_[n];
-        place.offset += base;
-        texts_[n] = store.view(place);
-    }
+    for (std::size_t n = 0; n < places_.size(); ++n) texts_[n] = store.view(places_[n]);
     return SpacegroupOperators::of(texts_);
 }
 
@@ -53,41 +54,24 @@ std::shared_ptr<const SpacegroupOperators> SpacegroupOperatorsRecent::entry(cons
     const CifValueColumn& column = item.values();
     const std::size_t count = column.size();
     const CifTextStore& store = *item.store();
-    // The references read for the key serve the texts too.
     places_.resize(count);
     column.copy_refs(0, count, places_.data());
-    std::uint32_t begin = std::numeric_limits<std::uint32_t>::max(), end = 0, added = 0;
-    for (const CifValueRef& place : places_) {
-        added |= place.bits & CifValueRef::added_flag;
-        begin = std::min(begin, place.offset);
-        end = std::max(end, place.offset + place.length());
-    }
-    // Values added after reading live outside the text: no span holds them.
-    if (count == 0 || added != 0 || end - begin > longest_span) return by_texts(store, 0);
-    const std::string_view span(store.text().data() + begin, end - begin);
-    for (CifValueRef& place : places_) place.offset -= begin;
-    const std::uint64_t key = key_of(span, places_);
+    if (count == 0) return by_texts(store);
+    const std::uint64_t key = key_of(store, places_);
     if (lists_.empty()) lists_.resize(sets * ways);
     List* set = &lists_[(key % sets) * ways];
     List* oldest = set;
     ++clock_;
     for (List* list = set; list != set + ways; ++list) {
-        if (list->entry != nullptr && list->key == key && list->count == count) {
-            // The key told it; the texts prove it.
-            texts_.resize(count);
-            for (std::size_t n = 0; n < count; ++n) {
-                CifValueRef place = places_[n];
-                place.offset += begin;
-                texts_[n] = store.view(place);
-            }
-            if (list->entry->holds(texts_)) {
-                list->used = clock_;
-                return list->entry;
-            }
+        // The key told it; the texts prove it.
+        if (list->entry != nullptr && list->key == key && list->count == count &&
+            list->entry->holds(store, places_.data(), count)) {
+            list->used = clock_;
+            return list->entry;
         }
         if (list->used < oldest->used) oldest = list;
     }
-    oldest->entry = by_texts(store, begin);
+    oldest->entry = by_texts(store);
     oldest->key = key;
     oldest->count = count;
     oldest->used = clock_;

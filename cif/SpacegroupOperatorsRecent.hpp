@@ -17,12 +17,14 @@ class SpacegroupOperators;
 
 // Files checked one after another mostly repeat the operator lists of the
 // files before them byte for byte. A list seen lately is known again by a
-// key made of the span of text its values lie in and where each value lies
-// in it, and then compared with the entry's own texts: where
+// key made of where its values lie (each from the first, with its length and
+// flags) and the bytes at the two ends of their span, and then compared
+// with the entry's own texts, value by value, straight from the text: where
 // SpacegroupOperators::of() also hashes every value and searches the
-// process's lists. The entry found is the one of() would give; anything
-// else goes to of(). Only the keys are kept, not the texts (a copy of every
-// list's text raised a run's peak memory).
+// process's lists. The key only chooses what to compare: the entry found is
+// the one of() would give; anything else goes to of(). Only the keys are
+// kept, not the texts (a copy of every list's text raised a run's peak
+// memory).
 class SpacegroupOperatorsRecent {
 public:
     // The process's entry of the item's values (as SpacegroupOperators::of()).
@@ -35,18 +37,16 @@ public:
     // span; a new list takes the place of the one of its set used longest ago.
     static constexpr std::size_t sets = 64;
     static constexpr std::size_t ways = 4;
-    // Spans longer than this are not kept (values copied from far apart).
-    static constexpr std::size_t longest_span = 1 << 16;
 
 private:
     struct List {
-        std::uint64_t key = 0;  // of the span and the places in it
+        std::uint64_t key = 0;  // of the places and the span's ends
         std::size_t count = 0;  // values
         std::shared_ptr<const SpacegroupOperators> entry;
         std::uint64_t used = 0;  // when last found or kept
     };
-    // The entry by the texts of places_ (offsets less base).
-    std::shared_ptr<const SpacegroupOperators> by_texts(const CifTextStore& store, std::uint32_t base);
+    // The entry by the texts of places_.
+    std::shared_ptr<const SpacegroupOperators> by_texts(const CifTextStore& store);
 
     std::vector<List> lists_;  // sets * ways, made on first use
     std::uint64_t clock_ = 0;

@@ -2,54 +2,54 @@
 // Writes tessary-check's results as text lines or as one JSON document.
 #include "tools/CheckReport.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "cif/CifErrorCatalogue.hpp"
 
 namespace {
 
-// Appends the number in decimal (no temporary string).
-void append_number(std::string& out, long number) {
-    char digits[24];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number);
-    (void)error;  // 24 digits hold any long
-    out.append(digits, end);
+// The writers below put text where they are told and return its end; the
+// caller has made room for it.
+char* put(char* at, std::string_view text) {
+    std::memcpy(at, text.data(), text.size());
+    return at + text.size();
 }
 
-void append_counted(std::string& out, long count, const char* singular, const char* plural) {
-    append_number(out, count);
-    out += ' ';
-    out += count == 1 ? singular : plural;
-}
-
-// Whether the text is printable ASCII throughout (0x20 to 0x7E), which
-// terminal_text keeps as it is: eight bytes at a time, each byte's high bit
-// set in a mask where it is 0x80 or above, below 0x20, or 0x7F.
-bool plain(std::string_view text) {
-    constexpr std::uint64_t ones = 0x0101010101010101ull, highs = 0x8080808080808080ull;
-    const char* p = text.data();
-    std::size_t left = text.size();
-    for (; left >= 8; p += 8, left -= 8) {
-        std::uint64_t x;
-        std::memcpy(&x, p, 8);
-        const std::uint64_t below_space = (x - 0x20 * ones) & ~x;
-        const std::uint64_t del = x ^ (0x7F * ones);
-        const std::uint64_t is_del = (del - ones) & ~del;
-        if (((x | below_space | is_del) & highs) != 0) return false;
+// The number in decimal. The numbers printed are ints (at most 11
+// characters, as the room made allows); the usual small ones are written
+// without a general conversion.
+char* put_number(char* at, long number) {
+    if (number < 0 || number >= 100000) {
+        char digits[24];
+        const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        return put(at, std::string_view(digits, static_cast<std::size_t>(end - digits)));
     }
-    for (; left > 0; ++p, --left) {
-        if (*p < 0x20 || *p == 0x7F) return false;  // char is signed: bytes from 0x80 are negative
-    }
-    return true;
+    const int count = number < 10 ? 1 : number < 100 ? 2 : number < 1000 ? 3 : number < 10000 ? 4 : 5;
+    char* const end = at + count;
+    char* digit = end;
+    do {
+        *--digit = static_cast<char>('0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    return end;
 }
 
-}  // namespace
+char* put_counted(char* at, long count, std::string_view singular, std::string_view plural) {
+    at = put_number(at, count);
+    *at++ = ' ';
+    return put(at, count == 1 ? singular : plural);
+}
 
-std::string CheckReport::kind_name(CifError::ErrorType type) {
+std::string_view kind_text(CifError::ErrorType type) {
     switch (type) {
         case CifError::remark:
             return "remark";
@@ -61,6 +61,55 @@ std::string CheckReport::kind_name(CifError::ErrorType type) {
             return "information";
     }
 }
+
+// Whether the text is printable ASCII throughout (0x20 to 0x7E), which
+// terminal_text keeps as it is: eight bytes at a time, each byte's high bit
+// set in a mask where it is 0x80 or above, below 0x20, or 0x7F.
+bool plain_word(std::uint64_t x) {
+    constexpr std::uint64_t ones = 0x0101010101010101ull, highs = 0x8080808080808080ull;
+    const std::uint64_t below_space = (x - 0x20 * ones) & ~x;
+    const std::uint64_t del = x ^ (0x7F * ones);
+    const std::uint64_t is_del = (del - ones) & ~del;
+    return ((x | below_space | is_del) & highs) == 0;
+}
+
+bool plain(std::string_view text) {
+    const char* p = text.data();
+    const std::size_t size = text.size();
+    if (size < 8) {
+        for (std::size_t i = 0; i < size; ++i) {
+            if (p[i] < 0x20 || p[i] == 0x7F) return false;  // char is signed: bytes from 0x80 are negative
+        }
+        return true;
+    }
+#if defined(__SSE2__)
+    if (size >= 16) {
+        // Sixteen bytes at a time: as signed bytes, those from 0x80 are below 0x20 too.
+        const __m128i space = _mm_set1_epi8(0x20), del = _mm_set1_epi8(0x7F);
+        auto plain16 = [&](const char* at) {
+            const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+            return _mm_movemask_epi8(_mm_or_si128(_mm_cmplt_epi8(x, space), _mm_cmpeq_epi8(x, del))) == 0;
+        };
+        for (std::size_t at = 0; at + 16 < size; at += 16) {
+            if (!plain16(p + at)) return false;
+        }
+        // The last sixteen bytes, which may overlap bytes already looked at.
+        return plain16(p + size - 16);
+    }
+#endif
+    std::uint64_t x;
+    for (std::size_t at = 0; at + 8 < size; at += 8) {
+        std::memcpy(&x, p + at, 8);
+        if (!plain_word(x)) return false;
+    }
+    // The last eight bytes, which may overlap bytes already looked at.
+    std::memcpy(&x, p + size - 8, 8);
+    return plain_word(x);
+}
+
+}  // namespace
+
+std::string CheckReport::kind_name(CifError::ErrorType type) { return std::string(kind_text(type)); }
 
 std::string CheckReport::json_string(const std::string& text) {
     std::string out = "\"";
@@ -167,39 +216,77 @@ void CheckReport::add(const FileCheckResult& result) {
     // Names and values come from the file: printed raw, an escape sequence in
     // a data name would drive the user's terminal. A file's lines are put
     // together first and written at once.
-    const std::string file = terminal_text(result.file);
-    std::string& lines = lines_;
-    lines.clear();
-    lines.reserve((file.size() + 96) * (result.messages.size() + 1));
+    std::string escaped_file;
+    std::string_view file = result.file;
+    if (!plain(file)) file = escaped_file = terminal_text(result.file);
+    std::size_t used = 0;
     for (const CifError& message : result.messages) {
-        lines += file;
-        lines += ':';
-        append_number(lines, message.line());
-        lines += ": ";
-        lines += kind_name(message.type());
-        lines += " [";
-        append_number(lines, message.id());
-        lines += "]: ";
-        const std::size_t start = lines.size();
-        CifErrorCatalogue::append_format(lines, message.id(), message.text(), message.detail());
-        if (!plain(std::string_view(lines).substr(start))) {
-            const std::string text = lines.substr(start);
-            lines.resize(start);
-            lines += terminal_text(text);
-        }
-        lines += '\n';
+        const CifErrorMessageRuns* runs = CifErrorCatalogue::runs(message.id());
+        // The file, two numbers of at most 11 characters, the kind and the punctuation.
+        constexpr std::size_t frame = 2 * 11 + 11 + 8 + 1;
+        const std::size_t most = file.size() + frame + (runs != nullptr ? runs->size : 20) +
+                                 message.text().size() + message.detail().size();
+        // put_message may move the lines to make room for an escaped message.
+        const char* const end = put_message(room(used, most), file, message, runs);
+        used = static_cast<std::size_t>(end - lines_.get());
     }
-    lines += file;
-    lines += ": ";
-    append_counted(lines, result.errors, "error", "errors");
-    lines += ", ";
-    append_counted(lines, result.warnings, "warning", "warnings");
-    lines += ", ";
-    append_counted(lines, result.remarks, "remark", "remarks");
-    lines += '\n';
-    out_.write(lines.data(), static_cast<std::streamsize>(lines.size()));
+    char* at = room(used, file.size() + 3 * (11 + 10) + 2 * 2 + 3);
+    at = put(at, file);
+    at = put(at, ": ");
+    at = put_counted(at, result.errors, "error", "errors");
+    at = put(at, ", ");
+    at = put_counted(at, result.warnings, "warning", "warnings");
+    at = put(at, ", ");
+    at = put_counted(at, result.remarks, "remark", "remarks");
+    *at++ = '\n';
+    used = static_cast<std::size_t>(at - lines_.get());
+    out_.write(lines_.get(), static_cast<std::streamsize>(used));
     // A file of very many messages does not keep its room for the rest.
-    if (lines.capacity() > (std::size_t(1) << 20)) std::string().swap(lines);
+    if (capacity_ > (std::size_t(1) << 20)) {
+        lines_.reset();
+        capacity_ = 0;
+    }
+}
+
+char* CheckReport::room(std::size_t used, std::size_t n) {
+    if (used + n > capacity_) {
+        const std::size_t capacity = std::max({std::size_t(4096), 2 * capacity_, used + n});
+        std::unique_ptr<char[]> grown(new char[capacity]);
+        if (used > 0) std::memcpy(grown.get(), lines_.get(), used);
+        lines_ = std::move(grown);
+        capacity_ = capacity;
+    }
+    return lines_.get() + used;
+}
+
+char* CheckReport::put_message(char* at, std::string_view file, const CifError& message,
+                               const CifErrorMessageRuns* runs) {
+    at = put(at, file);
+    *at++ = ':';
+    at = put_number(at, message.line());
+    at = put(at, ": ");
+    at = put(at, kind_text(message.type()));
+    at = put(at, " [");
+    at = put_number(at, message.id());
+    at = put(at, "]: ");
+    const std::string& text = message.text();
+    const std::string& detail = message.detail();
+    if (runs == nullptr || !plain(text) || !plain(detail)) {
+        // The rare message: made as a text, escaped where it needs it.
+        const std::string formatted = terminal_text(CifErrorCatalogue::format(message.id(), text, detail));
+        const std::size_t used = static_cast<std::size_t>(at - lines_.get());
+        at = put(room(used, formatted.size() + 1), formatted);
+    } else {
+        // The catalogue's messages are printable ASCII: with a plain text
+        // and detail the whole line is, and needs no escapes.
+        at = put(at, runs->runs[0]);
+        for (int gap = 0; gap < 2 && runs->fills[gap] != 0; ++gap) {
+            at = put(at, runs->fills[gap] == 1 ? text : detail);
+            at = put(at, runs->runs[gap + 1]);
+        }
+    }
+    *at++ = '\n';
+    return at;
 }
 
 void CheckReport::end() {

@@ -2,9 +2,12 @@
 // Writes tessary-check's results as text lines or as one JSON document.
 #pragma once
 
+#include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 
+#include "cif/CifErrorCatalogue.hpp"
 #include "tools/FileCheck.hpp"
 
 // Writes check results as text lines or as one JSON document.
@@ -34,7 +37,15 @@ private:
     long warnings_ = 0;
     long remarks_ = 0;
     long unreadable_ = 0;
+    // Room for n more bytes of a file's lines after the first used ones.
+    char* room(std::size_t used, std::size_t n);
+    // Appends one message's line from at (its catalogue message split
+    // beforehand, or null) and returns its end.
+    char* put_message(char* at, std::string_view file, const CifError& message,
+                      const CifErrorMessageRuns* runs);
+
     // A file's lines, put together here and written at once (kept from file
     // to file, so that a file's report costs no allocation).
-    std::string lines_;
+    std::unique_ptr<char[]> lines_;
+    std::size_t capacity_ = 0;
 };

@@ -21,12 +21,17 @@ const char* const kCapProblem =
 
 }  // namespace
 
+FileCheck::FileCheck(FileCheckSettings settings) : settings_(std::move(settings)) {
+    if (settings_.dictionary != nullptr)
+        sole_dictionary_ = SharedDictionary::sole_dictionary(*settings_.dictionary);
+}
+
 FileCheckResult FileCheck::check(const std::string& file, THandle<Cif>* keep) const {
     FileCheckResult result;
     result.file = file;
     THandle<CifDictionary> dictionary;
     if (settings_.dictionary != nullptr)
-        dictionary = THandle<CifDictionary>(new SharedDictionary(*settings_.dictionary));
+        dictionary = THandle<CifDictionary>(new SharedDictionary(*settings_.dictionary, sole_dictionary_));
     const CifDocumentCheck check(dictionary, settings_.check);
     THandle<Cif> document;
     if (file == "-") {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cif/Cif.hpp"
+#include "cif/CifConcreteDictionary.hpp"
 #include "cif/CifDictionary.hpp"
 #include "cif/CifDocumentCheck.hpp"
 #include "tools/FileCheckResult.hpp"
@@ -20,7 +21,7 @@ struct FileCheckSettings {
 // the CIF library and collects its messages and counts.
 class FileCheck {
 public:
-    explicit FileCheck(FileCheckSettings settings) : settings_(std::move(settings)) {}
+    explicit FileCheck(FileCheckSettings settings);
 
     // keep, when given, receives the document instead of its being freed
     // here (a process about to end need not free it piece by piece).
@@ -28,4 +29,7 @@ public:
 
 private:
     FileCheckSettings settings_;
+    // The one dictionary settings_.dictionary is or holds alone, or null:
+    // found once, not for every file.
+    const CifConcreteDictionary* sole_dictionary_ = nullptr;
 };

@@ -52,6 +52,28 @@ TEST(CifErrorCatalogue, MessagesFillInTextAndDetail) {
     EXPECT_EQ(ranked.type(), CifError::error);
 }
 
+// The split messages the report prints from give, put together, what
+// format() gives, for every code; codes outside the catalogue have none.
+TEST(CifErrorCatalogue, SplitMessagesPutTogetherAreTheFormattedOnes) {
+    for (const CifErrorCatalogueEntry& entry : CifErrorCatalogue::entries()) {
+        const CifErrorMessageRuns* split = CifErrorCatalogue::runs(entry.code);
+        ASSERT_NE(split, nullptr) << entry.code;
+        const std::string text = "<text>", detail = "<detail>";
+        std::string joined(split->runs[0]);
+        for (int gap = 0; gap < 2 && split->fills[gap] != 0; ++gap) {
+            joined += split->fills[gap] == 1 ? text : detail;
+            joined += split->runs[gap + 1];
+        }
+        EXPECT_EQ(joined, CifErrorCatalogue::format(entry.code, text, detail)) << entry.code;
+        EXPECT_EQ(split->size, split->runs[0].size() + split->runs[1].size() + split->runs[2].size());
+        std::string appended = "kept: ";
+        CifErrorCatalogue::append_format(appended, entry.code, text, detail);
+        EXPECT_EQ(appended, "kept: " + joined);
+    }
+    for (const int outside : {0, 299, 385, 999})
+        EXPECT_EQ(CifErrorCatalogue::runs(outside), nullptr) << outside;
+}
+
 TEST(CifErrorCatalogue, ContainerCountsEachType) {
     CifErrorContainer container;
     EXPECT_TRUE(container.empty());

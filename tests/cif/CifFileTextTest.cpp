@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 
@@ -44,6 +45,14 @@ TEST_F(CifFileText, ReadsEveryByteOfRegularFilesOfAnySize) {
         EXPECT_EQ(cif_read_file(write("f.cif", bytes), text, 16), CifFileRead::read);
         EXPECT_EQ(text, bytes) << bytes.size();
     }
+    // A file whose size says less than it holds (the kernel's own files say
+    // none) is read on to its end.
+    std::ifstream stream("/proc/self/cmdline", std::ios::binary);
+    const std::string expected((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    std::string text;
+    ASSERT_FALSE(expected.empty());
+    EXPECT_EQ(cif_read_file("/proc/self/cmdline", text, 16), CifFileRead::read);
+    EXPECT_EQ(text, expected);
 }
 
 TEST_F(CifFileText, TellsDirectoriesAndMissingFilesApartAndReadsDevicesAndPipesUpToTheCap) {

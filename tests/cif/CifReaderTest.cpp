@@ -368,6 +368,25 @@ TEST(CifReader, CommentsAreKeptWithWhatTheyDescribe) {
     EXPECT_EQ(block->comments(CifCommentable::following_comment), "# end");
 }
 
+TEST(CifReader, CommentLinesBeforeAnItemAreJoinedByLineEndsWhateverLiesBetweenThem) {
+    const struct {
+        const char* text;
+        const char* comments;
+    } cases[] = {
+        {"data_a\n# one\n# two\n# three\n_a 1\n", "# one\n# two\n# three"},
+        {"data_a\n# one\n\n# two\n_a 1\n", "# one\n# two"},
+        {"data_a\r\n# one\r\n# two\r\n_a 1\r\n", "# one\n# two"},
+        {"data_a\n# one\n   # two\n# three\n_a 1\n", "# one\n# two\n# three"},
+        {"data_a\n# one\n#\n# three\n_a 1\n", "# one\n#\n# three"},
+    };
+    for (const auto& c : cases) {
+        THandle<Cif> cif = read(c.text);
+        THandle<CifDataItem> item = cif->block(0)->find("_a");
+        ASSERT_FALSE(item.is_null()) << c.text;
+        EXPECT_EQ(item->comments(), c.comments) << c.text;
+    }
+}
+
 TEST(CifReader, BlockAtLineCoversEachBlockUpToTheNext) {
     THandle<Cif> cif = read("# lead\n\ndata_a\n_a 1\n\ndata_b\n_b 2\n# tail\n");
     auto name_at = [&](int line) {

@@ -282,4 +282,26 @@ TEST(SpacegroupOperators, TripletsSharedBetweenListsAreReadAlikeAndAloneUnreadab
     EXPECT_EQ(sorted_ops({"x,y,z", " -x,-y,-z+1/3 "}), first);
 }
 
+TEST(SpacegroupOperators, OperationsAreTheSameWhetherTheGroupOrTheOperationsAreAskedFirst) {
+    // Entries made directly, not shared through of(): each asked in its own order.
+    const std::vector<std::vector<std::string_view>> lists = {
+        {"x,y,z", "-x,-y,-z", "x+1/2,y+1/2,z", "-x+1/2,-y+1/2,-z"},  // centred, centrosymmetric
+        {"x,y,z", "-y,x-y,z+1/3", "-x+y,-x,z+2/3"},                  // P 31
+        {"x,y,z", "x,y,z+1/2", "-x,-y,z"},                           // a pure shift among them
+        {"x, y, z", "-X, Y+1/2, -Z", "a,b,c"},                       // read by the library
+        {"x,y,z", "-x,-y"},                                          // unreadable
+        {"'x,y,z'", "'-x,-y,z'"},                                    // quoted
+    };
+    for (const std::vector<std::string_view>& list : lists) {
+        const SpacegroupOperators operations_first(list), group_first(list);
+        const gemmi::GroupOps* expected = operations_first.operations();
+        EXPECT_EQ(group_first.group(0).symbol, operations_first.group(0).symbol) << list[1];
+        const gemmi::GroupOps* ops = group_first.operations();
+        ASSERT_EQ(ops == nullptr, expected == nullptr) << list[1];
+        if (ops == nullptr) continue;
+        EXPECT_EQ(ops->sym_ops, expected->sym_ops) << list[1];
+        EXPECT_EQ(ops->cen_ops, expected->cen_ops) << list[1];
+    }
+}
+
 }  // namespace

@@ -8,9 +8,11 @@
 #include <fstream>
 #include <sstream>
 
+#include "tests/cif/DictionaryTestSupport.hpp"
 #include "tools/CheckOptions.hpp"
 #include "tools/CheckReport.hpp"
 #include "tools/DictionaryFiles.hpp"
+#include "tools/SharedDictionary.hpp"
 
 namespace {
 
@@ -135,6 +137,104 @@ TEST(CheckReport, TextForTheTerminalEscapesEveryControlCharacterAndKeepsTheRest)
     result.io_problem = "gone\x1b";
     report.add(result);
     EXPECT_EQ(problems.str(), "odd\\u001b]0;title\\u0007.cif: cannot read: gone\\u001b\n");
+}
+
+// Each line of the text report is the file, line, kind, code and message as
+// CifError gives them, with whatever the file put into the text or the
+// detail escaped; so many lines that the report's room grows on the way.
+TEST(CheckReport, TextLinesAreTheMessagesWithTheirTextAndDetailEscaped) {
+    struct Case {
+        CifError error;
+        const char* shown;  // the message as printed
+    };
+    const std::string long_name = "_" + std::string(40, 'n');
+    const std::vector<Case> cases{
+        {CifError(CifError::duplicate_data_name, 9, "_cell_length_a", "4"),
+         "Duplicate data name _cell_length_a, first at line: 4"},
+        {CifError(CifError::parent_value_missing, 12, "_atom_site_label", "C1\x1b[2J"), nullptr},
+        {CifError(CifError::parent_value_missing, 12, "_a", std::string("x\x1by")),
+         "Value x\\u001by of _a has no matching row in its parent item"},
+        {CifError(CifError::undefined_data_name, 3, long_name, "; did you mean " + long_name + "\x7f?"),
+         nullptr},
+        {CifError(CifError::byte_order_mark, 1), "Byte-order mark ignored"},
+        {CifError(static_cast<CifError::ErrorID>(999), 7, "odd\x01"), "Message 999: odd\\u0001"},
+        {CifError(CifError::line_too_long, CifError::error, 123456, "", "80"),
+         "Line is longer than 80 characters"},
+    };
+    FileCheckResult result;
+    result.file = "many.cif";
+    std::string expected;
+    for (int round = 0; round < 60; ++round) {
+        for (const Case& c : cases) {
+            result.messages.push_back(c.error);
+            const std::string shown =
+                c.shown != nullptr ? c.shown : CheckReport::terminal_text(c.error.message());
+            expected += "many.cif:" + std::to_string(c.error.line()) + ": " +
+                        CheckReport::kind_name(c.error.type()) + " [" + std::to_string(c.error.id()) +
+                        "]: " + shown + "\n";
+        }
+    }
+    result.errors = 2;
+    result.remarks = 1;
+    expected += "many.cif: 2 errors, 0 warnings, 1 remark\n";
+    std::ostringstream out, problems;
+    CheckReport report(out, problems, false);
+    report.add(result);
+    EXPECT_EQ(out.str(), expected);
+    EXPECT_EQ(out.str().find('\x1b'), std::string::npos);
+    EXPECT_EQ(out.str().find('\x7f'), std::string::npos);
+    // The room kept from the last file serves the next.
+    result.messages.erase(result.messages.begin() + 1, result.messages.end());
+    std::ostringstream again, none;
+    CheckReport second(again, none, false);
+    second.add(result);
+    second.add(result);
+    const std::string one =
+        "many.cif:9: error [312]: Duplicate data name _cell_length_a, first at line: 4\n"
+        "many.cif: 2 errors, 0 warnings, 1 remark\n";
+    EXPECT_EQ(again.str(), one + one);
+}
+
+// A view of a pool of one dictionary answers from that dictionary straight;
+// its answers are the pool's, as are those of a view of a pool of two.
+TEST(SharedDictionary, AViewAnswersAsWhatItViews) {
+    THandle<CifConcreteDictionary> first = cif_test::test_dictionary();
+    THandle<CifDictionaryPool> one(new CifDictionaryPool()), two(new CifDictionaryPool());
+    one->insert(first);
+    two->insert(first);
+    two->insert(cif_test::test_dictionary());
+    const std::vector<const CifDictionary*> targets{one.get(), two.get(), first.get()};
+    for (const CifDictionary* target : targets) {
+        const SharedDictionary view(*target);
+        for (const std::string name :
+             {"_cell_length_a", "_CELL_Length_A", "_atom_site_label", "_cell_length_q", "_atom_site_lable",
+              "_cell_[]", "_nothing_like_it", "", "_"}) {
+            EXPECT_EQ(view.definition(name), target->definition(name)) << name;
+            EXPECT_EQ(view.definition_hashed(name, cif_name_hash(name)), target->definition(name)) << name;
+            EXPECT_EQ(view.is_defined(name), target->is_defined(name)) << name;
+            for (const int edits : {1, 2}) {
+                std::vector<CifDictionary::SimilarName> seen = view.similar_names(name, edits),
+                                                        wanted = target->similar_names(name, edits);
+                ASSERT_EQ(seen.size(), wanted.size()) << name;
+                for (std::size_t i = 0; i < seen.size(); ++i) {
+                    EXPECT_EQ(seen[i].name, wanted[i].name) << name;
+                    EXPECT_EQ(seen[i].edits, wanted[i].edits) << name;
+                }
+            }
+        }
+    }
+    for (const CifDictionary* target : targets) {
+        const SharedDictionary view(*target);
+        EXPECT_EQ(view.has_definitions(), target->has_definitions());
+        for (const std::string category : {"cell", "_atom_site_[]", "ATOM_SITE", "_nothing_[]"}) {
+            EXPECT_EQ(view.category_items(category), target->category_items(category)) << category;
+            EXPECT_EQ(view.mandatory_items(category), target->mandatory_items(category)) << category;
+            EXPECT_EQ(view.category_facts(category), target->category_facts(category)) << category;
+        }
+    }
+    EXPECT_FALSE(SharedDictionary(*one).category_items("atom_site").empty());
+    EXPECT_NE(SharedDictionary(*one).definition("_CELL_Length_A"), nullptr);
+    EXPECT_FALSE(SharedDictionary(*one).similar_names("_cell_length_q", 1).empty());
 }
 
 TEST(DictionaryFiles, TheEnvironmentNamesDirectoriesAndFilesBeforeTheCommandLine) {
