@@ -14,20 +14,27 @@ constexpr std::size_t field_bits = 21;  // a six-digit integer and its sign
 CifKeyOrder::CifKeyOrder(std::vector<const CifDataItem*> columns)
     : columns_(std::move(columns)), exact_(!columns_.empty() && columns_.size() * field_bits <= 64) {}
 
-void CifKeyOrder::add_rows(std::size_t first, std::size_t last, const char* text) {
+void CifKeyOrder::add_rows(std::size_t first, std::size_t last, const char* text, const char* text_end) {
     const std::size_t width = columns_.size();
     // A batch of rows at a time, each column's references side by side; the
     // first batches are small, as most keys that are no integers show it in
     // their first row.
     constexpr std::size_t batch = 1024;
     const std::size_t stride = std::min(last - first, batch);
-    std::vector<CifValueRef> refs(width * stride);
+    // On the stack, left unset, where they fit (most keys are short).
+    constexpr std::size_t small_size = 256;
+    union Small {
+        Small() {}
+        CifValueRef refs[small_size];
+    } small;
+    std::vector<CifValueRef> large(width * stride > small_size ? width * stride : 0);
+    CifValueRef* const refs = large.empty() ? small.refs : large.data();
     std::size_t size = 8;
     while (first < last && exact_) {
         const std::size_t stop = std::min(last, first + size);
         size = std::min(2 * size, batch);
         for (std::size_t c = 0; c < width; ++c)
-            columns_[c]->values().copy_refs(first, stop - first, refs.data() + c * stride);
+            columns_[c]->values().copy_refs(first, stop - first, refs + c * stride, text_end);
         for (std::size_t row = first; row < stop; ++row) {
             std::uint64_t packed[2] = {0, 0};
             for (std::size_t c = 0; c < width; ++c) {

@@ -20,8 +20,9 @@ class CifKeyOrder {
 public:
     explicit CifKeyOrder(std::vector<const CifDataItem*> columns);
 
-    // Takes rows [first, last) of the columns, whose values lie in text.
-    void add_rows(std::size_t first, std::size_t last, const char* text);
+    // Takes rows [first, last) of the columns, whose values lie in text
+    // (which ends at text_end, when given).
+    void add_rows(std::size_t first, std::size_t last, const char* text, const char* text_end = nullptr);
     // Whether the rows taken so far are shown to hold no key twice.
     bool proven_unique() const { return exact_ && (rising_[0] || falling_[0] || rising_[1] || falling_[1]); }
     const std::vector<const CifDataItem*>& columns() const { return columns_; }

@@ -17,6 +17,8 @@ class CifLoopChecker {
 public:
     CifLoopChecker(CifValueReporter& reporter, const char* text, std::size_t text_size);
 
+    // Room for this many columns, added one by one.
+    void reserve(std::size_t columns) { columns_.reserve(columns); }
     // Adds a column; columns that need no look at their values are left out.
     void add(const CifDataItem& item, const CifItemDefinition* definition);
     // Follows the order of a key's rows, to spare the check of its values'

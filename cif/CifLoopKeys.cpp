@@ -10,6 +10,10 @@
 #include <functional>
 #include <string_view>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "cif/CifKeyOrder.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifValueCheck.hpp"
@@ -43,9 +47,7 @@ std::string joined(const std::vector<std::string>& parts) {
 }
 
 // A hash of a value, eight bytes at a time (equal values, equal hashes).
-// A value whose last word may be read whole (eight bytes readable from it,
-// up to end) reads it so and masks it, which is the same word.
-std::uint64_t quick_hash(std::string_view value, const char* end = nullptr) {
+std::uint64_t quick_hash(std::string_view value) {
     std::uint64_t hash = value.size() * 0x9E3779B97F4A7C15ull;
     const char* p = value.data();
     std::size_t left = value.size();
@@ -57,17 +59,62 @@ std::uint64_t quick_hash(std::string_view value, const char* end = nullptr) {
     }
     if (left > 0) {
         std::uint64_t word = 0;
-        if (end != nullptr && end - p >= 8 && std::endian::native == std::endian::little) {
-            std::memcpy(&word, p, 8);
-            word &= (std::uint64_t(1) << (8 * left)) - 1;
-        } else {
-            std::memcpy(&word, p, left);
-        }
+        std::memcpy(&word, p, left);
         hash = (hash ^ word) * 0xFF51AFD7ED558CCDull;
     }
     hash ^= hash >> 29;
     hash *= 0xC4CEB9FE1A85EC53ull;
     return hash ^ (hash >> 32);
+}
+
+// The hash of a value of up to sixteen bytes, zero beyond its size: the
+// value's two words each multiplied, which tells values of one size apart
+// (a row's hash and the table below mix the bits further).
+std::uint64_t hash_short(std::uint64_t low, std::uint64_t high, std::size_t size) {
+    return low * 0xFF51AFD7ED558CCDull + (high + size) * 0xC4CEB9FE1A85EC53ull;
+}
+
+// The first bytes of values that need a closer look in a key: an unknown
+// or inapplicable value, an integer maybe written otherwise than plainly.
+struct ValueLookouts {
+    bool look[256] = {};
+    constexpr ValueLookouts() {
+        for (unsigned char c : {'?', '.', '+', '-', '0'}) look[c] = true;
+    }
+};
+constexpr ValueLookouts value_lookouts{};
+
+#if defined(__SSE2__)
+// Sixteen bytes kept from value_masks + 16 - size: the first size of them.
+alignas(16) constexpr unsigned char value_masks[32] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                                                       0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+
+// hash_short() of the first size (at most sixteen) of the bytes.
+std::uint64_t hash_masked(__m128i bytes, std::size_t size) {
+    const __m128i kept =
+        _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(value_masks + 16 - size)));
+    return hash_short(static_cast<std::uint64_t>(_mm_cvtsi128_si64(kept)),
+                      static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(kept, kept))), size);
+}
+#endif
+
+// A hash of a value (equal values, equal hashes), quicker than
+// quick_hash() for values of up to sixteen bytes, which are read whole
+// where sixteen bytes are readable from them, up to end, and masked.
+std::uint64_t short_hash(std::string_view value, const char* end) {
+    const std::size_t size = value.size();
+    if (size > 16) return quick_hash(value);
+#if defined(__SSE2__)
+    if (end != nullptr && end - value.data() >= 16)
+        return hash_masked(_mm_loadu_si128(reinterpret_cast<const __m128i*>(value.data())), size);
+#endif
+    (void)end;
+    char bytes[16] = {};
+    std::memcpy(bytes, value.data(), size);
+    std::uint64_t low = 0, high = 0;
+    std::memcpy(&low, bytes, 8);
+    std::memcpy(&high, bytes + 8, 8);
+    return hash_short(low, high, size);
 }
 
 // Whether the hashes (none 0) are all different, in a table of the
@@ -110,9 +157,11 @@ const CifCategoryFacts& CifLoopKeys::facts(const std::string& category) {
 std::vector<std::size_t> CifLoopKeys::named_key(const CifDataBlock::ItemList& loop,
                                                 const std::vector<const CifItemDefinition*>& definitions,
                                                 const std::string& category) const {
+    // The category's last member in the loop names the key (from the back:
+    // a loop's columns are mostly of one category).
     const CifItemDefinition* member = nullptr;
-    for (const CifItemDefinition* definition : definitions) {
-        if (definition != nullptr && definition->category == category) member = definition;
+    for (auto at = definitions.rbegin(); at != definitions.rend() && member == nullptr; ++at) {
+        if (*at != nullptr && (*at)->category == category) member = *at;
     }
     Key key;
     if (member == nullptr) return key;
@@ -263,7 +312,7 @@ void CifLoopKeys::check_key(const CifDataBlock::ItemList& loop, const Key& key, 
         }))
         return;
     CifKeyOrder order(columns);
-    order.add_rows(0, rows, text);
+    order.add_rows(0, rows, text, text + loop.front()->store()->text().size());
     if (order.proven_unique()) return;
 
     // Small integers over a small range (reflection indices in any order):
@@ -374,47 +423,89 @@ bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const 
     constexpr std::size_t most_rows = 256, most_columns = 4;
     if (rows > most_rows || key.size() > most_columns) return false;
     const std::string& whole = loop.front()->store()->text();
-    const char* text = whole.data();
-    const char* end = text + whole.size();
-    const CifDataItem* columns[most_columns];
-    bool symmetry[most_columns];
-    for (std::size_t k = 0; k < key.size(); ++k) {
-        columns[k] = loop[key[k]].get();
-        symmetry[k] = columns[k]->name().find("_site_symmetry_") != std::string::npos;
-    }
-    // The key columns' references at once, group by group (left unset
-    // beyond rows).
-    union Refs {
-        Refs() {}
-        CifValueRef column[most_columns][most_rows];
-    } refs;
-    for (std::size_t k = 0; k < key.size(); ++k) columns[k]->values().copy_refs(0, rows, refs.column[k]);
-    // One hash a row over its key values, a small integer hashed by its
-    // number: rows the checks below would take as equal, by their texts or
-    // (all values being such integers) by their numbers, hash alike.
+    const char* const text = whole.data();
+    const char* const end = text + whole.size();
+    // One hash a row over its key values, column by column. Rows the checks
+    // below would take as equal, by their texts or (all values being small
+    // integers) by their numbers, hash alike: texts alike by their bytes,
+    // and an integer written otherwise than plainly ("+1", "01", "-0") sends
+    // the loop to the full check instead.
     std::uint64_t hashes[most_rows];
-    std::size_t count = 0;
-    for (std::size_t row = 0; row < rows; ++row) {
-        std::uint64_t hash = 1469598103934665603ull;
-        bool keyed = true;
-        for (std::size_t k = 0; k < key.size() && keyed; ++k) {
-            const CifDataItem& item = *columns[k];
-            const CifValueRef ref = refs.column[k][row];
-            const std::string_view value =
-                ref.added() ? item.value_view(row) : std::string_view(text + ref.offset, ref.length());
-            // Rows without a key value are left out, as the full check does.
-            const bool null = value.size() == 1 && (value[0] == '?' || value[0] == '.') && !ref.quoted();
-            keyed = !null || (symmetry[k] && value[0] == '.');
+    bool keyed[most_rows];
+    std::fill(hashes, hashes + rows, 1469598103934665603ull);
+    std::fill(keyed, keyed + rows, true);
+    bool doubtful = false;
+    for (std::size_t k = 0; k < key.size() && !doubtful; ++k) {
+        const CifDataItem& item = *loop[key[k]];
+        const bool symmetry = item.name().find("_site_symmetry_") != std::string::npos;
+        // A value whose first byte may make it no key value or an integer
+        // written otherwise gets a closer look; rows without a key value
+        // are left out, as the full check does.
+        auto look = [&](std::size_t row, std::string_view value, bool quoted) {
+            const char first = value[0];
+            if (value.size() == 1 && (first == '?' || first == '.') && !quoted && !(symmetry && first == '.'))
+                keyed[row] = false;
             std::int64_t number = 0;
-            const std::uint64_t part = CifKeyOrder::small_integer(value, number)
-                                           ? static_cast<std::uint64_t>(number) * 0x9E3779B97F4A7C15ull
-                                           : quick_hash(value, ref.added() ? nullptr : end) | 1;
-            hash = (hash ^ part) * 1099511628211ull;
-        }
-        if (keyed) hashes[count++] = hash + (hash == 0);
+            if ((first == '+' || (first == '0' && value.size() > 1) ||
+                 (first == '-' && value.size() > 1 && value[1] == '0')) &&
+                CifKeyOrder::small_integer(value, number))
+                doubtful = true;
+        };
+        auto take = [&](std::size_t row, std::string_view value, bool quoted, std::uint64_t hash) {
+            if (!value.empty() && value_lookouts.look[static_cast<unsigned char>(value[0])])
+                look(row, value, quoted);
+            hashes[row] = (hashes[row] ^ hash) * 1099511628211ull;
+        };
+        auto any = [&](std::size_t row, std::string_view value, bool quoted, const char* readable_end) {
+            take(row, value, quoted, short_hash(value, readable_end));
+        };
+        item.values().visit(
+            0, rows,
+            [&](std::size_t row, std::uint32_t offset) {
+                // A word kept in two bytes is read once: sixteen bytes hold
+                // its end and, masked, what short_hash() hashes.
+                const char* at = text + offset;
+#if defined(__SSE2__)
+                if (end - at >= 16) {
+                    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+                    const __m128i stops =
+                        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')),
+                                                  _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\t'))),
+                                     _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')),
+                                                  _mm_cmpeq_epi8(bytes, _mm_setzero_si128())));
+                    const auto found = static_cast<unsigned>(_mm_movemask_epi8(stops));
+                    if (found != 0) {
+                        const auto size = static_cast<std::size_t>(std::countr_zero(found));
+                        take(row, std::string_view(at, size), false, hash_masked(bytes, size));
+                        return;
+                    }
+                }
+#endif
+                any(row, std::string_view(at, CifValueColumn::word_length(at)), false, end);
+            },
+            [&](std::size_t row, CifValueRef ref) {
+                if (ref.added()) {
+                    any(row, item.value_view(row), ref.quoted(), nullptr);
+                    return;
+                }
+                const std::string_view value(text + ref.offset, ref.length());
+#if defined(__SSE2__)
+                if (value.size() <= 16 && end - value.data() >= 16) {
+                    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(value.data()));
+                    take(row, value, ref.quoted(), hash_masked(bytes, value.size()));
+                    return;
+                }
+#endif
+                any(row, value, ref.quoted(), end);
+            });
     }
+    if (doubtful) return false;
     // A few rows are compared pair by pair, without a table to clear.
-    if (count <= 16) {
+    if (rows <= 16) {
+        std::size_t count = 0;
+        for (std::size_t row = 0; row < rows; ++row) {
+            if (keyed[row]) hashes[count++] = hashes[row];
+        }
         for (std::size_t i = 1; i < count; ++i) {
             for (std::size_t j = 0; j < i; ++j) {
                 if (hashes[i] == hashes[j]) return false;
@@ -422,10 +513,22 @@ bool CifLoopKeys::distinct_small_loop(const CifDataBlock::ItemList& loop, const 
         }
         return true;
     }
+    // Else a table of twice as many slots as rows, probed in turn (a hash
+    // of 0 counts as 1, which at worst sends a loop to the full check).
     std::uint64_t slots[2 * most_rows];
-    std::size_t size = 16;
-    while (size < 2 * count) size *= 2;
-    return all_distinct(hashes, count, slots, size);
+    std::size_t size = 32;
+    while (size < 2 * rows) size *= 2;
+    std::fill(slots, slots + size, 0);
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (!keyed[row]) continue;
+        const std::uint64_t hash = hashes[row] + (hashes[row] == 0);
+        std::size_t at = (hash ^ (hash >> 29)) & (size - 1);
+        for (; slots[at] != 0; at = (at + 1) & (size - 1)) {
+            if (slots[at] == hash) return false;
+        }
+        slots[at] = hash;
+    }
+    return true;
 }
 
 bool CifLoopKeys::report(const CifDataBlock::ItemList& loop, const Key& key, std::size_t row,

@@ -337,14 +337,19 @@ std::unique_ptr<CifLoopChecker> CifReader::loop_checker(const CifDataBlock& bloc
                                                         const std::vector<THandle<CifDataItem>>& columns) {
     if (!checks_values()) return nullptr;
     auto checker = std::make_unique<CifLoopChecker>(reporter(), store_->text().data(), store_->text().size());
+    checker->reserve(columns.size());
     std::vector<const CifItemDefinition*> definitions;
     definitions.reserve(columns.size());
-    std::vector<bool> taken(columns.size());
+    // Columns whose name the block or an earlier column has (their hashes
+    // ignore case as the names' comparison does, so only equal hashes need it).
+    std::vector<char> taken(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string& name = columns[i]->name();
-        definitions.push_back(cif_.dictionary_->definition_hashed(name, columns[i]->name_hash()));
+        const std::uint64_t hash = columns[i]->name_hash();
+        definitions.push_back(cif_.dictionary_->definition_hashed(name, hash));
         taken[i] = !block.find_same_name(*columns[i]).is_null();
-        for (std::size_t j = 0; j < i && !taken[i]; ++j) taken[i] = cif_iequals(columns[j]->name(), name);
+        for (std::size_t j = 0; j < i && !taken[i]; ++j)
+            taken[i] = columns[j]->name_hash() == hash && cif_iequals(columns[j]->name(), name);
         if (!taken[i]) checker->add(*columns[i], definitions[i]);
     }
     // The block's check takes the keys and definitions from here, even of a

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <new>
 #include <utility>
+
+#include "cif/CifTextScan.hpp"
 #if defined(__linux__)
 #include <sys/mman.h>
 #endif
@@ -209,7 +211,8 @@ void CifValueColumn::resume() {
     store.base = group.base;
 }
 
-void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef* out) const {
+void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef* out,
+                               const char* text_end) const {
     if (store_ == nullptr) {
         if (size_ <= 1) {
             if (count > 0) out[0] = single_;
@@ -219,6 +222,13 @@ void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef
         return;
     }
     const Store& store = *store_;
+    if (text_end == nullptr && text_ != nullptr && count > 0) {
+        // Without the text's end, where the column's last value ends bounds
+        // what may be read at once: the text holds that byte (a word's stop,
+        // a closing quote or the text's final NUL).
+        const CifValueRef final_value = store.at(size_ - 1, text_);
+        if (!final_value.added()) text_end = text_ + final_value.offset + final_value.length();
+    }
     const std::size_t last = first + count;
     for (std::size_t n = first; n < last;) {
         const Group& group = store.groups[n >> group_bits];
@@ -226,6 +236,16 @@ void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef
         if (group.wide != compact) {
             const CifValueRef* refs = store.wide[group.wide - 1].data();
             for (; n < stop; ++n) *out++ = refs[n & (group_size - 1)];
+        } else if (text_end != nullptr) {
+            const std::uint16_t* distances = store.chunks[n >> chunk_bits].get() + (n & (chunk_size - 1));
+            for (; n < stop; ++n) {
+                CifValueRef ref;
+                ref.offset = group.base + *distances++;
+                const char* word = text_ + ref.offset;
+                const char* word_end = cif_to_word_stop(word, text_end);
+                ref.bits = static_cast<std::uint32_t>(word_end - word) + word_length(word_end);
+                *out++ = ref;
+            }
         } else {
             for (; n < stop; ++n) {
                 CifValueRef ref;

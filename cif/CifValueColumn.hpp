@@ -2,6 +2,7 @@
 // The values of one data item, plain values of long columns kept in two bytes each.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -61,7 +62,37 @@ public:
         return size_ <= 1 ? single_ : small()[n];
     }
     // Copies the references of the values first to first + count - 1 to out.
-    void copy_refs(std::size_t first, std::size_t count, CifValueRef* out) const;
+    // The ends of the words kept in two bytes are found sixteen bytes at a
+    // time up to the end of the column's text, when given, or else up to the
+    // end of its last value (beyond that a byte at a time).
+    void copy_refs(std::size_t first, std::size_t count, CifValueRef* out,
+                   const char* text_end = nullptr) const;
+
+    // Visits the values first to first + count - 1 in order: word(n, offset)
+    // for a plain word kept in two bytes (its length is where the word ends
+    // in text(), which the caller finds only if it needs it), full(n, ref)
+    // for any other value.
+    template <class Word, class Full>
+    void visit(std::size_t first, std::size_t count, Word&& word, Full&& full) const {
+        if (store_ == nullptr) {
+            const CifValueRef* refs = size_ <= 1 ? &single_ : small();
+            for (std::size_t n = first; n < first + count; ++n) full(n, refs[n]);
+            return;
+        }
+        const Store& store = *store_;
+        const std::size_t last = first + count;
+        for (std::size_t n = first; n < last;) {
+            const Group& group = store.groups[n >> group_bits];
+            const std::size_t stop = std::min(last, ((n >> group_bits) + 1) << group_bits);
+            if (group.wide != compact) {
+                const CifValueRef* refs = store.wide[group.wide - 1].data();
+                for (; n < stop; ++n) full(n, refs[n & (group_size - 1)]);
+            } else {
+                const std::uint16_t* distances = store.chunks[n >> chunk_bits].get() + (n & (chunk_size - 1));
+                for (; n < stop; ++n) word(n, group.base + *distances++);
+            }
+        }
+    }
 
     void push_back(CifValueRef ref) { push(ref, false); }
     // The fast path of the reader: a plain value of this column's text,

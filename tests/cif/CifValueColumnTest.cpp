@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -43,15 +44,33 @@ void expect_same(const CifValueColumn& column, const std::vector<CifValueRef>& r
         ASSERT_EQ(column[n].offset, refs[n].offset) << n;
         ASSERT_EQ(column[n].bits, refs[n].bits) << n;
     }
-    // The same through copies of runs that start and end inside groups.
+    // The same through copies of runs that start and end inside groups,
+    // with and without the text's end, and through visits of them.
+    const char* text_end = column.text() == nullptr ? nullptr : column.text() + std::strlen(column.text());
     for (std::size_t first : {std::size_t(0), std::size_t(3), CifValueColumn::group_size - 1}) {
         if (first >= refs.size()) continue;
-        std::vector<CifValueRef> out(refs.size() - first);
-        column.copy_refs(first, out.size(), out.data());
-        for (std::size_t n = 0; n < out.size(); ++n) {
-            ASSERT_EQ(out[n].offset, refs[first + n].offset) << first << " " << n;
-            ASSERT_EQ(out[n].bits, refs[first + n].bits) << first << " " << n;
+        for (const char* end : {static_cast<const char*>(nullptr), text_end}) {
+            std::vector<CifValueRef> out(refs.size() - first);
+            column.copy_refs(first, out.size(), out.data(), end);
+            for (std::size_t n = 0; n < out.size(); ++n) {
+                ASSERT_EQ(out[n].offset, refs[first + n].offset) << first << " " << n;
+                ASSERT_EQ(out[n].bits, refs[first + n].bits) << first << " " << n;
+            }
         }
+        std::size_t next = first;
+        column.visit(
+            first, refs.size() - first,
+            [&](std::size_t n, std::uint32_t offset) {
+                ASSERT_EQ(n, next++);
+                ASSERT_EQ(offset, refs[n].offset) << n;
+                ASSERT_EQ(CifValueColumn::word_length(column.text() + offset), refs[n].bits) << n;
+            },
+            [&](std::size_t n, CifValueRef ref) {
+                ASSERT_EQ(n, next++);
+                ASSERT_EQ(ref.offset, refs[n].offset) << n;
+                ASSERT_EQ(ref.bits, refs[n].bits) << n;
+            });
+        ASSERT_EQ(next, refs.size());
     }
 }
 
@@ -269,6 +288,35 @@ TEST(CifValueColumn, ShortColumnsKeepEveryValueThroughEditsAndGrowth) {
         column.clear();
         EXPECT_EQ(column.size(), 0u);
         EXPECT_EQ(column.heap_bytes(), 0u);
+    }
+}
+
+TEST(CifValueColumn, WordEndsAreFoundAlikeWithTheTextsEnd) {
+    // Words shorter and longer than the sixteen bytes read at once, ended by
+    // each kind of white space, the last one by the text's end.
+    const std::size_t g = CifValueColumn::group_size;
+    for (std::size_t length :
+         {std::size_t(1), std::size_t(15), std::size_t(16), std::size_t(17), std::size_t(40)}) {
+        std::string text;
+        std::vector<CifValueRef> refs;
+        for (std::size_t n = 0; n < 2 * g + 9; ++n) {
+            std::string word = std::to_string(n);
+            word.resize(std::max(length, word.size()), 'x');
+            refs.push_back(
+                ref_of(static_cast<std::uint32_t>(text.size()), static_cast<std::uint32_t>(word.size())));
+            text += word;
+            if (n + 1 < 2 * g + 9) text += " \t\n"[n % 3];
+        }
+        CifValueColumn column(text.c_str());
+        for (const CifValueRef& ref : refs) column.push_plain(ref);
+        SCOPED_TRACE(length);
+        expect_same(column, refs);
+        // A last value that lies before others in the text (an edit) bounds
+        // the quick reads of a copy without the text's end.
+        const std::size_t last_group = (refs.size() - 1) / g * g;
+        column.set(refs.size() - 1, refs[last_group]);
+        refs.back() = refs[last_group];
+        expect_same(column, refs);
     }
 }
 
