@@ -3,6 +3,7 @@
 #include "cif/CifBlockValidator.hpp"
 
 #include <algorithm>
+#include <array>
 #include <unordered_set>
 
 #include "cif/CifLoopChecker.hpp"
@@ -96,7 +97,28 @@ void CifBlockValidator::check_parents(const CifDataBlock& block) {
     }
 }
 
-std::string CifBlockValidator::suggestion(const std::string& name) const {
+std::string CifBlockValidator::suggestion(const CifDataItem& item) const {
+    // The suggestions made on this thread, by dictionary and name, in a
+    // fixed number of places (the name's hash picks one): files checked one
+    // after another lack the same few names.
+    struct Remembered {
+        std::uint64_t serial = 0;
+        std::string name;
+        std::string text;
+    };
+    thread_local std::array<Remembered, 128> remembered;
+    const std::uint64_t serial = dictionary_.serial();
+    if (serial == 0) return find_suggestion(item.name());
+    Remembered& place = remembered[(item.name_hash() >> 7) % remembered.size()];
+    if (place.serial == serial && place.name == item.name()) return place.text;
+    std::string text = find_suggestion(item.name());
+    place.serial = serial;
+    place.name = item.name();
+    place.text = text;
+    return text;
+}
+
+std::string CifBlockValidator::find_suggestion(const std::string& name) const {
     // Short names are near too many others: one edit for them, two for the rest.
     const std::size_t letters = name.size() > 0 ? name.size() - 1 : 0;
     const int edits = letters >= 8 ? 2 : letters >= 4 ? 1 : 0;
@@ -129,7 +151,7 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
     if (definition == nullptr) {
         if (!dictionary_.is_defined(item.name())) {
             if (names_)
-                sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item.name()));
+                sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item));
             return;
         }
     } else {
@@ -156,6 +178,7 @@ void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDe
     // Both lists are put together as they are found, without a list of names.
     std::string replacements, present;
     bool replaced = false;
+    const bool aliases = dictionary_.has_aliases();
     auto append = [](std::string& list, const std::string& name) {
         if (!list.empty()) list += ", ";
         list += name;
@@ -169,6 +192,7 @@ void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDe
             append(present, related.name);
             continue;
         }
+        if (!aliases) continue;
         const CifItemDefinition* replacement = dictionary_.definition(related.name);
         if (replacement == nullptr) continue;
         for (const std::string& alias : replacement->aliases) {
@@ -194,7 +218,7 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
             known != nullptr ? (*known)[i] : dictionary_.definition_hashed(item->name(), item->name_hash());
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
-            sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(item->name()));
+            sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(*item));
         if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;

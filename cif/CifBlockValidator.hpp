@@ -67,7 +67,8 @@ private:
     const std::vector<std::string>& mandatory_items(const std::string& category);
     // "; did you mean _cell_length_b?" for a name the dictionary lacks, or
     // empty when no defined name is near it.
-    std::string suggestion(const std::string& name) const;
+    std::string suggestion(const CifDataItem& item) const;
+    std::string find_suggestion(const std::string& name) const;
 
     CifValueReporter& reporter_;
     const CifDictionary& dictionary_;
