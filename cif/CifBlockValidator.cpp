@@ -150,8 +150,7 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
     const CifItemDefinition* definition = dictionary_.definition_hashed(item.name(), item.name_hash());
     if (definition == nullptr) {
         if (!dictionary_.is_defined(item.name())) {
-            if (names_)
-                sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item));
+            if (names_) sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item));
             return;
         }
     } else {

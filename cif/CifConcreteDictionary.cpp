@@ -83,8 +83,9 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
             break;
     }
     gather_facts();
-    has_aliases_ = std::any_of(definitions_.begin(), definitions_.end(),
-                               [](const CifItemDefinition& definition) { return !definition.aliases.empty(); });
+    has_aliases_ =
+        std::any_of(definitions_.begin(), definitions_.end(),
+                    [](const CifItemDefinition& definition) { return !definition.aliases.empty(); });
     store_ = std::make_unique<CifDictionaryStore>(std::move(definitions_));
     std::vector<CifItemDefinition>().swap(definitions_);
     build_lookup();
