@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "cif/CifLoopChecker.hpp"
+#include "cif/CifNamePool.hpp"
 #include "cif/CifNames.hpp"
 
 namespace {
@@ -150,7 +151,7 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
     const CifItemDefinition* definition = dictionary_.definition_hashed(item.name(), item.name_hash());
     if (definition == nullptr) {
         if (!dictionary_.is_defined(item.name())) {
-            if (names_) sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item));
+            if (names_) add(CifError::undefined_data_name, item.line(), item, suggestion(item));
             return;
         }
     } else {
@@ -201,9 +202,22 @@ void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDe
         }
     }
     if (!replaced) return;
-    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), std::move(replacements));
-    if (!present.empty())
-        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), std::move(present));
+    add(CifError::obsolete_data_name, item.line(), item, std::move(replacements));
+    if (!present.empty()) add(CifError::obsolete_beside_replacement, item.line(), item, std::move(present));
+}
+
+void CifBlockValidator::add(CifError::ErrorID id, int line, const CifDataItem& item, std::string detail) {
+    if (sink_.full()) {
+        sink_.add(id, line);  // records that messages were dropped
+        return;
+    }
+    // An item's name is the process's copy unless the process had no room
+    // for it (then it never has), which the pool's answer tells.
+    const CifKeptName* kept = CifNamePool::find_shared(item.name(), item.name_hash());
+    if (kept != nullptr && &kept->text == &item.name())
+        sink_.add(id, line, *kept, std::move(detail));
+    else
+        sink_.add(id, line, item.name(), std::move(detail));
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
@@ -217,7 +231,7 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
             known != nullptr ? (*known)[i] : dictionary_.definition_hashed(item->name(), item->name_hash());
         definitions.push_back(definition);
         if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
-            sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(*item));
+            add(CifError::undefined_data_name, item->line(), *item, suggestion(*item));
         if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;

@@ -53,6 +53,8 @@ public:
 
 private:
     void validate_single(const CifDataItem& item);
+    // Adds a message whose text is the item's name.
+    void add(CifError::ErrorID id, int line, const CifDataItem& item, std::string detail);
     void validate_loop(const CifDataBlock::ItemList& loop);
     void check_replaced(const CifDataItem& item, const CifItemDefinition& definition);
     // The messages of an item whose definition names a replacement (kept
