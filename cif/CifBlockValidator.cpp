@@ -159,7 +159,7 @@ std::string CifBlockValidator::find_suggestion(const std::string& name) const {
 void CifBlockValidator::validate_single(const CifDataItem& item) {
     const CifItemDefinition* definition = dictionary_.definition_hashed(item.name(), item.name_hash());
     if (definition == nullptr) {
-        if (!dictionary_.is_defined(item.name())) {
+        if (dictionary_.defines_by_definitions() || !dictionary_.is_defined(item.name())) {
             if (names_) add(CifError::undefined_data_name, item.line(), item, suggestion(item));
             return;
         }
@@ -232,7 +232,8 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         const CifItemDefinition* definition =
             known != nullptr ? (*known)[i] : dictionary_.definition_hashed(item->name(), item->name_hash());
         definitions.push_back(definition);
-        if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
+        if (definition == nullptr && names_ &&
+            (dictionary_.defines_by_definitions() || !dictionary_.is_defined(item->name())))
             add(CifError::undefined_data_name, item->line(), *item, suggestion(*item));
         if (definition != nullptr && names_) check_replaced(*item, *definition);
     }

@@ -69,6 +69,7 @@ public:
                                                std::uint64_t name_hash) const override;
     bool has_definitions() const override { return definition_count() > 0; }
     bool has_aliases() const override { return has_aliases_; }
+    bool defines_by_definitions() const override { return true; }
     std::string name() const override { return descriptor_.name; }
     std::vector<std::string> categories() const override { return categories_; }
     std::vector<std::string> category_items(const std::string& category) const override;

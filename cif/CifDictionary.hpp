@@ -52,6 +52,11 @@ public:
         return definition(data_name);
     }
 
+    // Whether definition() answers for every name is_defined() accepts, so
+    // that a name without a definition is known to be undefined without
+    // asking again (true for dictionaries read from files).
+    virtual bool defines_by_definitions() const { return false; }
+
     // Whether a definition may give other names of its item (aliases);
     // false when none does (DDL1), and a search under them can be skipped.
     virtual bool has_aliases() const { return true; }

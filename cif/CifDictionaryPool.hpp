@@ -39,6 +39,8 @@ public:
                                                std::uint64_t name_hash) const override;
     bool has_definitions() const override;
     bool has_aliases() const override;
+    // Its members are dictionaries read from files, which do.
+    bool defines_by_definitions() const override { return true; }
     // A pool of one answers as its member does; several members may each be
     // read again, so their answers are not kept (0).
     std::uint64_t serial() const override { return members_.size() == 1 ? members_.front()->serial() : 0; }
