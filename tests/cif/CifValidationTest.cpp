@@ -111,6 +111,7 @@ TEST(CifValidation, SuggestionsFollowTheDictionaryAskedAlsoForANameAskedBefore) 
         {"first again", {}, b, "; did you mean _cell_length_b?"},
         {"a pool of both", {}, both, "; did you mean _cell_length_b or _cell_length_c?"},
         {"another dictionary read from the same text", {}, again, "; did you mean _cell_length_b?"},
+        {"first once more", {}, b, "; did you mean _cell_length_b?"},
         {"the first read again with other names",
          [&] {
              std::istringstream stream(definitions({"_cell_length_a", "_cell_length_d"}));
