@@ -3,9 +3,11 @@
 #include "cif/CifBlockValidator.hpp"
 
 #include <algorithm>
+#include <array>
 #include <unordered_set>
 
 #include "cif/CifLoopChecker.hpp"
+#include "cif/CifNamePool.hpp"
 #include "cif/CifNames.hpp"
 
 namespace {
@@ -96,7 +98,28 @@ void CifBlockValidator::check_parents(const CifDataBlock& block) {
     }
 }
 
-std::string CifBlockValidator::suggestion(const std::string& name) const {
+std::string CifBlockValidator::suggestion(const CifDataItem& item) const {
+    // The suggestions made on this thread, by dictionary and name, in a
+    // fixed number of places (the name's hash picks one): files checked one
+    // after another lack the same few names.
+    struct Remembered {
+        std::uint64_t serial = 0;
+        std::string name;
+        std::string text;
+    };
+    thread_local std::array<Remembered, 128> remembered;
+    const std::uint64_t serial = dictionary_.serial();
+    if (serial == 0) return find_suggestion(item.name());
+    Remembered& place = remembered[(item.name_hash() >> 7) % remembered.size()];
+    if (place.serial == serial && place.name == item.name()) return place.text;
+    std::string text = find_suggestion(item.name());
+    place.serial = serial;
+    place.name = item.name();
+    place.text = text;
+    return text;
+}
+
+std::string CifBlockValidator::find_suggestion(const std::string& name) const {
     // Short names are near too many others: one edit for them, two for the rest.
     const std::size_t letters = name.size() > 0 ? name.size() - 1 : 0;
     const int edits = letters >= 8 ? 2 : letters >= 4 ? 1 : 0;
@@ -124,12 +147,20 @@ std::string CifBlockValidator::suggestion(const std::string& name) const {
     return text + "?";
 }
 
+// Inline in both callers: it runs for every defined item.
+[[gnu::always_inline]] inline void CifBlockValidator::check_replaced(const CifDataItem& item,
+                                                                     const CifItemDefinition& definition) {
+    // Most definitions replace nothing: told before anything is made.
+    if (std::any_of(definition.related.begin(), definition.related.end(),
+                    [](const CifItemDefinition::Related& related) { return is_replacement(related); }))
+        report_replaced(item, definition);
+}
+
 void CifBlockValidator::validate_single(const CifDataItem& item) {
     const CifItemDefinition* definition = dictionary_.definition_hashed(item.name(), item.name_hash());
     if (definition == nullptr) {
-        if (!dictionary_.is_defined(item.name())) {
-            if (names_)
-                sink_.add(CifError::undefined_data_name, item.line(), item.name(), suggestion(item.name()));
+        if (dictionary_.defines_by_definitions() || !dictionary_.is_defined(item.name())) {
+            if (names_) add(CifError::undefined_data_name, item.line(), item, suggestion(item));
             return;
         }
     } else {
@@ -145,17 +176,11 @@ void CifBlockValidator::validate_single(const CifDataItem& item) {
     if (values_) reporter_.check_all(item, definition);
 }
 
-void CifBlockValidator::check_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
-    // Most definitions replace nothing: told before anything is made.
-    if (std::any_of(definition.related.begin(), definition.related.end(),
-                    [](const CifItemDefinition::Related& related) { return is_replacement(related); }))
-        report_replaced(item, definition);
-}
-
 void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDefinition& definition) {
     // Both lists are put together as they are found, without a list of names.
     std::string replacements, present;
     bool replaced = false;
+    const bool aliases = dictionary_.has_aliases();
     auto append = [](std::string& list, const std::string& name) {
         if (!list.empty()) list += ", ";
         list += name;
@@ -169,6 +194,7 @@ void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDe
             append(present, related.name);
             continue;
         }
+        if (!aliases) continue;
         const CifItemDefinition* replacement = dictionary_.definition(related.name);
         if (replacement == nullptr) continue;
         for (const std::string& alias : replacement->aliases) {
@@ -178,9 +204,22 @@ void CifBlockValidator::report_replaced(const CifDataItem& item, const CifItemDe
         }
     }
     if (!replaced) return;
-    sink_.add(CifError::obsolete_data_name, item.line(), item.name(), std::move(replacements));
-    if (!present.empty())
-        sink_.add(CifError::obsolete_beside_replacement, item.line(), item.name(), std::move(present));
+    add(CifError::obsolete_data_name, item.line(), item, std::move(replacements));
+    if (!present.empty()) add(CifError::obsolete_beside_replacement, item.line(), item, std::move(present));
+}
+
+void CifBlockValidator::add(CifError::ErrorID id, int line, const CifDataItem& item, std::string detail) {
+    if (sink_.full()) {
+        sink_.add(id, line);  // records that messages were dropped
+        return;
+    }
+    // An item's name is the process's copy unless the process had no room
+    // for it (then it never has), which the pool's answer tells.
+    const CifKeptName* kept = CifNamePool::find_shared(item.name(), item.name_hash());
+    if (kept != nullptr && &kept->text == &item.name())
+        sink_.add(id, line, *kept, std::move(detail));
+    else
+        sink_.add(id, line, item.name(), std::move(detail));
 }
 
 void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
@@ -193,8 +232,9 @@ void CifBlockValidator::validate_loop(const CifDataBlock::ItemList& loop) {
         const CifItemDefinition* definition =
             known != nullptr ? (*known)[i] : dictionary_.definition_hashed(item->name(), item->name_hash());
         definitions.push_back(definition);
-        if (definition == nullptr && names_ && !dictionary_.is_defined(item->name()))
-            sink_.add(CifError::undefined_data_name, item->line(), item->name(), suggestion(item->name()));
+        if (definition == nullptr && names_ &&
+            (dictionary_.defines_by_definitions() || !dictionary_.is_defined(item->name())))
+            add(CifError::undefined_data_name, item->line(), *item, suggestion(*item));
         if (definition != nullptr && names_) check_replaced(*item, *definition);
     }
     if (!values_) return;

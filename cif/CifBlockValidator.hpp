@@ -53,6 +53,8 @@ public:
 
 private:
     void validate_single(const CifDataItem& item);
+    // Adds a message whose text is the item's name.
+    void add(CifError::ErrorID id, int line, const CifDataItem& item, std::string detail);
     void validate_loop(const CifDataBlock::ItemList& loop);
     void check_replaced(const CifDataItem& item, const CifItemDefinition& definition);
     // The messages of an item whose definition names a replacement (kept
@@ -67,7 +69,8 @@ private:
     const std::vector<std::string>& mandatory_items(const std::string& category);
     // "; did you mean _cell_length_b?" for a name the dictionary lacks, or
     // empty when no defined name is near it.
-    std::string suggestion(const std::string& name) const;
+    std::string suggestion(const CifDataItem& item) const;
+    std::string find_suggestion(const std::string& name) const;
 
     CifValueReporter& reporter_;
     const CifDictionary& dictionary_;

@@ -68,6 +68,7 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
     facts_.clear();
     facts_lookup_.clear();
     similar_memo_ = std::make_unique<SimilarMemo>();
+    renew_serial();
     std::size_t before = errors.is_null() ? 0 : errors->size();
     language_ = language_of(text);
     switch (language_) {
@@ -82,6 +83,9 @@ bool CifConcreteDictionary::read_text(std::string text, const std::string& direc
             break;
     }
     gather_facts();
+    has_aliases_ =
+        std::any_of(definitions_.begin(), definitions_.end(),
+                    [](const CifItemDefinition& definition) { return !definition.aliases.empty(); });
     store_ = std::make_unique<CifDictionaryStore>(std::move(definitions_));
     std::vector<CifItemDefinition>().swap(definitions_);
     build_lookup();

@@ -68,6 +68,8 @@ public:
     const CifItemDefinition* definition_hashed(const std::string& data_name,
                                                std::uint64_t name_hash) const override;
     bool has_definitions() const override { return definition_count() > 0; }
+    bool has_aliases() const override { return has_aliases_; }
+    bool defines_by_definitions() const override { return true; }
     std::string name() const override { return descriptor_.name; }
     std::vector<std::string> categories() const override { return categories_; }
     std::vector<std::string> category_items(const std::string& category) const override;
@@ -109,6 +111,7 @@ private:
     Language language_ = Language::ddl1;
     std::vector<std::string> import_directories_;
     bool explanations_kept_ = true;
+    bool has_aliases_ = false;
 
     // A definition's data name, from whichever holds the definitions.
     std::string_view name_at(std::size_t index) const {

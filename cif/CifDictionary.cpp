@@ -2,8 +2,15 @@
 // The interface of a source of data-name definitions that documents are checked against.
 #include "cif/CifDictionary.hpp"
 
+#include <atomic>
+
 #include "cif/CifNames.hpp"
 #include "cif/CifValueCheck.hpp"
+
+std::uint64_t CifDictionary::next_serial() {
+    static std::atomic<std::uint64_t> last{0};
+    return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
 
 int CifDictionary::check_value(const std::string& data_name, const std::string& value, bool looped) const {
     const CifItemDefinition* found = definition(data_name);

@@ -19,7 +19,20 @@ class CifDictionary {
 public:
     using Enumeration = CifEnumeration;
 
+    CifDictionary() : serial_(next_serial()) {}
+    // A copy is another dictionary: it gets a number of its own.
+    CifDictionary(const CifDictionary&) : serial_(next_serial()) {}
+    CifDictionary& operator=(const CifDictionary&) {
+        serial_ = next_serial();
+        return *this;
+    }
     virtual ~CifDictionary() = default;
+
+    // A number given to no other dictionary of the process, renewed when the
+    // dictionary's answers may change (read again): what is remembered of
+    // its answers is kept under it. A view of another dictionary gives that
+    // one's number; 0 says that its answers are not to be kept.
+    virtual std::uint64_t serial() const { return serial_; }
 
     // Whether the dictionary defines the data name (with its leading
     // underscore), compared without regard to case.
@@ -38,6 +51,15 @@ public:
         (void)name_hash;
         return definition(data_name);
     }
+
+    // Whether definition() answers for every name is_defined() accepts, so
+    // that a name without a definition is known to be undefined without
+    // asking again (true for dictionaries read from files).
+    virtual bool defines_by_definitions() const { return false; }
+
+    // Whether a definition may give other names of its item (aliases);
+    // false when none does (DDL1), and a search under them can be skipped.
+    virtual bool has_aliases() const { return true; }
 
     // Whether documents are checked against this dictionary at all: false
     // for a dictionary that defines nothing (an empty pool), which readers
@@ -105,4 +127,12 @@ public:
 
     // "atom_site" for "_atom_site_[]", "_atom_site" or "atom_site".
     static std::string plain_category_name(const std::string& category);
+
+protected:
+    // For a dictionary whose answers change (read again).
+    void renew_serial() { serial_ = next_serial(); }
+
+private:
+    static std::uint64_t next_serial();
+    std::uint64_t serial_;
 };

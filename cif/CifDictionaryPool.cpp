@@ -37,6 +37,11 @@ const CifItemDefinition* CifDictionaryPool::definition_hashed(const std::string&
     return nullptr;
 }
 
+bool CifDictionaryPool::has_aliases() const {
+    return std::any_of(members_.begin(), members_.end(),
+                       [](const THandle<CifConcreteDictionary>& member) { return member->has_aliases(); });
+}
+
 bool CifDictionaryPool::has_definitions() const {
     return std::any_of(members_.begin(), members_.end(), [](const THandle<CifConcreteDictionary>& member) {
         return member->has_definitions();

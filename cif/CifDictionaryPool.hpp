@@ -38,6 +38,12 @@ public:
     const CifItemDefinition* definition_hashed(const std::string& data_name,
                                                std::uint64_t name_hash) const override;
     bool has_definitions() const override;
+    bool has_aliases() const override;
+    // Its members are dictionaries read from files, which do.
+    bool defines_by_definitions() const override { return true; }
+    // A pool of one answers as its member does; several members may each be
+    // read again, so their answers are not kept (0).
+    std::uint64_t serial() const override { return members_.size() == 1 ? members_.front()->serial() : 0; }
     std::string name() const override;
     // The members' categories in member order, each name once.
     std::vector<std::string> categories() const override;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cif/CifErrorCatalogue.hpp"
+#include "cif/CifNamePool.hpp"
 
 namespace {
 
@@ -21,7 +22,14 @@ CifError::CifError(ErrorID id, int line, std::string text, std::string detail)
 CifError::CifError(ErrorID id, ErrorType type, int line, std::string text, std::string detail)
     : id_(id), type_(type), line_(line), text_(std::move(text)), detail_(std::move(detail)) {}
 
-std::string CifError::message() const { return CifErrorCatalogue::format(id_, text_, detail_); }
+CifError::CifError(ErrorID id, int line, const CifKeptName& kept_text, std::string detail)
+    : id_(id),
+      type_(catalogue_type(id)),
+      line_(line),
+      detail_(std::move(detail)),
+      kept_text_(&kept_text.text) {}
+
+std::string CifError::message() const { return CifErrorCatalogue::format(id_, text(), detail_); }
 
 std::string CifError::complete_message() const {
     return std::string(type_name(type_)) + ": Line " + std::to_string(line_) + " : " + message();

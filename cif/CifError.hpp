@@ -4,6 +4,8 @@
 
 #include <string>
 
+struct CifKeptName;
+
 // One message produced by reading or checking a CIF: a code from the error
 // catalogue, the 1-based line it refers to, the data name or token it is
 // about (text) and an optional detail that the catalogue's message shows.
@@ -106,12 +108,34 @@ public:
     CifError(ErrorID id, int line, std::string text = {}, std::string detail = {});
     // The same with an explicit type, for callers that rank a code otherwise.
     CifError(ErrorID id, ErrorType type, int line, std::string text = {}, std::string detail = {});
+    // The first with a data name the process keeps for its whole life
+    // (CifNamePool) as the text, which the message then refers to rather
+    // than copies: most messages are about such a name.
+    CifError(ErrorID id, int line, const CifKeptName& kept_text, std::string detail = {});
+    CifError(const CifError&) = default;
+    CifError& operator=(const CifError&) = default;
+    // Moves leave empty texts where they are: a moved empty string still
+    // copies its buffer, and messages are moved several times (sorted).
+    CifError(CifError&& other) noexcept
+        : id_(other.id_), type_(other.type_), line_(other.line_), kept_text_(other.kept_text_) {
+        if (!other.text_.empty()) text_ = std::move(other.text_);
+        if (!other.detail_.empty()) detail_ = std::move(other.detail_);
+    }
+    CifError& operator=(CifError&& other) noexcept {
+        id_ = other.id_;
+        type_ = other.type_;
+        line_ = other.line_;
+        kept_text_ = other.kept_text_;
+        if (!other.text_.empty() || !text_.empty()) text_ = std::move(other.text_);
+        if (!other.detail_.empty() || !detail_.empty()) detail_ = std::move(other.detail_);
+        return *this;
+    }
 
     ErrorID id() const { return id_; }
     ErrorType type() const { return type_; }
     int line() const { return line_; }
     void set_line(int line) { line_ = line; }
-    const std::string& text() const { return text_; }
+    const std::string& text() const { return kept_text_ != nullptr ? *kept_text_ : text_; }
     const std::string& detail() const { return detail_; }
 
     // The short text for the error list, e.g. "Created non-standard data item _x".
@@ -128,4 +152,5 @@ private:
     int line_;
     std::string text_;
     std::string detail_;
+    const std::string* kept_text_ = nullptr;  // in place of text_ when set
 };

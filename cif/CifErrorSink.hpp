@@ -22,6 +22,15 @@ public:
         errors_.emplace_back(id, line, std::move(text), std::move(detail));
     }
 
+    // A message whose text is a name the process keeps (see CifError).
+    void add(CifError::ErrorID id, int line, const CifKeptName& kept_text, std::string detail) {
+        if (errors_.size() >= limit_) {
+            overflowed_ = true;
+            return;
+        }
+        errors_.emplace_back(id, line, kept_text, std::move(detail));
+    }
+
     void add(CifError error) {
         if (errors_.size() >= limit_) {
             overflowed_ = true;

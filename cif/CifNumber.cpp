@@ -10,11 +10,8 @@
 
 namespace {
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
-// The length of the number part (sign, mantissa, exponent) at the start of
-// text, with the position of the mantissa's last digit and the exponent; 0
-// when text does not start with a number.
+// The number part (sign, mantissa, exponent) at the start of a text: its
+// length, the position of the mantissa's last digit and the exponent.
 struct Shape {
     std::size_t length = 0;
     int decimals = 0;  // digits after the point
@@ -25,10 +22,15 @@ struct Shape {
     std::size_t digits = 0;
 };
 
-Shape number_shape(std::string_view text) {
-    Shape shape;
-    const char* p = text.data();
-    const char* const end = p + text.size();
+// classify() with the shape it found (filled only for a number). One pass
+// over the text, kept inline in both callers: most values are short, and
+// the call and copies of a shape cost as much as the digits.
+[[gnu::always_inline]] inline CifNumber::Status classify_shape(std::string_view text, bool& has_uncertainty,
+                                                               Shape& shape) {
+    has_uncertainty = false;
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    const char* p = begin;
     if (p != end && (*p == '+' || *p == '-')) ++p;
     // Digits are told by one unsigned comparison.
     auto digit = [](char c) { return static_cast<unsigned>(c - '0'); };
@@ -36,42 +38,36 @@ Shape number_shape(std::string_view text) {
     const char* const first_digit = p;
     while (p != end && digit(*p) < 10) mantissa = mantissa * 10 + digit(*p++);
     std::size_t digits = static_cast<std::size_t>(p - first_digit);
+    int decimals = 0;
     if (p != end && *p == '.') {
         const char* const first_decimal = ++p;
         while (p != end && digit(*p) < 10) mantissa = mantissa * 10 + digit(*p++);
-        shape.decimals = static_cast<int>(p - first_decimal);
-        digits += static_cast<std::size_t>(shape.decimals);
+        decimals = static_cast<int>(p - first_decimal);
+        digits += static_cast<std::size_t>(decimals);
     }
-    if (digits == 0) return Shape();
-    shape.mantissa = mantissa;  // wrapped around beyond 19 digits: not used then
-    shape.digits = digits;
+    if (digits == 0) return CifNumber::Status::not_a_number;
+    long exponent = 0;
     if (p != end && (*p == 'e' || *p == 'E')) {
         const char* q = p + 1;
         bool negative = false;
         if (q != end && (*q == '+' || *q == '-')) negative = *q++ == '-';
         const char* const first = q;
-        long exponent = 0;
         for (; q != end && digit(*q) < 10; ++q)
             if (exponent < 100000) exponent = exponent * 10 + digit(*q);
-        if (q == first) return Shape();  // "1e" is not a number
-        shape.exponent = negative ? -exponent : exponent;
+        if (q == first) return CifNumber::Status::not_a_number;  // "1e" is not a number
+        if (negative) exponent = -exponent;
         p = q;
     }
-    shape.length = static_cast<std::size_t>(p - text.data());
-    return shape;
-}
-
-// classify() with the shape it found.
-CifNumber::Status classify_shape(std::string_view text, bool& has_uncertainty, Shape& shape) {
-    has_uncertainty = false;
-    shape = number_shape(text);
-    if (shape.length == 0) return CifNumber::Status::not_a_number;
-    if (shape.length == text.size()) return CifNumber::Status::ok;
-    if (text[shape.length] != '(') return CifNumber::Status::not_a_number;
-    std::size_t i = shape.length + 1;
-    std::size_t first = i;
-    while (i < text.size() && is_digit(text[i])) ++i;
-    if (i == first || i + 1 != text.size() || text[i] != ')') return CifNumber::Status::bad_uncertainty;
+    shape.length = static_cast<std::size_t>(p - begin);
+    shape.decimals = decimals;
+    shape.exponent = exponent;
+    shape.mantissa = mantissa;  // wrapped around beyond 19 digits: not used then
+    shape.digits = digits;
+    if (p == end) return CifNumber::Status::ok;
+    if (*p != '(') return CifNumber::Status::not_a_number;
+    const char* const first = ++p;
+    while (p != end && digit(*p) < 10) ++p;
+    if (p == first || p + 1 != end || *p != ')') return CifNumber::Status::bad_uncertainty;
     has_uncertainty = true;
     return CifNumber::Status::ok;
 }

@@ -123,17 +123,25 @@ NumberVerdict number_verdict(const CifItemDefinition& definition, std::string_vi
     const bool may_fall_short =
         definition.has_minimum && (definition.minimum > 0.0 || (!value.empty() && value.front() == '-'));
     const bool read_value = definition.has_range && (may_fall_short || definition.has_maximum);
-    CifNumber number;
-    if (read_value) {
-        number = CifNumber::parse(value);
-    } else {
-        number.status = CifNumber::classify(value, number.has_uncertainty);
+    if (!read_value) {
+        bool has_uncertainty = false;
+        switch (CifNumber::classify(value, has_uncertainty)) {
+            case CifNumber::Status::not_a_number:
+                return NumberVerdict::not_a_number;
+            case CifNumber::Status::bad_uncertainty:
+                return NumberVerdict::bad_uncertainty;
+            case CifNumber::Status::ok:
+                break;
+        }
+        return has_uncertainty && definition.uncertainty == CifItemDefinition::Uncertainty::none
+                   ? NumberVerdict::uncertainty_not_allowed
+                   : NumberVerdict::fits;
     }
+    const CifNumber number = CifNumber::parse(value);
     if (number.status == CifNumber::Status::not_a_number) return NumberVerdict::not_a_number;
     if (number.status == CifNumber::Status::bad_uncertainty) return NumberVerdict::bad_uncertainty;
     if (number.has_uncertainty && definition.uncertainty == CifItemDefinition::Uncertainty::none)
         return NumberVerdict::uncertainty_not_allowed;
-    if (!read_value) return NumberVerdict::fits;
     double slack = 3.0 * number.uncertainty;
     if ((definition.has_minimum && number.value + slack < definition.minimum) ||
         (definition.has_maximum && number.value - slack > definition.maximum))

@@ -34,12 +34,22 @@ char* put_number(char* at, long number) {
         return put(at, std::string_view(digits, static_cast<std::size_t>(end - digits)));
     }
     const int count = number < 10 ? 1 : number < 100 ? 2 : number < 1000 ? 3 : number < 10000 ? 4 : 5;
+    // Two digits at a time from a table of the pairs "00" to "99".
+    static constexpr char pairs[] =
+        "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+        "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+        "8081828384858687888990919293949596979899";
     char* const end = at + count;
     char* digit = end;
-    do {
-        *--digit = static_cast<char>('0' + number % 10);
-        number /= 10;
-    } while (number != 0);
+    for (; number >= 100; number /= 100) {
+        digit -= 2;
+        std::memcpy(digit, pairs + 2 * (number % 100), 2);
+    }
+    if (number >= 10) {
+        std::memcpy(digit - 2, pairs + 2 * number, 2);
+    } else {
+        digit[-1] = static_cast<char>('0' + number);
+    }
     return end;
 }
 

@@ -37,6 +37,13 @@ public:
     bool has_definitions() const override {
         return only_ != nullptr ? only_->CifConcreteDictionary::has_definitions() : target_.has_definitions();
     }
+    bool has_aliases() const override {
+        return only_ != nullptr ? only_->CifConcreteDictionary::has_aliases() : target_.has_aliases();
+    }
+    bool defines_by_definitions() const override {
+        return only_ != nullptr || target_.defines_by_definitions();
+    }
+    std::uint64_t serial() const override { return only_ != nullptr ? only_->serial() : target_.serial(); }
     int check_value(const std::string& name, const std::string& value, bool looped) const override {
         return target_.check_value(name, value, looped);
     }

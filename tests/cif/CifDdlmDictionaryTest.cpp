@@ -146,6 +146,32 @@ TEST(CifDdlmDictionary, OlderNamesFindTheSameDefinitionAndCategoriesKeepTheirOrd
               (std::vector<std::string>{"_atom_type.symbol", "_atom_type_symbol"}));
 }
 
+TEST(CifDictionary, AliasesAreToldWhereSomeDefinitionGivesThem) {
+    THandle<CifConcreteDictionary> ddl1 = cif_test::test_dictionary();
+    auto pool = [](std::vector<THandle<CifConcreteDictionary>> members) {
+        THandle<CifDictionaryPool> result(new CifDictionaryPool());
+        for (const THandle<CifConcreteDictionary>& member : members) result->insert(member);
+        return result;
+    };
+    struct Case {
+        const char* what;
+        const CifDictionary& dictionary;
+        bool aliases;
+    };
+    THandle<CifDictionaryPool> empty = pool({}), ddl1_only = pool({ddl1}), mixed = pool({ddl1, ddlm()});
+    const CifConcreteDictionary unread;
+    const Case cases[] = {
+        {"DDL1", *ddl1, false},
+        {"DDLm", *ddlm(), true},
+        {"DDL2", *ddl2(), true},
+        {"nothing read", unread, false},
+        {"empty pool", *empty, false},
+        {"pool of DDL1", *ddl1_only, false},
+        {"pool of DDL1 and DDLm", *mixed, true},
+    };
+    for (const Case& c : cases) EXPECT_EQ(c.dictionary.has_aliases(), c.aliases) << c.what;
+}
+
 TEST(CifDdlmDictionary, ValuesAreCheckedByContentsPurposeRangeAndState) {
     struct Case {
         const char* text;

@@ -8,6 +8,8 @@
 
 #include "cif/CifCharacters.hpp"
 #include "cif/CifErrorCatalogue.hpp"
+#include "cif/CifNamePool.hpp"
+#include "cif/CifNames.hpp"
 #include "tests/cif/CifTestSupport.hpp"
 
 namespace {
@@ -84,6 +86,40 @@ TEST(CifErrorCatalogue, ContainerCountsEachType) {
     EXPECT_EQ(container.errors_of_type(CifError::error), 1);
     EXPECT_EQ(container.errors_of_type(CifError::remark), 0);
     EXPECT_EQ((container.begin() + 1)->line(), 2);
+}
+
+TEST(CifError, MessagesKeepTheirTextsThroughCopiesAndMovesOntoAnyOther) {
+    // A message may refer to a name the process keeps, own its text, or
+    // have none; moves leave empty texts alone. Each onto each, every way.
+    const std::string kept_name = "_cell_measurement_temperature";
+    const CifKeptName* kept = CifNamePool::find_shared(kept_name, cif_name_hash(kept_name));
+    ASSERT_NE(kept, nullptr);
+    const CifError originals[] = {
+        CifError(CifError::obsolete_data_name, 3, *kept, "_cell_measurement_temperature_new"),
+        CifError(CifError::undefined_data_name, 4, "_a_name_of_its_own_beyond_a_short_one", ""),
+        CifError(CifError::undefined_data_name, 5, "_short", "; did you mean _shirt?"),
+        CifError(CifError::no_data_blocks, 1),
+    };
+    auto same = [](const CifError& a, const CifError& b) {
+        return a.id() == b.id() && a.type() == b.type() && a.line() == b.line() && a.text() == b.text() &&
+               a.detail() == b.detail();
+    };
+    EXPECT_EQ(originals[0].text(), kept_name);
+    EXPECT_EQ(originals[0].message(),
+              "Data name _cell_measurement_temperature is obsolete; use _cell_measurement_temperature_new");
+    for (const CifError& source : originals) {
+        for (const CifError& target : originals) {
+            CifError copied = target;
+            copied = source;
+            EXPECT_TRUE(same(copied, source)) << source.line() << " copied onto " << target.line();
+            CifError moved = target;
+            CifError from = source;
+            moved = std::move(from);
+            EXPECT_TRUE(same(moved, source)) << source.line() << " moved onto " << target.line();
+            CifError made(std::move(moved));
+            EXPECT_TRUE(same(made, source)) << source.line() << " moved into a new one";
+        }
+    }
 }
 
 TEST(CifErrorCatalogue, TheDocumentationListsEveryCodeAsTheLibraryDoes) {

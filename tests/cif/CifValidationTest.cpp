@@ -7,7 +7,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -57,7 +59,7 @@ TEST(CifValidation, AMisspeltNameIsOfferedTheNearestDefinedNames) {
         {"_refln_xF_squared_meas", "; did you mean _refln_F_squared_meas?"},
         {"_refln_vrF_squared_meas", ""},  // two edits away, but "_vrf" within, in any case
         {"_refln_VRF_squared_meas", ""},
-        {"_celx", ""},               // too short to guess at
+        {"_celx", ""},  // too short to guess at
     };
     for (const Case& c : cases) {
         THandle<Cif> cif = read_checked(std::string("data_a\n") + c.name + " 5.0\n");
@@ -71,6 +73,64 @@ TEST(CifValidation, AMisspeltNameIsOfferedTheNearestDefinedNames) {
     ASSERT_EQ(looped->errors()->size(), 1u);
     EXPECT_EQ((*looped->errors())[0].message(),
               "Created non-standard data item _atom_site_ocupancy; did you mean _atom_site_occupancy?");
+}
+
+TEST(CifValidation, SuggestionsFollowTheDictionaryAskedAlsoForANameAskedBefore) {
+    // Suggestions are remembered per thread under the dictionary: the same
+    // misspelt name, asked of dictionaries in turn, gets each one's answer.
+    auto definitions = [](std::vector<std::string> names) {
+        std::string text;
+        for (const std::string& name : names) text += "data" + name + "\n_name '" + name + "'\n_type numb\n";
+        return text;
+    };
+    THandle<CifErrorContainer> errors(new CifErrorContainer());
+    THandle<CifConcreteDictionary> b =
+        cif_test::dictionary_from_text(definitions({"_cell_length_b"}), errors);
+    THandle<CifConcreteDictionary> c =
+        cif_test::dictionary_from_text(definitions({"_cell_length_c"}), errors);
+    THandle<CifConcreteDictionary> again =
+        cif_test::dictionary_from_text(definitions({"_cell_length_b"}), errors);
+    ASSERT_TRUE(errors->empty());
+    THandle<CifDictionaryPool> both(new CifDictionaryPool());
+    both->insert(b);
+    both->insert(c);
+    auto suggestion = [](THandle<CifDictionary> dictionary) {
+        THandle<Cif> cif(new Cif(dictionary));
+        cif->read_text("data_a\n_cell_length_x 5.0\n", CifParserSettings());
+        return cif->errors()->size() == 1 ? (*cif->errors())[0].detail() : std::string("?");
+    };
+    struct Case {
+        const char* what;
+        std::function<void()> before;  // a change to the dictionaries, if any
+        THandle<CifDictionary> dictionary;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"first dictionary", {}, b, "; did you mean _cell_length_b?"},
+        {"second dictionary", {}, c, "; did you mean _cell_length_c?"},
+        {"first again", {}, b, "; did you mean _cell_length_b?"},
+        {"a pool of both", {}, both, "; did you mean _cell_length_b or _cell_length_c?"},
+        {"another dictionary read from the same text", {}, again, "; did you mean _cell_length_b?"},
+        {"first once more", {}, b, "; did you mean _cell_length_b?"},
+        {"the first read again with other names",
+         [&] {
+             std::istringstream stream(definitions({"_cell_length_a", "_cell_length_d"}));
+             b->read(stream, errors, nullptr);
+         },
+         b, "; did you mean _cell_length_a or _cell_length_d?"},
+        {"the pool after its member changed",
+         {},
+         both,
+         "; did you mean _cell_length_a, _cell_length_d or _cell_length_c?"},
+        {"a dictionary without the name's neighbours",
+         {},
+         cif_test::dictionary_from_text(definitions({"_made_up"}), errors),
+         ""},
+    };
+    for (const Case& step : cases) {
+        if (step.before) step.before();
+        EXPECT_EQ(suggestion(step.dictionary), step.expected) << step.what;
+    }
 }
 
 TEST(CifEditDistance, CountsInsertionsRemovalsReplacementsAndSwapsUpToTheBound) {
@@ -419,6 +479,51 @@ TEST(CifNumber, ReadsValueUncertaintyAndLastDigit) {
     EXPECT_EQ(CifNumber::parse("1.2(").status, CifNumber::Status::bad_uncertainty);
     EXPECT_EQ(CifNumber::parse("x1").status, CifNumber::Status::not_a_number);
     EXPECT_EQ(CifNumber::parse("").status, CifNumber::Status::not_a_number);
+}
+
+TEST(CifNumber, OddFormsAreToldAlikeByClassifyAndParse) {
+    using Status = CifNumber::Status;
+    struct Case {
+        const char* text;
+        Status status;
+        bool uncertainty;
+        double value;  // for a number
+    };
+    const Case cases[] = {
+        {"+.5", Status::ok, false, 0.5},
+        {"-.5e1", Status::ok, false, -5.0},
+        {"5.", Status::ok, false, 5.0},
+        {"5.E-1", Status::ok, false, 0.5},
+        {"007", Status::ok, false, 7.0},
+        {"1e+2(3)", Status::ok, true, 100.0},
+        {"-0(1)", Status::ok, true, -0.0},
+        {".", Status::not_a_number, false, 0},
+        {"+", Status::not_a_number, false, 0},
+        {"-.", Status::not_a_number, false, 0},
+        {"1e", Status::not_a_number, false, 0},
+        {"1e-", Status::not_a_number, false, 0},
+        {"1e(2)", Status::not_a_number, false, 0},
+        {"1.2.3", Status::not_a_number, false, 0},
+        {"1 ", Status::not_a_number, false, 0},
+        {"1(", Status::bad_uncertainty, false, 0},
+        {"1()", Status::bad_uncertainty, false, 0},
+        {"1(2", Status::bad_uncertainty, false, 0},
+        {"1(2))", Status::bad_uncertainty, false, 0},
+        {"1(2)3", Status::bad_uncertainty, false, 0},
+        {"1(-2)", Status::bad_uncertainty, false, 0},
+        {"1(2.0)", Status::bad_uncertainty, false, 0},
+    };
+    for (const Case& c : cases) {
+        bool classified_uncertainty = !c.uncertainty;
+        EXPECT_EQ(CifNumber::classify(c.text, classified_uncertainty), c.status) << c.text;
+        const CifNumber number = CifNumber::parse(c.text);
+        EXPECT_EQ(number.status, c.status) << c.text;
+        if (c.status != Status::ok) continue;
+        EXPECT_EQ(classified_uncertainty, c.uncertainty) << c.text;
+        EXPECT_EQ(number.has_uncertainty, c.uncertainty) << c.text;
+        EXPECT_EQ(number.value, c.value) << c.text;
+        EXPECT_EQ(std::signbit(number.value), std::signbit(c.value)) << c.text;
+    }
 }
 
 TEST(CifNumber, TheUnitOfTheLastDigitIsThePowerOfTenTheMathLibraryGives) {
