@@ -40,6 +40,10 @@ public:
         return target_->definition_hashed(name, hash);
     }
     bool has_definitions() const override { return target_->has_definitions(); }
+    // A view answers as what it views, and remembers under its number.
+    std::uint64_t serial() const override { return target_->serial(); }
+    bool defines_by_definitions() const override { return target_->defines_by_definitions(); }
+    bool has_aliases() const override { return target_->has_aliases(); }
     int check_value(const std::string& name, const std::string& value, bool looped) const override {
         return target_->check_value(name, value, looped);
     }
