@@ -15,6 +15,7 @@
 #endif
 
 #include "cif/CifKeyOrder.hpp"
+#include "cif/CifLoopKeysMemo.hpp"
 #include "cif/CifNames.hpp"
 #include "cif/CifValueCheck.hpp"
 
@@ -257,7 +258,15 @@ const std::vector<Key>& CifLoopKeys::remembered_keys(
         return entry->keys;
     // A block of very many loops keeps only its last ones.
     if (known_.size() >= 64) known_.erase(known_.begin());
-    known_.push_back({loop, definitions, keys(loop, definitions)});
+    // Loops of the same names were met in earlier documents of the thread.
+    const std::uint64_t serial = dictionary_.serial();
+    CifLoopKeysMemo& memo = CifLoopKeysMemo::of_thread();
+    if (const CifLoopKeysMemo::Keys* kept = memo.find(serial, loop, definitions)) {
+        known_.push_back({loop, definitions, *kept});
+    } else {
+        known_.push_back({loop, definitions, keys(loop, definitions)});
+        memo.keep(serial, loop, definitions, known_.back().keys);
+    }
     return known_.back().keys;
 }
 
