@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The keys of loops worked out before, kept per thread by the loops' data names and their dictionary.
+// The keys of loops worked out before, kept per thread by their data names and dictionary.
 #pragma once
 
 #include <array>
