@@ -559,6 +559,17 @@ void CifDataBlock::set_write_order(const std::vector<std::string>& tags, Orderin
 bool CifDataBlock::add_item(THandle<CifDataItem> item) {
     // The item's name comes with its hash, for the search and the index.
     const std::uint64_t hash = item->name_hash();
+    if (contents_ != nullptr && !has_records()) {
+        // An indexed block: one probe finds the name or the place for it.
+        Contents& c = *contents_;
+        if (!c.index.empty()) {
+            std::size_t slot = 0;
+            if (c.index.find_slot(c.order, item->name(), hash, slot) != CifNameIndex::npos) return false;
+            c.order.push_back(std::move(item));
+            c.index.add_at(c.order, c.order.size() - 1, slot);
+            return true;
+        }
+    }
     if (!lookup(item->name(), &hash).is_null()) return false;
     Contents& c = contents();
     // Room for a small block's items at once (a save frame of a dictionary

@@ -36,3 +36,27 @@ void CifNameIndex::place(std::uint32_t hash, std::size_t position) {
     while (slots_[i].position != 0) i = (i + 1) & mask;
     slots_[i] = Slot{hash, static_cast<std::uint32_t>(position + 1)};
 }
+
+std::size_t CifNameIndex::find_slot(const ItemList& items, std::string_view name, std::uint64_t name_hash,
+                                    std::size_t& slot) const {
+    const std::uint32_t hash = fold(name_hash);
+    const std::size_t mask = capacity_ - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const Slot& at = slots_[i];
+        if (at.position == 0) {
+            slot = i;
+            return npos;
+        }
+        if (at.hash == hash && cif_iequals(items[at.position - 1]->name(), name)) return at.position - 1;
+    }
+}
+
+void CifNameIndex::add_at(const ItemList& items, std::size_t position, std::size_t slot) {
+    check_count(position + 1);
+    if ((std::size_t(size_) + 1) * 4 > std::size_t(capacity_) * 3) {
+        rehash(capacity_for(items.size()), items.size(), item_names(items));
+        return;
+    }
+    slots_[slot] = Slot{fold(items[position]->name_hash()), static_cast<std::uint32_t>(position + 1)};
+    ++size_;
+}

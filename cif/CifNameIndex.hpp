@@ -47,6 +47,14 @@ public:
     std::size_t find(const ItemList& items, std::string_view name, std::uint64_t name_hash) const {
         return find_folded(name, fold(name_hash), item_names(items));
     }
+    // A look-up and an insertion in one probe: the position of the item of
+    // that name, or npos with slot set to where an item of that name goes,
+    // which add_at takes once the new item ends the list.
+    std::size_t find_slot(const ItemList& items, std::string_view name, std::uint64_t name_hash,
+                          std::size_t& slot) const;
+    // Adds items[position] (the list's last item, not indexed yet) at the
+    // slot find_slot gave for its name, nothing indexed in between.
+    void add_at(const ItemList& items, std::size_t position, std::size_t slot);
 
     // The same for any list the owner keeps, given as its size and a
     // function from a position to the name there (string_view).

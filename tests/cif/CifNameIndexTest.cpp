@@ -58,6 +58,29 @@ TEST(CifNameIndex, FindsEveryPositionInAnyCaseThroughGrowthAndRebuilding) {
     EXPECT_EQ(index.find(items, items[1]->name()), CifNameIndex::npos);
 }
 
+TEST(CifNameIndex, OneProbeFindsANameOrThePlaceWhereItGoesThroughGrowth) {
+    CifNameIndex index;
+    CifNameIndex::ItemList items;
+    items.emplace_back(new CifDataItem("_first"));
+    index.build(items);
+    for (int i = 0; i < 200; ++i) {
+        const std::string name = "_atom_site_aniso_U_" + std::to_string(i);
+        // Every name added before is found in any case, and not added again.
+        const std::size_t earlier = static_cast<std::size_t>(i % 7);
+        std::size_t slot = 0;
+        EXPECT_EQ(index.find_slot(items, upper(items[earlier]->name()), items[earlier]->name_hash(), slot),
+                  earlier);
+        // A new name is not found; it goes where the probe stopped, or the
+        // table grows (past three quarters full) and takes it with the rest.
+        THandle<CifDataItem> item(new CifDataItem(name));
+        ASSERT_EQ(index.find_slot(items, name, item->name_hash(), slot), CifNameIndex::npos) << name;
+        items.push_back(item);
+        index.add_at(items, items.size() - 1, slot);
+        ASSERT_EQ(index.size(), items.size());
+        for (std::size_t j = 0; j < items.size(); ++j) ASSERT_EQ(index.find(items, items[j]->name()), j) << i;
+    }
+}
+
 TEST(CifNameIndex, NamesEqualButForCaseHashAlike) {
     for (const char* name : {"", "_a", "_Cell_Length_A", "_symmetry_equiv_pos_as_xyz", "_refln.F_meas_au"}) {
         std::string lower = cif_lowercase(name);
@@ -87,7 +110,8 @@ TEST(CifNameIndex, NamesCompareAsCharacterByCharacterIgnoringCase) {
                 for (int y = 0; y < 256; ++y) {
                     a[at] = static_cast<char>(x);
                     b[at] = static_cast<char>(y);
-                    ASSERT_EQ(cif_iequals(a, b), one_by_one(a, b)) << length << " " << at << " " << x << " " << y;
+                    ASSERT_EQ(cif_iequals(a, b), one_by_one(a, b))
+                        << length << " " << at << " " << x << " " << y;
                 }
             }
         }
