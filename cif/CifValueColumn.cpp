@@ -213,48 +213,29 @@ void CifValueColumn::resume() {
 
 void CifValueColumn::copy_refs(std::size_t first, std::size_t count, CifValueRef* out,
                                const char* text_end) const {
-    if (store_ == nullptr) {
-        if (size_ <= 1) {
-            if (count > 0) out[0] = single_;
-        } else {
-            std::copy(small() + first, small() + first + count, out);
-        }
-        return;
-    }
-    const Store& store = *store_;
-    if (text_end == nullptr && text_ != nullptr && count > 0) {
+    if (store_ != nullptr && text_end == nullptr && text_ != nullptr && count > 0) {
         // Without the text's end, where the column's last value ends bounds
         // what may be read at once: the text holds that byte (a word's stop,
         // a closing quote or the text's final NUL).
-        const CifValueRef final_value = store.at(size_ - 1, text_);
+        const CifValueRef final_value = store_->at(size_ - 1, text_);
         if (!final_value.added()) text_end = text_ + final_value.offset + final_value.length();
     }
-    const std::size_t last = first + count;
-    for (std::size_t n = first; n < last;) {
-        const Group& group = store.groups[n >> group_bits];
-        const std::size_t stop = std::min(last, ((n >> group_bits) + 1) << group_bits);
-        if (group.wide != compact) {
-            const CifValueRef* refs = store.wide[group.wide - 1].data();
-            for (; n < stop; ++n) *out++ = refs[n & (group_size - 1)];
-        } else if (text_end != nullptr) {
-            const std::uint16_t* distances = store.chunks[n >> chunk_bits].get() + (n & (chunk_size - 1));
-            for (; n < stop; ++n) {
-                CifValueRef ref;
-                ref.offset = group.base + *distances++;
-                const char* word = text_ + ref.offset;
+    const char* text = text_;
+    visit(
+        first, count,
+        [&](std::size_t, std::size_t offset) {
+            CifValueRef ref;
+            ref.offset = static_cast<std::uint32_t>(offset);
+            const char* word = text + offset;
+            if (text_end != nullptr) {
                 const char* word_end = cif_to_word_stop(word, text_end);
                 ref.bits = static_cast<std::uint32_t>(word_end - word) + word_length(word_end);
-                *out++ = ref;
+            } else {
+                ref.bits = word_length(word);
             }
-        } else {
-            for (; n < stop; ++n) {
-                CifValueRef ref;
-                ref.offset = group.base + store.distance(n);
-                ref.bits = word_length(text_ + ref.offset);
-                *out++ = ref;
-            }
-        }
-    }
+            *out++ = ref;
+        },
+        [&](std::size_t, CifValueRef ref) { *out++ = ref; });
 }
 
 void CifValueColumn::set(std::size_t n, CifValueRef ref) {
