@@ -16,6 +16,7 @@
 #include "cif/CifDictionaryPool.hpp"
 #include "cif/CifErrorContainer.hpp"
 #include "document/QcbsCifDocument.hpp"
+#include "document/QcbsWorkerDictionary.hpp"
 #include "editor/QcbsRichTextEdit.hpp"
 
 namespace {
@@ -119,6 +120,16 @@ TEST_F(CifDocument, JumpsLandOnTheNamedItemOfTheRightBlockInTheMiddleOfTheView) 
 
 // --- large documents: checks and saves on the worker thread ---
 
+// The team's test dictionary, read from the source tree.
+struct LargeDocumentDictionary {
+    static THandle<CifConcreteDictionary> read() {
+        std::ifstream stream(TESSARY_SOURCE_DIR "/tests/data/tessary_test.dic", std::ios::binary);
+        THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
+        dictionary->read(stream, THandle<CifErrorContainer>(new CifErrorContainer()));
+        return dictionary;
+    }
+};
+
 // A document above the worker threshold, with the team's test dictionary.
 class LargeDocument : public ::testing::Test, protected EditorDocument {
 protected:
@@ -132,15 +143,37 @@ protected:
         EXPECT_TRUE(load(bytes, "/data/big.cif"));
         EXPECT_TRUE(document.isLarge());
     }
-    static THandle<CifConcreteDictionary> cif_test_dictionary() {
-        std::ifstream stream(TESSARY_SOURCE_DIR "/tests/data/tessary_test.dic", std::ios::binary);
-        THandle<CifConcreteDictionary> dictionary(new CifConcreteDictionary());
-        dictionary->read(stream, THandle<CifErrorContainer>(new CifErrorContainer()));
-        return dictionary;
-    }
+    static THandle<CifConcreteDictionary> cif_test_dictionary() { return LargeDocumentDictionary::read(); }
 
     QByteArray bytes;
 };
+
+// What a check on the worker remembers of a dictionary's answers is kept
+// under the number of the dictionary the worker's view stands for.
+TEST(WorkerDictionary, AnswersItsNumberAliasesAndDefinitionsAsTheDictionaryItViews) {
+    const THandle<CifConcreteDictionary> core = LargeDocumentDictionary::read();
+    const THandle<CifConcreteDictionary> other = LargeDocumentDictionary::read();
+    THandle<CifDictionaryPool> one(new CifDictionaryPool()), two(new CifDictionaryPool());
+    one->insert(core);
+    two->insert(core);
+    two->insert(other);
+    const struct {
+        const char* what;
+        THandle<CifDictionary> viewed;
+        std::uint64_t serial;
+    } cases[] = {
+        {"a dictionary", core, core->serial()},
+        {"a pool of one", one, core->serial()},
+        {"a pool of two, whose answers are not kept", two, 0},
+    };
+    for (const auto& c : cases) {
+        const THandle<CifDictionary> view = QcbsWorkerDictionary::forWorker(c.viewed);
+        EXPECT_EQ(view->serial(), c.serial) << c.what;
+        EXPECT_EQ(view->has_aliases(), c.viewed->has_aliases()) << c.what;
+        EXPECT_FALSE(view->has_aliases()) << c.what;  // the test dictionary is DDL1
+        EXPECT_TRUE(view->defines_by_definitions()) << c.what;
+    }
+}
 
 TEST_F(LargeDocument, IsCheckedOnTheWorkerAndATypedChangeMarksTheResultStale) {
     QSignalSpy checked(&document, &QcbsCifDocument::checked);
